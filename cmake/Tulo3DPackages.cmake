@@ -1,0 +1,63 @@
+# SPDX-License-Identifier: MIT
+# Debian packages by CPack: the library, what one needs to develop with it, and the program. The
+# folders are those of a build for /usr, as the preset `package` configures it.
+set(CPACK_GENERATOR DEB)
+set(CPACK_PACKAGE_NAME tulo3d)
+set(CPACK_PACKAGE_VENDOR "The Tulo3D authors")
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "exact 3D Delaunay tetrahedralization")
+set(CPACK_PACKAGE_CONTACT "The Tulo3D authors <bugs@tulo3d.example>")
+set(CPACK_PACKAGE_DIRECTORY ${Tulo3D_BINARY_DIR})
+set(CPACK_STRIP_FILES ON)
+set(CPACK_VERBATIM_VARIABLES ON)
+
+set(CPACK_DEB_COMPONENT_INSTALL ON)
+set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+set(CPACK_DEBIAN_PACKAGE_RELEASE 1)
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${Tulo3D_BINARY_DIR}/dt3Library)
+set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
+set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS_POLICY ">=")
+set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
+set(CPACK_DEBIAN_ENABLE_COMPONENT_DEPENDS ON)
+
+# CPack lets the package call ldconfig; Debian wants the trigger, too.
+file(WRITE ${Tulo3D_BINARY_DIR}/triggers "activate-noawait ldconfig\n")
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_CONTROL_EXTRA ${Tulo3D_BINARY_DIR}/triggers)
+
+# The changelog that every Debian package brings.
+set(changelog ${Tulo3D_BINARY_DIR}/changelog.Debian)
+string(TIMESTAMP today "%a, %d %b %Y 00:00:00 +0000" UTC)
+file(WRITE ${changelog} "tulo3d (${Tulo3D_VERSION}-1) unstable; urgency=medium
+
+  * Version ${Tulo3D_VERSION}.
+
+ -- ${CPACK_PACKAGE_CONTACT}  ${today}
+")
+execute_process(COMMAND gzip -9nf ${changelog} COMMAND_ERROR_IS_FATAL ANY)
+
+function(tulo3d_package component package section contents)
+	string(TOUPPER ${component} key)
+	set(CPACK_DEBIAN_${key}_PACKAGE_NAME ${package} PARENT_SCOPE)
+	set(CPACK_DEBIAN_${key}_PACKAGE_SECTION ${section} PARENT_SCOPE)
+	set(CPACK_COMPONENT_${key}_DESCRIPTION
+"Tulo3D computes the Delaunay tetrahedralization of points in space, one
+point at a time or in batches. Its geometric decisions are exact: coplanar,
+cospherical and repeated points are handled like any others.
+.
+This package contains ${contents}." PARENT_SCOPE)
+
+	set(documents ${CMAKE_INSTALL_DATAROOTDIR}/doc/${package})
+	install(FILES ${Tulo3D_SOURCE_DIR}/LICENSE DESTINATION ${documents} RENAME copyright
+		COMPONENT ${component})
+	install(FILES ${changelog}.gz DESTINATION ${documents} COMPONENT ${component})
+endfunction()
+
+tulo3d_package(Runtime libtulo3d${Tulo3D_VERSION_MAJOR} libs "the shared library")
+tulo3d_package(Development libtulo3d-dev libdevel
+	"the headers, the static library, and the files\nfor CMake and pkg-config")
+tulo3d_package(Tool tulo3d science "the program, which triangulates a file of points")
+set(CPACK_COMPONENT_DEVELOPMENT_DEPENDS Runtime)
+set(CPACK_COMPONENT_TOOL_DEPENDS Runtime)
+set(CPACK_COMPONENTS_ALL Runtime Development Tool)
+
+include(CPack)

@@ -1,0 +1,124 @@
+// SPDX-License-Identifier: MIT
+// The two questions the engine asks: on which side of a plane, and inside the sphere or not.
+#pragma once
+
+#include "Point3.h"
+#include "Tet3.h"
+#include "TetIndices.h"
+#include "tools.h"
+
+#include <cmath>
+#include <string>
+
+#if defined(__FAST_MATH__) || (defined(_MSC_VER) && defined(_M_FP_FAST))
+#  error "Exact tests need the rounding of every single operation: build without fast-math."
+#endif
+
+namespace TULO3D {
+
+// The numeric values matter: the engine and its messages use them.
+enum Orientation3 {
+	ORIENTATION3_POSITIVE = 0,
+	ORIENTATION3_NEGATIVE = 1,
+	ORIENTATION3_COPLANAR = 2
+};
+
+enum SphereInclusion { SIC_INSIDE = 0, SIC_OUTSIDE = 1, SIC_VERTEX = 2 };
+
+/// Exact orientation and in-sphere tests.
+///
+/// J. R. Shewchuk: Adaptive Precision Floating-Point Arithmetic and Fast Robust Geometric
+/// Predicates, Discrete & Computational Geometry 18, 1997. A first stage in plain floating point
+/// has a bound for its own error; only when the sign is in doubt do stages of growing precision
+/// follow, the last of them exact. The results are the signs of the exact determinants.
+class ArdoTest3
+{
+public:
+	/// Finds the machine constants and derives the error bounds from them.
+	ArdoTest3();
+
+	/// POSITIVE when ((b - a) x (c - a)) . (d - a) > 0: a, b, c run counter-clockwise seen from d.
+	Orientation3 getOrientation3(
+	    const Point3* a, const Point3* b, const Point3* c, const Point3* d) const;
+
+	/// The side of facet ith on which `pVtx` lies: POSITIVE is the side of corner ith, NEGATIVE is
+	/// beyond the facet, towards neighbour ith.
+	Orientation3 getOrientation3(const Tet3* pC, int ith, const Point3* pVtx) const;
+
+	/// Where `pVtx` lies with respect to the sphere through the corners of the positive `pT`.
+	///
+	/// Deliberate: a point exactly on the sphere is SIC_OUTSIDE, so cospherical points are never in
+	/// conflict; a point with exactly the coordinates of a corner is SIC_INSIDE.
+	SphereInclusion sphereInclusionTest(const Tet3* pT, const Point3* pVtx) const;
+
+	/// The name of an orientation as the tetrahedron's print has it.
+	static std::string getOrientationName(Orientation3 orientation);
+
+	/// Prints "label: positive", "negative" or "coplanar" on a line of standard output.
+	static void printOrientation(Orientation3 orientation, const std::string& label);
+
+	/// What the fast stage of each test leaves to say: the value, its sign's bound, and the permanent
+	/// from which the bounds of the later stages are made.
+	struct FastStage
+	{
+		double det;
+		double permanent;
+		double errbound;
+		bool bCertain() const { return !(errbound > det && errbound > -det); }
+	};
+	FastStage orient3dFast(
+	    const Point3& a, const Point3& b, const Point3& c, const Point3& d) const;
+	FastStage insphereFast(
+	    const Point3& a, const Point3& b, const Point3& c, const Point3& d, const Point3& e) const;
+
+	double splitter; ///< cuts a double into two halves of at most 26 bits
+	double epsilon;  ///< half the distance from 1 to the next double
+	double resulterrbound;
+	double ccwerrboundA, ccwerrboundB, ccwerrboundC;
+	double o3derrboundA, o3derrboundB, o3derrboundC;
+	double iccerrboundA, iccerrboundB, iccerrboundC;
+	double isperrboundA, isperrboundB, isperrboundC;
+
+private:
+	Orientation3 orientationInDoubt(
+	    const Point3& a, const Point3& b, const Point3& c, const Point3& d, double permanent) const;
+	SphereInclusion inclusionInDoubt(const Tet3& tet, const Point3& q, double permanent) const;
+};
+
+inline ArdoTest3::FastStage ArdoTest3::orient3dFast(
+    const Point3& a, const Point3& b, const Point3& c, const Point3& d) const
+{
+	const double adx = a.x() - d.x(), ady = a.y() - d.y(), adz = a.z() - d.z();
+	const double bdx = b.x() - d.x(), bdy = b.y() - d.y(), bdz = b.z() - d.z();
+	const double cdx = c.x() - d.x(), cdy = c.y() - d.y(), cdz = c.z() - d.z();
+
+	const double bdxcdy = bdx * cdy, cdxbdy = cdx * bdy;
+	const double cdxady = cdx * ady, adxcdy = adx * cdy;
+	const double adxbdy = adx * bdy, bdxady = bdx * ady;
+
+	const double det = adz * (bdxcdy - cdxbdy) + bdz * (cdxady - adxcdy) + cdz * (adxbdy - bdxady);
+	const double permanent = (std::abs(bdxcdy) + std::abs(cdxbdy)) * std::abs(adz) +
+	    (std::abs(cdxady) + std::abs(adxcdy)) * std::abs(bdz) +
+	    (std::abs(adxbdy) + std::abs(bdxady)) * std::abs(cdz);
+	return {det, permanent, o3derrboundA * permanent};
+}
+
+inline Orientation3 ArdoTest3::getOrientation3(
+    const Point3* a, const Point3* b, const Point3* c, const Point3* d) const
+{
+	const FastStage fast = orient3dFast(*a, *b, *c, *d);
+	if (!fast.bCertain()) return orientationInDoubt(*a, *b, *c, *d, fast.permanent);
+	if (fast.det < 0.0) return ORIENTATION3_POSITIVE;
+	return fast.det > 0.0 ? ORIENTATION3_NEGATIVE : ORIENTATION3_COPLANAR;
+}
+
+inline Orientation3 ArdoTest3::getOrientation3(const Tet3* pC, int ith, const Point3* pVtx) const
+{
+	assert(range03(ith));
+	if (!range03(ith)) hardStop();
+	if (pC == nullptr) goToHell("getOrientation3, pC==NULL");
+	const auto [i, j, k] = insideFacet(ith);
+	return getOrientation3(pC->getCorner(i), pC->getCorner(j), pC->getCorner(k), pVtx);
+}
+
+} // namespace TULO3D

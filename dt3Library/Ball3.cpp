@@ -1,0 +1,22 @@
+// SPDX-License-Identifier: MIT
+// A sphere: its radius and its print.
+#include "Ball3.h"
+
+#include "printing.h"
+
+#include <cmath>
+#include <iostream>
+
+namespace TULO3D {
+
+double Ball3::getRadius() const
+{
+	return std::sqrt(sqRadius);
+}
+
+void Ball3::debug() const
+{
+	std::cout << "Ball3: " << center << ", r=" << getRadius() << std::endl;
+}
+
+} // namespace TULO3D

@@ -1,0 +1,108 @@
+// SPDX-License-Identifier: MIT
+// A box that grows with its points.
+#include "Bbox3.h"
+
+#include <algorithm>
+#include <iostream>
+
+namespace TULO3D {
+
+namespace {
+
+/// Widens one axis of a box that is not empty; true when that changed it.
+bool widen(double& min, double& max, double coordinate)
+{
+	if (min > coordinate) {
+		min = coordinate;
+		return true;
+	}
+	if (coordinate > max) {
+		max = coordinate;
+		return true;
+	}
+	return false;
+}
+
+void enlargeAxis(double& min, double& max, double factor)
+{
+	const double d = (max - min) * factor * 0.5;
+	min -= d;
+	max += d;
+}
+
+} // namespace
+
+Bbox3::Bbox3(const std::vector<Point3>& vPoints)
+{
+	add(vPoints);
+}
+
+bool Bbox3::add(const Point3& p)
+{
+	if (!isValid()) {
+		p.xyz(minX, minY, minZ);
+		p.xyz(maxX, maxY, maxZ);
+		return true;
+	}
+	const bool bX = widen(minX, maxX, p.x());
+	const bool bY = widen(minY, maxY, p.y());
+	const bool bZ = widen(minZ, maxZ, p.z());
+	return bX || bY || bZ;
+}
+
+bool Bbox3::add(const std::vector<Point3>& vPoints)
+{
+	bool bChanged = false;
+	for (const Point3& point : vPoints) {
+		if (add(point)) bChanged = true;
+	}
+	return bChanged;
+}
+
+void Bbox3::treatPointForValidBox(const Point3& p)
+{
+	widen(minX, maxX, p.x());
+	widen(minY, maxY, p.y());
+	widen(minZ, maxZ, p.z());
+}
+
+void Bbox3::enlargeBounds(double factor)
+{
+	enlargeAxis(minX, maxX, factor);
+	enlargeAxis(minY, maxY, factor);
+	enlargeAxis(minZ, maxZ, factor);
+}
+
+Bbox3 Bbox3::operator+(Bbox3& other)
+{
+	minX = std::min(minX, other.minX);
+	minY = std::min(minY, other.minY);
+	minZ = std::min(minZ, other.minZ);
+	maxX = std::max(maxX, other.maxX);
+	maxY = std::max(maxY, other.maxY);
+	maxZ = std::max(maxZ, other.maxZ);
+	return *this;
+}
+
+double Bbox3::getMaxRange() const
+{
+	return std::max({getRangeX(), getRangeY(), getRangeZ()});
+}
+
+double Bbox3::getMinCoord() const
+{
+	return std::min({minX, minY, minZ});
+}
+
+double Bbox3::getMaxCoord() const
+{
+	return std::max({maxX, maxY, maxZ});
+}
+
+void Bbox3::debug() const
+{
+	std::cout << "Bbox3: (" << minX << "," << minY << "," << minZ << ") -> (" << maxX << "," << maxY
+	          << "," << maxZ << ")" << std::endl;
+}
+
+} // namespace TULO3D

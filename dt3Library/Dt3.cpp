@@ -1,0 +1,33 @@
+// SPDX-License-Identifier: MIT
+// Birth and death of the engine.
+#include "Dt3.h"
+
+namespace TULO3D {
+
+namespace {
+
+constexpr std::size_t kFacetSlots = 1024;
+constexpr std::size_t kUsualCavity = 512;
+
+} // namespace
+
+Dt3::Dt3(Tulo_3D* pFacade)
+    : numStoredTCS(0),
+      bFullDimensional(false),
+      pOwner(pFacade),
+      bVerbose(false),
+      neighbourTest(bestNeighbourTest())
+{
+	vTwoTetSlots.assign(kFacetSlots, nullptr);
+	twoTetPool.init(1024, 512, twoTetPool.kMaxBlock);
+	tetPool.init(28, -1, tetPool.kMaxBlock);
+	vDeadTets.reserve(kUsualCavity);
+	vRecycledTets.reserve(kUsualCavity);
+}
+
+Dt3::~Dt3()
+{
+	for (Surface3* pSurface : vSurfaces) delete pSurface;
+}
+
+} // namespace TULO3D

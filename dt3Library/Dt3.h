@@ -1,0 +1,257 @@
+// SPDX-License-Identifier: MIT
+// The engine: one tetrahedralization with everything that it owns.
+#pragma once
+
+#include "ArdoTest3.h"
+#include "CollisionIndex.h"
+#include "Edge3.h"
+#include "HC3.h"
+#include "NeighbourSpheres.h"
+#include "Point3.h"
+#include "StarLinker.h"
+#include "Tet3.h"
+#include "ardo_tools/SimplePool.h"
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+namespace TULO3D {
+
+class Tulo_3D;
+
+/// One half of a facet between two new tetrahedra that waits for the other half. The facet consists
+/// of the vertex being inserted and the two keys.
+struct TwoTetStruct
+{
+	Point3* key0; ///< the lower address of the two
+	Point3* key1; ///< the higher address
+	Tet3* pTet;   ///< the new tetrahedron that owns this half
+	int ith;      ///< its index of the facet
+};
+
+/// Reserved: an engine owns its surfaces, but nothing makes one yet.
+struct Surface3
+{
+};
+
+/// On which sides of a tetrahedron's facets a point lies, as the walk sees it at a coplanar facet.
+struct FacetSides
+{
+	int numPositive = 0;
+	int numNegative = 0;
+	int numCoplanar = 0;
+	int outIndex = -1; ///< a coplanar facet on the hull
+	int opp2ICI = -1;  ///< a coplanar facet other than the one being tested
+};
+
+/// The neighbours of a tetrahedron of the cavity.
+struct CavityBorder
+{
+	Tet3* pNeigh[4]; ///< null on the hull
+	int backICI[4];  ///< the index of the facet in the neighbour, where that is not visited
+	NeighbourVerdicts verdicts;
+};
+
+/// What is known of the vertices while they are all coplanar: up to three of them that span their
+/// point, line or plane, and for how many vertices that has been verified.
+struct FlatWitness
+{
+	Point3* pA = nullptr;
+	Point3* pB = nullptr;
+	Point3* pC = nullptr;
+	std::size_t numVertices = 0;
+};
+
+// What holds between two calls from outside:
+//
+//   mesh       if U is neighbour i of T, then T is neighbour j of U for one j, and facet i of T and
+//              facet j of U have the same three vertices
+//   positive   the corners of every live tetrahedron are in positive order, by exact arithmetic
+//   Delaunay   no vertex of the mesh lies strictly inside the sphere of a live tetrahedron
+//   hull       the facets without a neighbour form the boundary of the convex hull
+//   link       a vertex in the mesh names a live tetrahedron that has it as a corner; any other
+//              vertex names none
+//   clean      no live tetrahedron is marked visited; no facet half is pending: every slot is null,
+//              vHashCollisions is empty, numStoredTCS is 0
+//   dead       a tetrahedron in vDeadTets or vRecycledTets has custom index -1 and nothing live
+//              names it
+//   flat       while bFullDimensional is false there is no tetrahedron
+//
+// The members are open to the library's own tests; no other code sees this class.
+class Dt3
+{
+public:
+	explicit Dt3(Tulo_3D* pFacade);
+	Dt3(const Dt3&) = delete;
+	Dt3& operator=(const Dt3&) = delete;
+	~Dt3();
+
+	// Dt3Insert.cpp: how points arrive ----------------------------------------------------------
+
+	/// Inserts one point and returns its vertex.
+	Point3* insert(Point3& p);
+
+	/// Inserts a batch; vUserHandles[i] becomes the vertex of vInputPoints[i].
+	void insert(std::vector<Point3>& vInputPoints, std::vector<Point3*>& vUserHandles);
+
+	/// Inserts vertices that follow one another along the curve, coarse stages first. The first walk
+	/// starts at pLastTet, which must not be null.
+	void triangulate(std::vector<Point3*>& vVertices, Tet3* pLastTet);
+
+	// Dt3StartUp.cpp: from a heap of vertices to the first tetrahedron ---------------------------
+
+	/// Looks for the first four vertices, in the lexicographic order of their places in the listing,
+	/// that are not coplanar, and makes the first tetrahedron of them; null when there are none.
+	Tet3* startUp();
+
+	// Dt3Locate.cpp: the walk to a point ---------------------------------------------------------
+
+	/// Walks from pStartTet towards *pVtx; pStartTet ends where the walk ended.
+	///   -1 inside it   -2 one of its corners has these coordinates
+	///   0..3 on or beyond that hull facet   -99 gave up
+	int locateConflictTet(Point3* pVtx, Tet3*& pStartTet);
+
+	/// The tetrahedron that contains `p` in its inside or on its boundary; null when `p` lies on or
+	/// beyond the hull (unless it is a vertex), or when there is no tetrahedron.
+	Tet3* locate(const Point3& p);
+
+	// Dt3Cavity.cpp: a point inside the hull -----------------------------------------------------
+
+	/// Inserts *ppVtx and returns a live tetrahedron that has it as a corner. When the mesh has a
+	/// vertex with these coordinates, *ppVtx becomes that vertex and the mesh stays.
+	Tet3* insertVertex(Point3** ppVtx, Tet3* pStartTet);
+
+	/// Redirects *ppVtx to the corner of pTet with the same coordinates.
+	Tet3* resolveDuplicate(Point3** ppVtx, Tet3* pTet, int locateResult);
+
+	// Dt3Hull.cpp: a point on or beyond the hull -------------------------------------------------
+
+	/// Inserts *ppVtx, which lies on or beyond hull facet outIndex of pCurTet.
+	Tet3* insertAtHull(Point3** ppVtx, Tet3* pCurTet, int outIndex);
+
+	/// Joins pVtx to the hull facets of vCHTets that face it; the last tetrahedron made, or null.
+	Tet3* createConeTets(const std::vector<Tet3*>& vCHTets, Point3* pVtx);
+
+	/// Fills the cavity that the doomed tetrahedra leave; the last tetrahedron made.
+	Tet3* retriangulateDoomedTets(const std::vector<Tet3*>& vDoomedTets, Point3* pVtx);
+
+	// Dt3Link.cpp: create, recycle and link tetrahedra -------------------------------------------
+
+	/// A new tetrahedron without neighbours. A negative order of the corners throws.
+	Tet3* createTet(Point3* p0, Point3* p1, Point3* p2, Point3* p3);
+
+	/// A new tetrahedron over facet ith of pTet: pVtx as corner 0, the facet as its facet 0.
+	Tet3* createTetReplacingCorner(Tet3* pTet, int ith, Point3* pVtx);
+
+	/// Makes the two neighbours of each other across facet ith of fromTet and jth of toTet.
+	static void registerTets(Tet3* fromTet, int ith, Tet3* toTet, int jth);
+
+	/// Offers one half of a facet: links it to the waiting other half, or makes it wait.
+	void storeOrLinkFacet(unsigned hash, Tet3* pTet, int ith, Point3* key0, Point3* key1);
+
+	/// The slot, 0..1023, of the facet with these two keys, key0 being the lower address.
+	static unsigned facetHash(const Point3* key0, const Point3* key1);
+
+	/// Offers facets 1, 2 and 3 of a tetrahedron whose corner 0 is the vertex being inserted.
+	void offerInnerFacets(Tet3* pNewTet);
+
+	/// Offers every half again that had found its slot taken.
+	void flushHashCollisions();
+
+	/// Forgets all pending halves.
+	void resetFacetHash();
+
+	/// Removes a tetrahedron from the mesh; its record is reused from the next insertion on.
+	void markTetDead(Tet3* pTet);
+
+	/// Starts an insertion: what the last one removed may be reused.
+	void swapDeadAndRecycled();
+
+	// Dt3Query.cpp, Dt3Check.cpp, Dt3Print.cpp: read, verify, show -------------------------------
+
+	/// Fills the empty vTet with every tetrahedron, in ascending address order.
+	void getAllTetrahedra(std::vector<Tet3*>& vTet) const;
+
+	/// Replaces the contents of vTet by the tetrahedra around pVtx, in ascending address order.
+	static void getTetsAroundVertex(Point3* pVtx, std::vector<Tet3*>& vTet);
+
+	/// Appends every distinct vertex, in curve order.
+	void getVertices(std::vector<Point3*>& vVertices) const { hc3.getVertices(vVertices); }
+
+	bool checkValidity(const std::string& name, bool bCheckSphereInc) const;
+	void print(const std::string& name) const;
+	void show(const std::string& filename, Point3* pVtx) const;
+
+	void setVerbosity(bool bVerbosity) { bVerbose = bVerbosity; }
+	bool is3D() const { return bFullDimensional; }
+
+	// The members, in the order of their construction --------------------------------------------
+
+	SimplePool<TwoTetStruct> twoTetPool;
+	SimplePool<Tet3> tetPool;
+	std::vector<Tet3*> vDeadTets;               ///< removed by the current insertion
+	std::vector<Tet3*> vRecycledTets;           ///< free for reuse
+	std::vector<TwoTetStruct*> vTwoTetSlots;    ///< pending facet halves by their hash
+	std::vector<TwoTetStruct*> vHashCollisions; ///< pending halves whose slot was taken
+	int numStoredTCS;                           ///< the number of pending halves
+	ArdoTest3 predicates;
+	bool bFullDimensional; ///< there is a tetrahedron
+	HC3 hc3;
+	std::vector<Surface3*> vSurfaces;
+	Tulo_3D* pOwner;
+	bool bVerbose;
+
+private:
+	// Dt3Insert.cpp
+	/// True when the coordinates are finite and so small that no exact test overflows.
+	static bool isInRange(const Point3& p);
+	// Dt3StartUp.cpp
+	bool isOnLine(const Point3& a, const Point3& b, const Point3& p) const;
+	/// True when the vertices are known to be coplanar, the newest one tested against the witness.
+	bool staysFlat();
+	Tet3* rememberFlat(Point3* pA, Point3* pB, Point3* pC);
+	// Dt3Locate.cpp
+	/// locateConflictTet, taken up again a bounded number of times where the watchdog stops it.
+	int locatePersistently(Point3* pVtx, Tet3*& pStartTet);
+	FacetSides classifyFacets(const Tet3* pTet, int f, const Point3* pVtx) const;
+	/// Circulates around the edge that avoids f and opp2ICI: -1 for an inner edge, else the hull
+	/// facet at the end, and pTet becomes its owner.
+	int stopAtHullEdge(Tet3*& pTet, int f, int opp2ICI) const;
+	// Dt3Cavity.cpp
+	Tet3* replaceCavity(Point3* pVtx, Tet3* pStartTet);
+	void joinCavity(Tet3* pTet);
+	/// What lies around a tetrahedron of the cavity. All four tests are made at once; they do not
+	/// depend on one another.
+	void lookAround(const Tet3* pTet, const Point3* pVtx, CavityBorder& border) const;
+	/// True when the sphere of neighbour i contains the vertex.
+	bool isInConflict(const CavityBorder& border, int i, const Point3* pVtx) const
+	{
+		if (border.verdicts.isOutside(i)) return false;
+		return border.verdicts.isInside(i) ||
+		    predicates.sphereInclusionTest(border.pNeigh[i], pVtx) != SIC_OUTSIDE;
+	}
+	/// createTetReplacingCorner, linked to the neighbour outside the cavity.
+	Tet3* closeFacet(Tet3* pTet, int i, const CavityBorder& border, Point3* pVtx);
+	// Dt3Hull.cpp
+	std::vector<Tet3*> gatherVisibleTets(const Point3* pVtx, Tet3* pCurTet, int outIndex) const;
+	void growDoomed(const Point3* pVtx, std::vector<Tet3*>& vDoomedTets);
+	// Dt3Link.cpp
+	/// A new tetrahedron whose corners are known to be in positive order.
+	Tet3* makePositiveTet(Point3* p0, Point3* p1, Point3* p2, Point3* p3);
+	/// Links the new star, which ends nowhere but in itself.
+	void linkClosedStar();
+	/// Links the new star, which ends at the hull.
+	void linkOpenStar();
+	void storeCollision(TwoTetStruct* pHalf);
+	TwoTetStruct* takeCollision(const Tet3* pTet, const Point3* key0, const Point3* key1);
+
+	NeighbourTest neighbourTest;     ///< the variant for this CPU
+	std::vector<Tet3*> vCavityStack; ///< empty between insertions
+	FlatWitness flatWitness;
+	StarLinker star;               ///< the tetrahedra that the current insertion makes
+	CollisionIndex collisionIndex; ///< finds the partner in a long vHashCollisions
+	Rand15 watchdogRandom;
+};
+
+} // namespace TULO3D

@@ -1,0 +1,142 @@
+// SPDX-License-Identifier: MIT
+// A vertex enters on or beyond the hull: the hull facets that face it get a tetrahedron each, and
+// the tetrahedra whose spheres contain it are replaced, as inside the hull.
+#include "Dt3.h"
+#include "TetAroundEdgeIterator.h"
+
+#include <iostream>
+
+namespace TULO3D {
+
+Tet3* Dt3::insertAtHull(Point3** ppVtx, Tet3* pCurTet, int outIndex)
+{
+	CONDITION_CHECK(pCurTet!=0);
+	CONDITION_CHECK_AS(outIndex > -1, "opp3ICI>-1");
+	CONDITION_CHECK(numStoredTCS==0);
+	Point3* pVtx = *ppVtx;
+	swapDeadAndRecycled();
+	star.clear();
+
+	std::vector<Tet3*> vCHTets;
+	std::vector<Tet3*> vDoomedTets;
+	for (Tet3* pTet : gatherVisibleTets(pVtx, pCurTet, outIndex)) {
+		if (predicates.sphereInclusionTest(pTet, pVtx) == SIC_OUTSIDE) {
+			vCHTets.push_back(pTet);
+		} else {
+			joinCavity(pTet);
+			vDoomedTets.push_back(pTet);
+		}
+	}
+	growDoomed(pVtx, vDoomedTets);
+
+	Tet3* pNewTet1 = createConeTets(vCHTets, pVtx);
+	Tet3* pNewTet2 = vDoomedTets.empty() ? nullptr : retriangulateDoomedTets(vDoomedTets, pVtx);
+
+	linkOpenStar();
+	if (pNewTet1 == nullptr) pNewTet1 = pNewTet2;
+	CONDITION_CHECK(pNewTet1!=0);
+	return pNewTet1;
+}
+
+std::vector<Tet3*> Dt3::gatherVisibleTets(const Point3* pVtx, Tet3* pCurTet, int outIndex) const
+{
+	// A flood over the hull surface, from facet to facet around their common edges. A tetrahedron
+	// enters with all its facets that face the vertex, so its mark is enough to gather it once.
+	std::vector<Tet3*> vGathered;
+	std::vector<Edge3> vEdges;
+	const auto gather = [&](Tet3* pTet, int knownFacet) {
+		pTet->hasBeenVisited = true;
+		vGathered.push_back(pTet);
+		for (int f = 0; f < 4; ++f) {
+			if (pTet->getOppTet(f) != nullptr) continue;
+			const bool bFaces = f == knownFacet ||
+			    predicates.getOrientation3(pTet, f, pVtx) == ORIENTATION3_NEGATIVE;
+			for (int j = 0; bFaces && j < 4; ++j) {
+				if (j != f) vEdges.push_back(pTet->getEdge(f, j));
+			}
+		}
+	};
+
+	gather(pCurTet, outIndex);
+	while (!vEdges.empty()) {
+		TetAroundEdgeIterator it(vEdges.back());
+		vEdges.pop_back();
+		while (!it.nextIsNull()) ++it;
+		Tet3* pHullTet = *it;
+		const int h = it.getOpp2Index();
+		CONDITION_CHECK_AS(pHullTet->getOppTet(h) == nullptr, "pCurTet->getOppTet(opp2ICI)==0");
+		if (pHullTet->hasBeenVisited) continue;
+		if (predicates.getOrientation3(pHullTet, h, pVtx) != ORIENTATION3_NEGATIVE) continue;
+		gather(pHullTet, h);
+	}
+	for (Tet3* pTet : vGathered) pTet->hasBeenVisited = false;
+	return vGathered;
+}
+
+void Dt3::growDoomed(const Point3* pVtx, std::vector<Tet3*>& vDoomedTets)
+{
+	vCavityStack = vDoomedTets;
+	CavityBorder border;
+	while (!vCavityStack.empty()) {
+		Tet3* pCurTet = vCavityStack.back();
+		vCavityStack.pop_back();
+		CONDITION_CHECK(pCurTet!=0);
+		lookAround(pCurTet, pVtx, border);
+		for (int i = 0; i < 4; ++i) {
+			Tet3* pNeigh = border.pNeigh[i];
+			if (pNeigh == nullptr || pNeigh->hasBeenVisited) continue;
+			if (!isInConflict(border, i, pVtx)) continue;
+			joinCavity(pNeigh);
+			vDoomedTets.push_back(pNeigh);
+			vCavityStack.push_back(pNeigh);
+		}
+	}
+}
+
+Tet3* Dt3::createConeTets(const std::vector<Tet3*>& vCHTets, Point3* pVtx)
+{
+	Tet3* pLastTet = nullptr;
+	for (Tet3* pCHTet : vCHTets) {
+		CONDITION_CHECK(!pCHTet->hasBeenVisited);
+		for (int i = 0; i < 4; ++i) {
+			if (pCHTet->getOppTet(i) != nullptr) continue;
+			const Orientation3 orient = predicates.getOrientation3(pCHTet, i, pVtx);
+			if (orient == ORIENTATION3_POSITIVE || orient == ORIENTATION3_COPLANAR) continue;
+			CONDITION_CHECK(orient==ORIENTATION3_NEGATIVE);
+			const auto [a, b, c] = insideFacet(i);
+			pLastTet =
+			    createTet(pVtx, pCHTet->getCorner(a), pCHTet->getCorner(b), pCHTet->getCorner(c));
+			registerTets(pLastTet, 0, pCHTet, i);
+			star.add(pLastTet);
+		}
+	}
+	return pLastTet;
+}
+
+Tet3* Dt3::retriangulateDoomedTets(const std::vector<Tet3*>& vDoomedTets, Point3* pVtx)
+{
+	if (vDoomedTets.empty()) {
+		std::cout << "Warning: vDoomedTets() without input tets, returning NULL" << std::endl;
+		return nullptr;
+	}
+	Tet3* pNewTet = nullptr;
+	for (Tet3* pDoomedTet : vDoomedTets) {
+		CONDITION_CHECK(pDoomedTet->hasBeenVisited);
+		for (int i = 0; i < 4; ++i) {
+			Tet3* pOppTet = pDoomedTet->getOppTet(i);
+			if (pOppTet != nullptr && pOppTet->hasBeenVisited) continue;
+			if (predicates.getOrientation3(pDoomedTet, i, pVtx) != ORIENTATION3_POSITIVE) continue;
+			pNewTet = createTetReplacingCorner(pDoomedTet, i, pVtx);
+			CONDITION_CHECK(pNewTet!=0);
+			CONDITION_CHECK(!pNewTet->hasBeenVisited);
+			if (pOppTet != nullptr) {
+				CONDITION_CHECK(!pOppTet->hasBeenVisited);
+				registerTets(pNewTet, 0, pOppTet, pOppTet->getIntraTetIndex(pDoomedTet));
+			}
+			star.add(pNewTet);
+		}
+	}
+	return pNewTet;
+}
+
+} // namespace TULO3D

@@ -1,0 +1,119 @@
+// SPDX-License-Identifier: MIT
+// How points arrive: one, or a batch in stages from coarse to fine.
+#include "Dt3.h"
+
+#include <algorithm>
+#include <cmath>
+#include <iostream>
+
+namespace TULO3D {
+
+namespace {
+
+/// The largest magnitude for which no product of an exact test can overflow.
+constexpr double kMaxCoordinate = 1e60;
+constexpr const char* kRangeText = "coordinates are finite and at most 1e60 in magnitude";
+
+using Stages = std::vector<std::vector<Point3*>>;
+
+/// Appends the middle of [lo, hi) to the stage of this depth and its halves to the deeper stages;
+/// at the last depth, everything that is left.
+void distribute(const std::vector<Point3*>& vVertices, std::size_t lo, std::size_t hi,
+    std::size_t depth, Stages& stages)
+{
+	while (hi - lo >= 2 && depth + 1 < stages.size()) {
+		const std::size_t mid = lo + (hi - lo) / 2;
+		stages[depth].push_back(vVertices[mid]);
+		++depth;
+		distribute(vVertices, lo, mid, depth, stages);
+		lo = mid + 1;
+	}
+	for (; lo < hi; ++lo) stages[depth].push_back(vVertices[lo]);
+}
+
+} // namespace
+
+bool Dt3::isInRange(const Point3& p)
+{
+	return std::abs(p.x()) <= kMaxCoordinate && std::abs(p.y()) <= kMaxCoordinate &&
+	    std::abs(p.z()) <= kMaxCoordinate; // false for NaN
+}
+
+Point3* Dt3::insert(Point3& p)
+{
+	CONDITION_CHECK_AS(isInRange(p), kRangeText);
+	Tet3* pLastTet = nullptr;
+	Point3* pVtx = hc3.insertPoint(p, pLastTet);
+	if (bFullDimensional) {
+		// The neighbour on the curve may be a vertex that never entered the mesh.
+		if (pLastTet == nullptr) pLastTet = hc3.findNearbyTet(*pVtx);
+		CONDITION_CHECK(!pLastTet->hasBeenVisited);
+		insertVertex(&pVtx, pLastTet);
+		return pVtx;
+	}
+	pLastTet = startUp();
+	if (pLastTet != nullptr && hc3.size() > 4) {
+		// Deliberate: an empty list. Coplanar vertices that came one by one stay out of the mesh.
+		std::vector<Point3*> vNothing;
+		triangulate(vNothing, pLastTet);
+	}
+	return pVtx;
+}
+
+void Dt3::insert(std::vector<Point3>& vInputPoints, std::vector<Point3*>& vUserHandles)
+{
+	if (bVerbose) {
+		std::cout << std::endl << "Dt3::insert(vector,vector) has been called" << std::endl;
+	}
+	if (!vUserHandles.empty()) {
+		printWarning("Dt3::insert()", "vUserHandles is not empty as it should be");
+		vUserHandles.clear();
+	}
+	std::cout << "numPoints=" << vInputPoints.size() << std::endl;
+	if (vInputPoints.empty()) return;
+	const bool bInRange = std::all_of(vInputPoints.begin(), vInputPoints.end(), isInRange);
+	CONDITION_CHECK_AS(bInRange, kRangeText);
+
+	std::vector<Point3*> vNewVertices;
+	hc3.insertPoints(vInputPoints, vUserHandles, vNewVertices);
+	if (bFullDimensional) {
+		if (vNewVertices.empty()) return;
+		triangulate(vNewVertices, hc3.findNearbyTet(*vNewVertices.front()));
+		return;
+	}
+
+	Tet3* pFirstTet = startUp();
+	if (pFirstTet == nullptr) return;
+	// Vertices of earlier calls wait for their turn. Equal counts alone do not tell: an earlier point
+	// that is repeated in this batch balances one that is not.
+	const std::size_t numInput = vInputPoints.size();
+	if (hc3.size() != numInput || vNewVertices.size() != numInput) {
+		vNewVertices.clear();
+		hc3.getVertices(vNewVertices);
+	}
+	triangulate(vNewVertices, pFirstTet);
+}
+
+void Dt3::triangulate(std::vector<Point3*>& vVertices, Tet3* pLastTet)
+{
+	if (pLastTet == nullptr) goToHell("pLastTet==NULL in Dt3::triangulate");
+	if (vVertices.empty()) {
+		std::cout << "Attention: triangulate has got an empty vector" << std::endl;
+		return;
+	}
+
+	// Along the curve each walk is short; stages of growing density keep the mesh balanced meanwhile.
+	const auto n = static_cast<double>(vVertices.size());
+	const int brioLevels = static_cast<int>(std::ceil(std::log(n) / std::log(2.0)) - 4.0);
+	Stages stages(static_cast<std::size_t>(brioLevels > 0 ? brioLevels : 0) + 1);
+	distribute(vVertices, 0, vVertices.size(), 0, stages);
+
+	bool bForward = false;
+	for (std::vector<Point3*>& vStage : stages) {
+		if (!bForward) std::reverse(vStage.begin(), vStage.end());
+		for (Point3*& pVtx : vStage) pLastTet = insertVertex(&pVtx, pLastTet);
+		bForward = !bForward;
+	}
+}
+
+} // namespace TULO3D

@@ -1,0 +1,240 @@
+// SPDX-License-Identifier: MIT
+// The vertex store: folds duplicates, orders a batch, offers a start.
+#include "HC3.h"
+#include "KeySort.h"
+#include "tools.h"
+
+#include <iostream>
+#include <limits>
+#include <new>
+
+namespace TULO3D {
+
+namespace {
+
+/// A point of a batch and its place on the curve.
+struct KeyedInput
+{
+	std::uint32_t key;
+	std::uint32_t position;
+};
+
+/// An item and its place on the curve.
+struct KeyedItem
+{
+	std::uint32_t key;
+	IdxVtx* pItem;
+};
+
+/// Brings items with equal keys into the order of their coordinates.
+void sortTies(std::vector<IdxVtx*>& vItems)
+{
+	for (auto itFirst = vItems.begin(); itFirst != vItems.end();) {
+		auto itLast = itFirst + 1;
+		while (itLast != vItems.end() && (*itLast)->key == (*itFirst)->key) ++itLast;
+		if (itLast - itFirst > 1) std::sort(itFirst, itLast, Func_ltIdxVtxPtr());
+		itFirst = itLast;
+	}
+}
+
+/// A probe for the place of `point`; the order never writes to it.
+IdxVtx probeFor(std::uint32_t key, const Point3& point)
+{
+	return {key, const_cast<Point3*>(&point)};
+}
+
+/// The margin around the points of a batch: a tenth of the box for the first one that moves a box in
+/// this process, its whole size later on. Deliberate: one flag for all stores.
+double takeBatchMargin()
+{
+	static bool bFirst = true;
+	const double margin = bFirst ? 0.1 : 1.0;
+	bFirst = false;
+	return margin;
+}
+
+} // namespace
+
+/// A batch on its way in, with room for one cell of the curve at a time.
+struct HC3::Batch
+{
+	const std::vector<Point3>& vPoints;
+	std::vector<Point3*>& vUserHandles;
+	std::vector<Point3*>& vNewVertices;
+	std::vector<IdxVtx*> vNewItems;
+	std::vector<std::uint32_t> vCell; // positions in vPoints, as are the two below
+	std::vector<std::uint32_t> vNewByCoordinates;
+	std::vector<std::uint32_t> vNewByInput;
+};
+
+HC3::HC3(unsigned bits) : numBits(bits)
+{
+	vertexPool.init(4, -1, vertexPool.kMaxBlock);
+	itemPool.init(4, -1, itemPool.kMaxBlock);
+	if (numBits >= 33 || numBits % 3 != 0) {
+		std::cout << "HC3::HC3(..): invalid bitlength" << std::endl;
+		hardStop();
+	}
+}
+
+Point3* HC3::createVertex(const Point3& point)
+{
+	pNewest = new (vertexPool.alloc()) Point3(point.x(), point.y(), point.z());
+	return pNewest;
+}
+
+IdxVtx* HC3::createItem(std::uint32_t key, Point3* pVtx)
+{
+	return new (itemPool.alloc()) IdxVtx{key, pVtx};
+}
+
+void HC3::rebuildKeys()
+{
+	extentX = bbox.getRangeX();
+	extentY = bbox.getRangeY();
+	extentZ = bbox.getRangeZ();
+	bValid = true;
+
+	std::vector<IdxVtx*> vItems;
+	items.list(vItems);
+	std::vector<KeyedItem> vKeyed;
+	vKeyed.reserve(vItems.size());
+	for (IdxVtx* pItem : vItems) {
+		pItem->key = hilbertIndex(*pItem->pVtx);
+		vKeyed.push_back({pItem->key, pItem});
+	}
+	sortByKey(vKeyed, numBits);
+	for (std::size_t i = 0; i < vKeyed.size(); ++i) vItems[i] = vKeyed[i].pItem;
+	sortTies(vItems);
+	items.assign(vItems);
+}
+
+Point3* HC3::findVertex(std::uint32_t key, const Point3& point) const
+{
+	const IdxVtx probe = probeFor(key, point);
+	const VertexItems::Position at = items.lowerBound(probe);
+	if (items.isEnd(at) || Func_ltIdxVtxPtr()(&probe, items[at])) return nullptr;
+	return items[at]->pVtx;
+}
+
+Point3* HC3::insertPoint(const Point3& point, Tet3*& pStartTet)
+{
+	if (bbox.add(point)) {
+		bbox.enlargeBounds(1.0);
+		rebuildKeys();
+	}
+	const IdxVtx probe = probeFor(hilbertIndex(point), point);
+	VertexItems::Position at = items.lowerBound(probe);
+	if (items.isEnd(at) || Func_ltIdxVtxPtr()(&probe, items[at])) {
+		at = items.insertAt(at, createItem(probe.key, createVertex(point)));
+	}
+
+	Point3* pVtx = items[at]->pVtx;
+	pStartTet = pVtx->getOneTet();
+	if (pStartTet != nullptr) return pVtx;
+	if (!items.isBegin(at)) {
+		pStartTet = items[items.previous(at)]->pVtx->getOneTet();
+	} else if (!items.isEnd(items.next(at))) {
+		pStartTet = items[items.next(at)]->pVtx->getOneTet();
+	}
+	return pVtx;
+}
+
+void HC3::insertPoints(const std::vector<Point3>& vPoints, std::vector<Point3*>& vUserHandles,
+    std::vector<Point3*>& vNewVertices)
+{
+	CONDITION_CHECK(vUserHandles.empty());
+	const std::size_t siz = vPoints.size();
+	CONDITION_CHECK_AS(siz <= std::numeric_limits<std::uint32_t>::max(),
+		"a batch has at most 4294967295 points");
+	if (bbox.add(vPoints)) {
+		bbox.enlargeBounds(takeBatchMargin());
+		rebuildKeys();
+	}
+
+	std::vector<KeyedInput> vHIndexIndexPair;
+	vHIndexIndexPair.reserve(siz);
+	for (const Point3& point : vPoints) {
+		const auto position = static_cast<std::uint32_t>(vHIndexIndexPair.size());
+		vHIndexIndexPair.push_back({hilbertIndex(point), position});
+	}
+	sortByKey(vHIndexIndexPair, numBits);
+	assert(vHIndexIndexPair.size()==siz);
+
+	vUserHandles.resize(siz);
+	vNewVertices.reserve(vNewVertices.size() + siz);
+	Batch batch{vPoints, vUserHandles, vNewVertices, {}, {}, {}, {}};
+	batch.vNewItems.reserve(siz);
+	for (std::size_t i = 0; i < siz;) {
+		const std::uint32_t key = vHIndexIndexPair[i].key;
+		batch.vCell.clear();
+		for (; i < siz && vHIndexIndexPair[i].key == key; ++i) {
+			batch.vCell.push_back(vHIndexIndexPair[i].position);
+		}
+		insertCell(key, batch);
+	}
+	items.merge(batch.vNewItems);
+}
+
+void HC3::insertCell(std::uint32_t key, Batch& batch)
+{
+	const std::vector<Point3>& vPoints = batch.vPoints;
+	std::vector<Point3*>& vUserHandles = batch.vUserHandles;
+	const auto byCoordinates = [&vPoints](std::uint32_t i, std::uint32_t j) {
+		return vPoints[i] < vPoints[j];
+	};
+	const auto isEqualToPrevious = [&](std::size_t i) {
+		return i > 0 && vPoints[batch.vCell[i - 1]] == vPoints[batch.vCell[i]];
+	};
+
+	// By coordinates, equal ones in input order: the first of them stands for all.
+	if (batch.vCell.size() > 1) {
+		std::stable_sort(batch.vCell.begin(), batch.vCell.end(), byCoordinates);
+	}
+	batch.vNewByCoordinates.clear();
+	for (std::size_t i = 0; i < batch.vCell.size(); ++i) {
+		if (isEqualToPrevious(i)) continue;
+		const std::uint32_t position = batch.vCell[i];
+		vUserHandles[position] = findVertex(key, vPoints[position]);
+		if (vUserHandles[position] == nullptr) batch.vNewByCoordinates.push_back(position);
+	}
+
+	// The new vertices follow one another in input order, their items by coordinates.
+	batch.vNewByInput = batch.vNewByCoordinates;
+	std::sort(batch.vNewByInput.begin(), batch.vNewByInput.end());
+	for (const std::uint32_t position : batch.vNewByInput) {
+		vUserHandles[position] = createVertex(vPoints[position]);
+		batch.vNewVertices.push_back(vUserHandles[position]);
+	}
+	for (const std::uint32_t position : batch.vNewByCoordinates) {
+		batch.vNewItems.push_back(createItem(key, vUserHandles[position]));
+	}
+	for (std::size_t i = 1; i < batch.vCell.size(); ++i) {
+		if (isEqualToPrevious(i)) vUserHandles[batch.vCell[i]] = vUserHandles[batch.vCell[i - 1]];
+	}
+}
+
+Tet3* HC3::findNearbyTet(const Point3& point) const
+{
+	const VertexItems::Position found = items.lowerBound({hilbertIndex(point), nullptr});
+	for (VertexItems::Position at = found; !items.isEnd(at); at = items.next(at)) {
+		const Point3* pVtx = items[at]->pVtx;
+		CONDITION_CHECK(pVtx!=0);
+		if (pVtx->getOneTet() != nullptr) return pVtx->getOneTet();
+	}
+	for (VertexItems::Position at = found; !items.isBegin(at);) {
+		at = items.previous(at);
+		if (items[at]->pVtx->getOneTet() != nullptr) return items[at]->pVtx->getOneTet();
+	}
+	return nullptr;
+}
+
+void HC3::getVertices(std::vector<Point3*>& out) const
+{
+	out.reserve(out.size() + items.size());
+	for (VertexItems::Position at = items.begin(); !items.isEnd(at); at = items.next(at)) {
+		out.push_back(items[at]->pVtx);
+	}
+}
+
+} // namespace TULO3D

@@ -1,0 +1,75 @@
+// SPDX-License-Identifier: MIT
+// The vertex store: owns every vertex, folds duplicates, orders a batch along a Hilbert curve, and
+// offers a tetrahedron from which to start a walk.
+#pragma once
+
+#include "Bbox3.h"
+#include "Point3.h"
+#include "VertexItems.h"
+#include "ardo_tools/SimplePool.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+namespace TULO3D {
+
+class HC3
+{
+public:
+	/// `bits` is the length of a key: three for each level of the curve.
+	explicit HC3(unsigned bits = 27);
+	HC3(const HC3&) = delete;
+	HC3& operator=(const HC3&) = delete;
+	~HC3() = default;
+
+	/// The place of `point` on the curve through the current box.
+	std::uint32_t hilbertIndex(const Point3& point) const;
+
+	/// Takes over the extents of the box and orders all items anew.
+	void rebuildKeys();
+
+	/// The vertex of `point`, new or already known. `pStartTet` becomes a tetrahedron near it, or
+	/// null when neither the vertex nor its neighbour on the curve is in the mesh.
+	Point3* insertPoint(const Point3& point, Tet3*& pStartTet);
+
+	/// vUserHandles[i] becomes the vertex of vPoints[i]; the vertices that this call has made follow
+	/// one another along the curve in `vNewVertices`, input order within one cell.
+	void insertPoints(const std::vector<Point3>& vPoints, std::vector<Point3*>& vUserHandles,
+	    std::vector<Point3*>& vNewVertices);
+
+	/// A tetrahedron of the vertex next along the curve that has one, else of the last before; null
+	/// when no vertex is in the mesh.
+	Tet3* findNearbyTet(const Point3& point) const;
+
+	/// Appends every vertex, in the order of the curve.
+	void getVertices(std::vector<Point3*>& out) const;
+
+	/// The number of distinct vertices.
+	std::size_t size() const { return items.size(); }
+
+	/// The vertex made last; null when there is none.
+	Point3* newestVertex() const { return pNewest; }
+
+	Bbox3 bbox;       ///< around all points so far, with a margin
+	unsigned numBits; ///< the length of a key
+	double extentX = -1, extentY = -1, extentZ = -1;
+	bool bValid = false; ///< the extents and keys are those of the box
+	SimplePool<Point3> vertexPool;
+	SimplePool<IdxVtx> itemPool;
+	VertexItems items; ///< one for each distinct vertex, in curve order
+
+private:
+	struct Batch;
+
+	/// Inserts the points of a batch that share one cell of the curve.
+	void insertCell(std::uint32_t key, Batch& batch);
+	/// The vertex with the coordinates of `point`; null when there is none.
+	Point3* findVertex(std::uint32_t key, const Point3& point) const;
+	Point3* createVertex(const Point3& point);
+	IdxVtx* createItem(std::uint32_t key, Point3* pVtx);
+
+	Point3* pNewest = nullptr;
+};
+
+} // namespace TULO3D

@@ -1,0 +1,222 @@
+// SPDX-License-Identifier: MIT
+// The tetrahedron record: how it is made, asked and printed, and how it stops a broken mesh.
+#include "Tet3.h"
+
+#include "ArdoTest3.h"
+#include "Edge3.h"
+#include "Facet3.h"
+#include "TetIndices.h"
+#include "printing.h"
+#include "tools.h"
+#include "vectors.h"
+
+#include <algorithm>
+#include <array>
+#include <iostream>
+
+namespace TULO3D {
+
+namespace {
+
+/// The label of the next tetrahedron. A long run may use up all integers, then it wraps.
+int takeLabel()
+{
+	const int label = Tet3::runningLabel;
+	Tet3::runningLabel = static_cast<int>(static_cast<unsigned>(label) + 1U);
+	return label;
+}
+
+std::array<Point3*, 3> facetVertices(const Tet3& tet, int opp3)
+{
+	int i0 = 0;
+	int i1 = 0;
+	int i2 = 0;
+	tet.getFacetIndices(opp3, i0, i1, i2);
+	return {tet.getCorner(i0), tet.getCorner(i1), tet.getCorner(i2)};
+}
+
+void printFacet(const Tet3& tet, int opp3)
+{
+	int i0 = 0;
+	int i1 = 0;
+	int i2 = 0;
+	tet.getFacetIndices(opp3, i0, i1, i2);
+	std::cout << tet << "...with index " << opp3 << '\n'
+	          << i0 << "," << i1 << "," << i2 << std::endl;
+}
+
+} // namespace
+
+int Tet3::runningLabel = 1000;
+
+Tet3::Tet3()
+    : hasBeenVisited(false), label(takeLabel()), aVertexPointer{}, aNeighbours{}, customIndex(-1)
+{
+	std::cout << "Tet default constructor (is actually not called)" << std::endl;
+}
+
+Tet3::Tet3(const Tet3& /*other*/)
+    : hasBeenVisited(false), label(-1), aVertexPointer{}, aNeighbours{}, customIndex(-1)
+{
+	std::cout << "CCTOR of Tet3" << std::endl;
+}
+
+void Tet3::setProperties(Point3* pI, Point3* pJ, Point3* pK, Point3* pL)
+{
+	label = takeLabel();
+	assert((pI!=NULL && pJ!=NULL && pK!=NULL && pL!=NULL));
+	Point3* const aCorners[4] = {pI, pJ, pK, pL};
+	for (int i = 0; i < 4; ++i) {
+		aVertexPointer[i] = aCorners[i];
+		aCorners[i]->setOneTet(this);
+		aNeighbours[i] = nullptr;
+	}
+	hasBeenVisited = false;
+	customIndex = -1;
+}
+
+int Tet3::getIntraTetIndexInOppTetForReg(const Tet3* pOther, int ith) const
+{
+	if (!range03(ith)) {
+		assert(false);
+		return -1;
+	}
+	Point3 *p0, *p1, *p2, *p3;
+	pOther->getCorners(p0, p1, p2, p3);
+	// The corner opposite the facet is exempt, so it may be a corner of this tetrahedron too.
+	const Point3* pExempt = pOther->aVertexPointer[ith];
+	for (int k = 0; k < 3; ++k) {
+		const Point3* pd = aVertexPointer[k];
+		if (pd == pExempt || !pOther->hasVertex(pd)) return k;
+	}
+	[[maybe_unused]] const Point3* pd = aVertexPointer[3];
+	switch (ith) { // the checks differ in their printed text
+	case 0:
+		assert(pd!=p1 && pd!=p2 && pd!=p3);
+		break;
+	case 1:
+		assert(pd!=p0 && pd!=p2 && pd!=p3);
+		break;
+	case 2:
+		assert(pd!=p0 && pd!=p1 && pd!=p3);
+		break;
+	default:
+		assert(pd!=p0 && pd!=p1 && pd!=p2);
+		break;
+	}
+	return 3;
+}
+
+Point3* Tet3::getOppVtxInOppTet(int ith, bool bMayBeNull) const
+{
+	const Tet3* pNeigh = getOppTet(ith);
+	if (pNeigh) return pNeigh->getCorner(pNeigh->getIntraTetIndex(this));
+	if (bMayBeNull) return nullptr;
+	printError("Tet3::getOppVtxInOppTet", "no neighbor tet");
+	hardStop();
+}
+
+Facet3 Tet3::getFacet(int ith)
+{
+	return Facet3(this, ith);
+}
+
+Edge3 Tet3::getEdge(int opp3ICI, int opp2ICI)
+{
+	if (opp3ICI == opp2ICI) {
+		printError("Tet3::getEdge()", "opp3ICI==opp2ICI=" + std::to_string(opp3ICI));
+		assert(opp3ICI!=opp2ICI);
+	}
+	return Edge3(this, opp3ICI, opp2ICI);
+}
+
+void Tet3::getFacetIndices(int opp3, int& i0, int& i1, int& i2) const
+{
+	assert(range03(opp3));
+	i0 = kOutside[opp3][0];
+	i1 = kOutside[opp3][1];
+	i2 = kOutside[opp3][2];
+}
+
+std::pair<int, int> Tet3::getEdgeIndices(int i, int j)
+{
+	const auto [first, second] = facetEdge(i, j);
+	return {first, second};
+}
+
+bool Tet3::haveCommonFacet(Tet3* pT0, int i0, Tet3* pT1, int i1)
+{
+	const auto aFirst = facetVertices(*pT0, i0);
+	const auto aSecond = facetVertices(*pT1, i1);
+	const bool bCommon = std::all_of(aFirst.begin(), aFirst.end(), [&](const Point3* p) {
+		return std::find(aSecond.begin(), aSecond.end(), p) != aSecond.end();
+	});
+	if (bCommon) return true;
+
+	std::cout << "Tet3::haveCommonFacet() ERROR" << std::endl;
+	printFacet(*pT0, i0);
+	printFacet(*pT1, i1);
+	hardStop();
+}
+
+Point3 Tet3::getCircumcenter() const
+{
+	const Point3& a = *aVertexPointer[0];
+	const Vector3 ba = *aVertexPointer[1] - a;
+	const Vector3 ca = *aVertexPointer[2] - a;
+	const Vector3 da = *aVertexPointer[3] - a;
+	const double lenBa = dot(ba, ba), lenCa = dot(ca, ca), lenDa = dot(da, da);
+	const Vector3 cd = cross(ca, da), db = cross(da, ba), bc = cross(ba, ca);
+	const double denominator = 0.5 / dot(ba, cd);
+	return a +
+	    Vector3((lenBa * cd.x() + lenCa * db.x() + lenDa * bc.x()) * denominator,
+	        (lenBa * cd.y() + lenCa * db.y() + lenDa * bc.y()) * denominator,
+	        (lenBa * cd.z() + lenCa * db.z() + lenDa * bc.z()) * denominator);
+}
+
+int Tet3::debug_getOppTetIndex(int ith) const
+{
+	assert(range03(ith));
+	if (!aNeighbours[ith]) return -1;
+	std::cout << "Tet3::debug_getTetIndex(): Not implemented yet" << std::endl;
+	return 0;
+}
+
+void Tet3::reportSelfLink(int ith, [[maybe_unused]] const Tet3* pC) const
+{
+	std::cout << "this=" << this << ", pC=" << pC << std::endl << *this;
+	printWarning("Tet3::setOppTet()",
+	    "trying to set *this as neighbor of *this, ith=" + std::to_string(ith));
+	assert(this!=pC);
+}
+
+void Tet3::stopForNoNeighbour(const Tet3* pT) const
+{
+	std::cout << "Tet3::getIntraTetIndex went wrong: ";
+	if (pT) {
+		std::cout << *pT;
+	} else {
+		std::cout << "NULL"; // asked for a hull facet that this tetrahedron does not have
+	}
+	std::cout << ", this is " << *this << std::endl;
+	hardStop();
+}
+
+std::ostream& operator<<(std::ostream& stream, const Tet3& tet)
+{
+	const ArdoTest3 predicates;
+	const Orientation3 orientation = predicates.getOrientation3(
+	    tet.getCorner(0), tet.getCorner(1), tet.getCorner(2), tet.getCorner(3));
+	stream << "Tetrahedron (ID=" << tet.label << "), (this=" << &tet
+	       << "): hasBeenVisited=" << tet.hasBeenVisited << ", "
+	       << "ownOri=" << ArdoTest3::getOrientationName(orientation) << std::endl;
+	for (int i = 0; i < 4; ++i) {
+		const Point3* pCorner = tet.getCorner(i);
+		const Tet3* pNeigh = tet.getOppTet(i);
+		stream << "ith=" << i << ", vertex (" << pCorner << "): " << *pCorner
+		       << "  oppTet=" << pNeigh << (pNeigh ? "" : " (NULL)") << std::endl;
+	}
+	return stream;
+}
+
+} // namespace TULO3D

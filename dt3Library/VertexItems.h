@@ -1,0 +1,93 @@
+// SPDX-License-Identifier: MIT
+// The ordered set behind the vertex store: items along the curve, in sorted chunks.
+#pragma once
+
+#include "Point3.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <utility>
+#include <vector>
+
+namespace TULO3D {
+
+/// Sort record: a vertex and its place on the curve. During a lookup the vertex may be the caller's
+/// point, or null.
+struct IdxVtx
+{
+	std::uint32_t key;
+	Point3* pVtx;
+};
+
+/// The order of the listing: key; null before any vertex; then x, y, z. Because a key is a function
+/// of the coordinates, two items are equivalent exactly when their coordinates are equal.
+struct Func_ltIdxVtxPtr
+{
+	bool operator()(const IdxVtx* a, const IdxVtx* b) const
+	{
+		if (a->key != b->key) return a->key < b->key;
+		if (a->pVtx == nullptr || b->pVtx == nullptr)
+			return a->pVtx == nullptr && b->pVtx != nullptr;
+		return *a->pVtx < *b->pVtx;
+	}
+};
+
+/// An ordered set of item pointers. The items are not owned.
+///
+/// It is a sequence of sorted chunks: 8 to 16 bytes an item where a tree of nodes takes 48, filled
+/// from a sorted batch at the cost of a copy, and dense enough to be read at memory speed.
+class VertexItems
+{
+public:
+	/// A place in the order: an item, or the end.
+	struct Position
+	{
+		std::size_t chunk;
+		std::size_t offset;
+	};
+
+	std::size_t size() const { return numItems; }
+	bool empty() const { return numItems == 0; }
+
+	Position begin() const { return {0, 0}; }
+	bool isEnd(Position at) const { return at.chunk == chunks.size(); }
+	IdxVtx* operator[](Position at) const { return chunks[at.chunk]->items[at.offset]; }
+
+	/// The place behind `at`, which is not the end.
+	Position next(Position at) const;
+	/// The place before `at`, which is not the beginning.
+	Position previous(Position at) const;
+	bool isBegin(Position at) const { return at.chunk == 0 && at.offset == 0; }
+
+	/// The first item that is not before `probe`.
+	Position lowerBound(const IdxVtx& probe) const;
+
+	/// Inserts an item at its place, which `lowerBound` has found, and returns it there.
+	Position insertAt(Position at, IdxVtx* pItem);
+
+	/// Inserts sorted items that are equivalent neither to one another nor to any in the set.
+	void merge(const std::vector<IdxVtx*>& vSorted);
+
+	/// Replaces all items by these, which are sorted.
+	void assign(const std::vector<IdxVtx*>& vSorted);
+
+	/// Appends all items in order.
+	void list(std::vector<IdxVtx*>& vOut) const;
+
+private:
+	static constexpr std::size_t kCapacity = 512;
+
+	struct Chunk
+	{
+		std::size_t count = 0;
+		IdxVtx* items[kCapacity];
+	};
+
+	void append(IdxVtx* pItem, std::size_t fill);
+
+	std::vector<std::unique_ptr<Chunk>> chunks; // none of them empty
+	std::size_t numItems = 0;
+};
+
+} // namespace TULO3D

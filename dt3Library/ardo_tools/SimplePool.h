@@ -1,0 +1,129 @@
+// SPDX-License-Identifier: MIT
+// Storage for records that exist by the million and die all at once.
+#pragma once
+
+#include "tools.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdlib>
+#include <iostream>
+#include <vector>
+
+namespace TULO3D {
+
+/// Hands out uninitialised storage for one T at a time from large blocks.
+///
+/// A single record is never given back; `reset` and the destructor give back all. No constructor or
+/// destructor of a record is ever called.
+template <typename T>
+class SimplePool
+{
+public:
+	SimplePool() = default;
+	SimplePool(const SimplePool&) = delete;
+	SimplePool& operator=(const SimplePool&) = delete;
+
+	~SimplePool()
+	{
+		if (blockList.size() > 50) {
+			std::cout << "SimplePool::~SimplePool: Number of containers to release: "
+			          << blockList.size() << std::endl;
+		}
+		releaseAll();
+	}
+
+	/// The largest automatic block of T: 100 MB.
+	static constexpr int kMaxBlock = static_cast<int>(100000000 / sizeof(T));
+
+	/// Opens the first block. Further ones have `growth` records each; a negative `growth` halves
+	/// once, then doubles up to `maxBlock`. Exactly once for each pool.
+	void init(int firstBlock, int growth, int maxBlock)
+	{
+		if (initialized) {
+			std::cout << "SimplePool::init(..), ERROR: This pool is already initialized"
+			          << std::endl;
+			hardStop();
+		}
+		maxBlockSize = maxBlock;
+		firstBlockSize = firstBlock;
+		growthSize = growth;
+		addBlock(firstBlockSize);
+		initialized = true;
+	}
+
+	T* alloc()
+	{
+		assert(initialized);
+		++lastIndex;
+		if (lastIndex < currentBlockSize) return currentBlock + lastIndex;
+		return allocInNewBlock();
+	}
+
+	/// Opens a block of `requested` records, or of the next automatic size when that is negative.
+	void addBlock(int requested)
+	{
+		const int size = requested < 0 ? nextAutomaticSize() : requested;
+		vSizes.push_back(size);
+		currentBlock = static_cast<T*>(std::malloc(static_cast<std::size_t>(size) * sizeof(T)));
+		if (currentBlock == nullptr) {
+			std::cout << "SimplePool::alloc(..), ERROR: Out of memory, sorry" << std::endl;
+			hardStop();
+		}
+		blockList.push_back(currentBlock);
+		currentBlockSize = size;
+		lastIndex = -1;
+	}
+
+	/// Makes all records available again; only the first block is kept.
+	void reset()
+	{
+		lastIndex = -1;
+		if (pristine) return;
+		for (std::size_t i = 1; i < blockList.size(); ++i) std::free(blockList[i]);
+		blockList.resize(1);
+		currentBlock = blockList[0];
+		currentBlockSize = firstBlockSize;
+		pristine = true;
+		// Deliberate: vSizes stays, so automatic growth goes on from the last size.
+	}
+
+	/// Gives every block back.
+	void releaseAll()
+	{
+		for (T* pBlock : blockList) std::free(pBlock);
+		pristine = true;
+		blockList.clear();
+	}
+
+	std::vector<T*> blockList; ///< the blocks owned, in the order obtained
+	std::vector<int> vSizes;   ///< the record counts of every block ever obtained
+	T* currentBlock = nullptr;
+	int lastIndex = -1; ///< the last record handed out of the current block
+	int currentBlockSize = -1;
+	int firstBlockSize = -1;
+	int growthSize = -1;
+	bool initialized = false;
+	bool pristine = true; ///< no block beyond the first in use
+	int maxBlockSize = -1;
+
+private:
+	T* allocInNewBlock()
+	{
+		addBlock(growthSize);
+		++lastIndex;
+		pristine = false;
+		return currentBlock;
+	}
+
+	// Deliberate: half the first block, then double. A small engine stays small.
+	int nextAutomaticSize() const
+	{
+		assert(!vSizes.empty());
+		assert(vSizes.back()>0);
+		if (vSizes.size() == 1) return std::min(vSizes.back() / 2, maxBlockSize);
+		return vSizes.back() > maxBlockSize / 2 ? maxBlockSize : 2 * vSizes.back();
+	}
+};
+
+} // namespace TULO3D

@@ -1,0 +1,78 @@
+// SPDX-License-Identifier: MIT
+// Messages, the checked condition and the hard stops.
+#include "tools.h"
+
+#include <cstdlib>
+#include <iomanip>
+#include <iostream>
+#include <sstream>
+
+namespace TULO3D {
+
+namespace {
+
+constexpr const char* kIndent = "      ";
+
+void printFramed(const std::string& prefix, const char* level, const std::string& text)
+{
+	std::cout << std::endl << kIndent + prefix + level + text << std::endl << std::endl;
+}
+
+} // namespace
+
+void printError(const std::string& prefix, const std::string& text)
+{
+	printFramed(prefix, ", ERROR: ", text);
+}
+
+void printWarning(const std::string& prefix, const std::string& text)
+{
+	printFramed(prefix, ", WARNING: ", text);
+}
+
+void printErrorBanner(const std::string& text)
+{
+	const std::string rule = std::string(text.size() + 36, '*') + "\n";
+	std::cout << "\n\n" + rule + rule + "                " + text + "\n" + rule + rule;
+}
+
+std::string nextDebugFilePrefix()
+{
+	static int counter = -1; // Deliberate: the first file has number 0.
+	++counter;
+	std::ostringstream stream;
+	stream.imbue(std::locale::classic());
+	stream << std::setw(5) << std::setfill('0') << counter << '_';
+	return stream.str();
+}
+
+void goToHell(const std::string& reason)
+{
+	printError("goToHell", " reason: " + reason);
+	const volatile int* volatile pNowhere = nullptr; // volatile: no compiler may remove the read
+	std::cout << *pNowhere << std::endl;
+	std::abort();
+}
+
+void hardStop()
+{
+	std::cout.flush();
+	std::exit(1);
+}
+
+void failCondition(const char* conditionText, const char* file, int line)
+{
+	// Deliberate: the prefix brings its own comma, so the printed line has two.
+	printError("Tulo, ", std::string("Condition [ ") + conditionText + " failed ]");
+	std::cout << kIndent << file << ":" << std::dec << line << std::endl;
+	throw TuloException();
+}
+
+const char* TuloException::what() const noexcept
+{
+	return "\n  TULO EXCEPTION due to a bug _or_ wrong usage of Tulo. If you think it is a \n"
+	       "  bug then please report this incident and it will be fixed quickly: "
+	       "bugs@tulo3d.example";
+}
+
+} // namespace TULO3D

@@ -1,0 +1,70 @@
+// SPDX-License-Identifier: MIT
+// How the library speaks to its user: messages, the checked condition, and the two hard stops.
+#pragma once
+
+#include "TuloException.h"
+
+#include <cassert>
+#include <string>
+
+namespace TULO3D {
+
+/// Writes an empty line, "      prefix, ERROR: text" and an empty line to standard output.
+void printError(const std::string& prefix, const std::string& text);
+
+/// The same with WARNING: for what the library survives.
+void printWarning(const std::string& prefix, const std::string& text);
+
+/// Writes `text` between rules of asterisks; the validity check opens its reports with it.
+void printErrorBanner(const std::string& text);
+
+/// "00000_", "00001_", ...: keeps the debug files of one run apart. Never reset.
+std::string nextDebugFilePrefix();
+
+/// The end of the road for states that only a defect can bring about: reports, then reads through
+/// null, so that a debugger halts at the spot.
+[[noreturn]] void goToHell(const std::string& reason);
+
+/// Ends the process with status 1, whatever the build. The caller has printed why.
+[[noreturn]] void hardStop();
+
+/// True for the index of a corner, a facet or a neighbour of a tetrahedron.
+inline bool range03(int i)
+{
+	return static_cast<unsigned>(i) < 4U;
+}
+
+/// The classic 15-bit C runtime generator. The library brings its own, so that a seed means the
+/// same numbers everywhere and the host's `rand` is left alone.
+class Rand15
+{
+public:
+	void seed(unsigned int s) { state = s; }
+
+	/// The next number, 0 .. 32767.
+	int next()
+	{
+		state = state * 214013U + 2531011U;
+		return static_cast<int>((state >> 16U) & 0x7fffU);
+	}
+
+private:
+	unsigned int state = 1;
+};
+
+/// Prints the failed condition and its place, then throws `TuloException`.
+[[noreturn]] void failCondition(const char* conditionText, const char* file, int line);
+
+} // namespace TULO3D
+
+// Deliberate: both macros stringise at this level; one level deeper NULL would print as its value.
+
+/// The library's own check, active in every build; a failure throws `TuloException`.
+#define CONDITION_CHECK(condition) \
+  (static_cast<bool>(condition) ? static_cast<void>(0) \
+	                            : ::TULO3D::failCondition(#condition, __FILE__, __LINE__))
+
+/// The same where the printed text is not the code's.
+#define CONDITION_CHECK_AS(condition, text) \
+  (static_cast<bool>(condition) ? static_cast<void>(0) \
+	                            : ::TULO3D::failCondition(text, __FILE__, __LINE__))

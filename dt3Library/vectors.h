@@ -1,0 +1,25 @@
+// SPDX-License-Identifier: MIT
+// The vector arithmetic that normals and circumcentres need, in plain floating point.
+#pragma once
+
+#include "Vector3.h"
+
+namespace TULO3D {
+
+/// `other` at unit length. A vector without a length is reported on standard output and becomes
+/// (0, 0, 0).
+Vector3 normalize(const Vector3& other);
+
+inline double dot(const Vector3& a, const Vector3& b)
+{
+	return a.x() * b.x() + a.y() * b.y() + a.z() * b.z();
+}
+
+/// The right-handed cross product a x b.
+inline Vector3 cross(const Vector3& a, const Vector3& b)
+{
+	return Vector3(a.y() * b.z() - a.z() * b.y(), a.z() * b.x() - a.x() * b.z(),
+	    a.x() * b.y() - a.y() * b.x());
+}
+
+} // namespace TULO3D

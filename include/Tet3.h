@@ -1,0 +1,182 @@
+// SPDX-License-Identifier: MIT
+// The cell of the mesh: four corners, and the neighbour behind each facet.
+#pragma once
+
+#include "Point3.h"
+
+#include <cassert>
+#include <iosfwd>
+#include <utility>
+
+namespace TULO3D {
+
+class Facet3;
+class Edge3;
+
+// clang-format off
+/// A tetrahedron of the mesh.
+///
+/// ~~~
+///             3              corner i      a vertex; 0 1 2 3 are in positive order
+///            /|\             facet i       the triangle without corner i
+///           / | \            neighbour i   lies behind facet i, null on the convex hull
+///          /  2  \           edge (i, j)   the one that avoids corners i and j
+///         / .   . \       2 is at the back; seen from 3,
+///        0---------1         corners 0 1 2 run counter-clockwise
+/// ~~~
+///
+/// Positive order means ((c1 - c0) x (c2 - c0)) . (c3 - c0) > 0. The records live in their engine
+/// and are reused: a pointer to one is valid until the next insertion.
+// clang-format on
+class TULO3D_API Tet3
+{
+public:
+	/// Prints a line that says so: the engine never constructs records one by one.
+	Tet3();
+
+	/// Deliberate: prints a line and copies nothing, because tetrahedra are never copied by value.
+	Tet3(const Tet3& other);
+	Tet3& operator=(const Tet3& other) = default;
+	~Tet3() = default;
+
+	/// Makes this record a new tetrahedron: a fresh label, the corners as given (none null), no
+	/// neighbours, not visited, custom index -1. Each corner now names it as its incident one.
+	void setProperties(Point3* pI, Point3* pJ, Point3* pK, Point3* pL);
+
+	/// Corner ith, 0..3.
+	Point3* getCorner(int ith) const
+	{
+		assert(range03(ith));
+		return aVertexPointer[ith];
+	}
+
+	/// Sets corner ith; the vertex' own link to a tetrahedron stays as it is.
+	void setCorner(int ith, Point3* p)
+	{
+		assert(range03(ith));
+		aVertexPointer[ith] = p;
+	}
+
+	/// The four corners in order.
+	void getCorners(Point3*& p0, Point3*& p1, Point3*& p2, Point3*& p3) const
+	{
+		p0 = aVertexPointer[0];
+		p1 = aVertexPointer[1];
+		p2 = aVertexPointer[2];
+		p3 = aVertexPointer[3];
+	}
+
+	/// The neighbour behind facet ith, 0..3; null on the convex hull.
+	Tet3* getOppTet(int ith) const
+	{
+		assert(range03(ith));
+		return aNeighbours[ith];
+	}
+
+	/// The neighbour behind the facet opposite corner `p`, which must be a corner.
+	Tet3* getOppTet(const Point3* p) const { return aNeighbours[getIntraTetIndex(p)]; }
+
+	/// Links neighbour ith, which may be null. Linking a tetrahedron to itself is reported.
+	void setOppTet(int ith, Tet3* pC)
+	{
+		if (pC == this) reportSelfLink(ith, pC);
+		assert(range03(ith));
+		aNeighbours[ith] = pC;
+	}
+
+	/// The index 0..3 of corner `p`, which must be one.
+	int getIntraTetIndex(const Point3* pp) const
+	{
+		if (aVertexPointer[0] == pp) return 0;
+		if (aVertexPointer[1] == pp) return 1;
+		if (aVertexPointer[2] == pp) return 2;
+		assert(aVertexPointer[3]==pp);
+		return 3;
+	}
+
+	/// The index 0..3 of neighbour `pT`. Ends the process when it is none.
+	int getIntraTetIndex(const Tet3* pT) const
+	{
+		// Summed up, not searched for: which of the four it is cannot be predicted.
+		const int i =
+		    (aNeighbours[1] == pT) + 2 * (aNeighbours[2] == pT) + 3 * (aNeighbours[3] == pT);
+		if (aNeighbours[i & 3] != pT) stopForNoNeighbour(pT);
+		return i;
+	}
+
+	/// The index under which neighbour ith, which must exist, knows this tetrahedron.
+	int getIntraTetIndexInOppTet(int ith) const { return getOppTet(ith)->getIntraTetIndex(this); }
+
+	/// The index of this tetrahedron's corner that is none of the other three corners of facet ith
+	/// of `pOther`; works before the two are linked. -1 when ith is outside 0..3.
+	int getIntraTetIndexInOppTetForReg(const Tet3* pOther, int ith) const;
+
+	/// The corner of neighbour ith that lies opposite the shared facet. Without a neighbour: null
+	/// when `bMayBeNull`, otherwise the process ends.
+	Point3* getOppVtxInOppTet(int ith, bool bMayBeNull) const;
+
+	/// True when `p` is a corner.
+	bool hasVertex(const Point3* p) const
+	{
+		return aVertexPointer[0] == p || aVertexPointer[1] == p || aVertexPointer[2] == p ||
+		    aVertexPointer[3] == p;
+	}
+
+	/// True when a corner has the coordinates of `p`.
+	bool hasVertex(const Point3& p) const
+	{
+		return *aVertexPointer[0] == p || *aVertexPointer[1] == p || *aVertexPointer[2] == p ||
+		    *aVertexPointer[3] == p;
+	}
+
+	/// An index that the host may attach; -1 when unset. Gone when the record is reused.
+	int getCustomIndex() const { return customIndex; }
+	void setCustomIndex(int index) { customIndex = index; }
+
+	/// A handle of facet ith.
+	Facet3 getFacet(int ith);
+
+	/// A handle of the edge that avoids the corners opp3ICI and opp2ICI, which must differ.
+	Edge3 getEdge(int opp3ICI, int opp2ICI);
+
+	/// The corner indices of facet opp3, counter-clockwise seen from outside.
+	void getFacetIndices(int opp3, int& i0, int& i1, int& i2) const;
+
+	/// Edge j (0..2) of facet i (0..3) as the indices of its two ends, the facet walked clockwise
+	/// seen from outside.
+	static std::pair<int, int> getEdgeIndices(int i, int j);
+
+	/// True when facet i0 of pT0 and facet i1 of pT1 have the same three vertices. Otherwise both
+	/// are printed and the process ends.
+	static bool haveCommonFacet(Tet3* pT0, int i0, Tet3* pT1, int i1);
+
+	/// The centre of the sphere through the four corners, in plain floating point: far away or not a
+	/// number for a nearly flat tetrahedron.
+	Point3 getCircumcenter() const;
+
+	/// Deliberate: a stub that prints a line and returns 0, or -1 without a line on the hull.
+	int debug_getOppTetIndex(int ith) const;
+
+	/// A mark for traversals. The engine expects it to be false whenever it is called.
+	bool hasBeenVisited;
+
+	/// The label of the next tetrahedron made in this process; only for printing.
+	static int runningLabel;
+
+private:
+	friend TULO3D_API std::ostream& operator<<(std::ostream& stream, const Tet3& tet);
+
+	static bool range03(int i) { return static_cast<unsigned>(i) < 4U; }
+	void reportSelfLink(int ith, const Tet3* pC) const;
+	[[noreturn]] void stopForNoNeighbour(const Tet3* pT) const;
+
+	int label;
+	Point3* aVertexPointer[4];
+	Tet3* aNeighbours[4];
+	int customIndex;
+};
+
+/// Prints label, address, visited mark, orientation, and a line for each corner and neighbour.
+TULO3D_API std::ostream& operator<<(std::ostream& stream, const Tet3& tet);
+
+} // namespace TULO3D

@@ -1,0 +1,115 @@
+// SPDX-License-Identifier: MIT
+// The library: make a Tulo_3D, insert points, walk the mesh. This header brings in all others.
+#pragma once
+
+#include "Ball3.h"
+#include "Bbox3.h"
+#include "Edge3.h"
+#include "Facet3.h"
+#include "Point3.h"
+#include "Segment3.h"
+#include "Tet3.h"
+#include "TetAroundEdgeIterator.h"
+#include "Triangle3.h"
+#include "TuloException.h"
+#include "Vector3.h"
+#include "profiling.h"
+#include "testDataGenerators.h"
+#include "tulo3dExport.h"
+
+#include <string>
+#include <vector>
+
+/// Everything of the library but `benchCounter`.
+namespace TULO3D {
+
+class Dt3;
+
+/// A 3D Delaunay tetrahedralization that grows by insertion.
+///
+/// Points go in one at a time or as a batch, in any mixture; a batch is much faster. Points with
+/// equal coordinates become one vertex. Once four points are not coplanar, the mesh is the Delaunay
+/// tetrahedralization of the vertices in it, decided by exact arithmetic, however degenerate they
+/// are; a hull facet is one whose neighbour is null.
+///
+/// Vertex pointers are valid for the life of the object, tetrahedron pointers until the next
+/// insertion; neither is ever freed by the host. Nothing can be removed.
+///
+/// Coordinates must be finite and at most 1e60 in magnitude: an insertion with any other throws
+/// before it has stored anything. Signs are exact for magnitudes of 0 or 1e-45 .. 1e60; with
+/// smaller ones nearly degenerate configurations may be judged wrongly.
+///
+/// One object is to be used by one thread at a time, queries included. Because of a few shared
+/// counters, no two objects should be inserted into at the same time either.
+class TULO3D_API Tulo_3D
+{
+public:
+	Tulo_3D();
+	~Tulo_3D();
+	Tulo_3D(const Tulo_3D&) = delete;
+	Tulo_3D& operator=(const Tulo_3D&) = delete;
+
+	/// Inserts a point and returns its vertex: a new one with custom index -1, or the earlier one
+	/// with these coordinates.
+	///
+	/// Deliberate: while all points so far are coplanar they are stored; when the first one off
+	/// their plane arrives by this operation, only the four corners of the first tetrahedron enter
+	/// the mesh. Insert a batch when coplanar points may come first.
+	///
+	/// Throws `TuloException` for a coordinate that is not finite or beyond 1e60.
+	Point3* insert(Point3& p);
+
+	/// Inserts a batch; vUserHandles[i] becomes the vertex of vInputPoints[i].
+	///
+	/// `vUserHandles` should be empty; if it is not, a warning is printed and it is cleared. Throws
+	/// `TuloException`, before anything is stored, when any coordinate is not finite or beyond 1e60.
+	void insert(std::vector<Point3>& vInputPoints, std::vector<Point3*>& vUserHandles);
+
+	/// Inserts a batch whose vertices need not be told apart.
+	void insert(std::vector<Point3>& vInputPoints);
+
+	/// The tetrahedron that contains `p`, inside or on its boundary. Null when p lies outside the
+	/// convex hull, in a hull facet or on its edges (unless it is a vertex), when there is no
+	/// tetrahedron, or when p is beyond the range of coordinates.
+	Tet3* locate(const Point3& p);
+
+	/// Appends every distinct vertex to `v`, in the order of the library's space-filling curve.
+	void getVertices(std::vector<Point3*>& v) const;
+
+	/// Fills the empty vector `v` with all tetrahedra, in ascending address order.
+	void getTetrahedra(std::vector<Tet3*>& v) const;
+
+	/// Replaces the contents of `v` by all tetrahedra that have `pVtx` as a corner, in ascending
+	/// address order. A vertex that is not in the mesh is reported, and `v` is left empty.
+	void getTetsAroundVertex(Point3* pVtx, std::vector<Tet3*>& v);
+
+	/// Prints every tetrahedron to standard output under the heading `name`.
+	void print(const std::string& name);
+
+	/// Writes all tetrahedra, and `pVtx` unless it is null, as an OOGL drawing to `filename`.
+	void show(const std::string& filename, Point3* pVtx);
+
+	/// True when across every facet the neighbour's opposite vertex lies on the far side and, with
+	/// `bCheckSphereInc`, not inside the circumsphere. The first violation is printed and drawn to a
+	/// file in the current folder. `name` labels the messages.
+	bool checkValidity(const std::string& name, bool bCheckSphereInc);
+
+	/// True once there is a tetrahedron: once four points that are not coplanar have arrived.
+	bool is3D() const;
+
+	/// Makes the batch insert announce itself on standard output.
+	void setVerbosity(bool bVerbose);
+
+private:
+	Dt3* pDt3;
+};
+
+/// False: this is the debug build of the interface.
+TULO3D_API bool isRelease();
+TULO3D_API int getMajorVersionNumber();
+TULO3D_API int getMinorVersionNumber();
+TULO3D_API int getRevisionNumber();
+/// Library name, build type and version in one line.
+TULO3D_API std::string getTulo3DVersion();
+
+} // namespace TULO3D
