@@ -50,6 +50,10 @@ struct InsphereRows
 	double cexTail, ceyTail, cezTail, dexTail, deyTail, dezTail;
 };
 
+/// Between the fast stage and B: double-doubles, which settle nearly all nearly cospherical points at
+/// a tenth of the cost.
+StageResult insphereDoubleDouble(const Point3& a, const Point3& b, const Point3& c, const Point3& d,
+    const Point3& e, double permanent);
 /// B: exact in the rounded differences.
 StageResult insphereStageB(const ArdoTest3& constants, const InsphereRows& rows, double permanent);
 /// C: the estimate of B, corrected by the tails to first order.
@@ -59,7 +63,8 @@ StageResult insphereStageC(
 double insphereExact(const ArdoTest3& constants, const Point3& a, const Point3& b, const Point3& c,
     const Point3& d, const Point3& e);
 
-/// 1 for a positive determinant, 0 for a negative one, 2 for zero: B, C, D, until one is certain.
+/// 1 for a positive determinant, 0 for a negative one, 2 for zero: the stages in turn, until one is
+/// certain.
 int insphereAdapt(const ArdoTest3& constants, const Point3& a, const Point3& b, const Point3& c,
     const Point3& d, const Point3& e, double permanent);
 

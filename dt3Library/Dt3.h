@@ -8,6 +8,7 @@
 #include "HC3.h"
 #include "NeighbourSpheres.h"
 #include "Point3.h"
+#include "ScratchArray.h"
 #include "StarLinker.h"
 #include "Tet3.h"
 #include "ardo_tools/SimplePool.h"
@@ -45,12 +46,21 @@ struct FacetSides
 	int opp2ICI = -1;  ///< a coplanar facet other than the one being tested
 };
 
-/// The neighbours of a tetrahedron of the cavity.
+/// What lies around a tetrahedron of the cavity; in the sets, bit i stands for neighbour i.
 struct CavityBorder
 {
-	Tet3* pNeigh[4]; ///< null on the hull
-	int backICI[4];  ///< the index of the facet in the neighbour, where that is not visited
-	NeighbourVerdicts verdicts;
+	Tet3* pNeigh[4];   ///< the tetrahedron itself stands in where there is none
+	unsigned conflict; ///< neighbours that are to join the cavity
+	unsigned boundary; ///< facets between the cavity and what stays, or the hull
+	unsigned positive; ///< facets that are known to have the vertex strictly on the cavity's side
+};
+
+/// A facet between the cavity and what stays, or the hull.
+struct CavityFacet
+{
+	Tet3* pTet; ///< in the cavity
+	int ith;
+	bool bPositive; ///< the vertex is known to lie strictly on the cavity's side
 };
 
 /// What is known of the vertices while they are all coplanar: up to three of them that span their
@@ -220,23 +230,20 @@ private:
 	int stopAtHullEdge(Tet3*& pTet, int f, int opp2ICI) const;
 	// Dt3Cavity.cpp
 	Tet3* replaceCavity(Point3* pVtx, Tet3* pStartTet);
-	void joinCavity(Tet3* pTet);
-	/// What lies around a tetrahedron of the cavity. All four tests are made at once; they do not
-	/// depend on one another.
-	void lookAround(const Tet3* pTet, const Point3* pVtx, CavityBorder& border) const;
-	/// True when the sphere of neighbour i contains the vertex.
-	bool isInConflict(const CavityBorder& border, int i, const Point3* pVtx) const
-	{
-		if (border.verdicts.isOutside(i)) return false;
-		return border.verdicts.isInside(i) ||
-		    predicates.sphereInclusionTest(border.pNeigh[i], pVtx) != SIC_OUTSIDE;
-	}
-	/// createTetReplacingCorner, linked to the neighbour outside the cavity.
-	Tet3* closeFacet(Tet3* pTet, int i, const CavityBorder& border, Point3* pVtx);
+	/// Fills vCavityFacets; all tetrahedra in conflict with pVtx that hang together with pStartTet die.
+	void carveCavity(const Point3* pVtx, Tet3* pStartTet);
+	/// Tests all neighbours of a tetrahedron of the cavity; the tests do not depend on one another.
+	void lookAround(Tet3* pTet, const Point3* pVtx, CavityBorder& border) const;
+	/// A new tetrahedron over a facet of the cavity, linked to the neighbour that stays.
+	Tet3* closeFacet(const CavityFacet& facet, Point3* pVtx);
 	// Dt3Hull.cpp
 	std::vector<Tet3*> gatherVisibleTets(const Point3* pVtx, Tet3* pCurTet, int outIndex) const;
+	void doom(Tet3* pTet, std::vector<Tet3*>& vDoomedTets);
+	/// Dooms all tetrahedra in conflict that hang together with doomed ones.
 	void growDoomed(const Point3* pVtx, std::vector<Tet3*>& vDoomedTets);
 	// Dt3Link.cpp
+	/// Prints what is wrong with a link from a tetrahedron to itself.
+	static void refuseSelfLink(const Tet3* pTet);
 	/// A new tetrahedron whose corners are known to be in positive order.
 	Tet3* makePositiveTet(Point3* p0, Point3* p1, Point3* p2, Point3* p3);
 	/// Links the new star, which ends nowhere but in itself.
@@ -246,8 +253,9 @@ private:
 	void storeCollision(TwoTetStruct* pHalf);
 	TwoTetStruct* takeCollision(const Tet3* pTet, const Point3* key0, const Point3* key1);
 
-	NeighbourTest neighbourTest;     ///< the variant for this CPU
-	std::vector<Tet3*> vCavityStack; ///< empty between insertions
+	NeighbourTest neighbourTest;      ///< the variant for this CPU
+	ScratchArray<Tet3*> vCavityStack; ///< cavity tetrahedra whose neighbours are still to be tested
+	ScratchArray<CavityFacet> vCavityFacets;
 	FlatWitness flatWitness;
 	StarLinker star;               ///< the tetrahedra that the current insertion makes
 	CollisionIndex collisionIndex; ///< finds the partner in a long vHashCollisions

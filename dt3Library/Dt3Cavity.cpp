@@ -5,8 +5,35 @@
 // A. Bowyer: Computing Dirichlet tessellations, and D. F. Watson: Computing the n-dimensional
 // Delaunay tessellation, both The Computer Journal 24, 1981.
 #include "Dt3.h"
+#include "Dt3Inline.h"
+#include "Prefetch.h"
+
+#include <cstdint>
 
 namespace TULO3D {
+
+namespace {
+
+std::uintptr_t addressOf(const Point3* p)
+{
+	return reinterpret_cast<std::uintptr_t>(p);
+}
+
+/// The exclusive or of the corners' addresses.
+std::uintptr_t mixOfCorners(const Tet3& tet)
+{
+	return addressOf(tet.getCorner(0)) ^ addressOf(tet.getCorner(1)) ^ addressOf(tet.getCorner(2)) ^
+	    addressOf(tet.getCorner(3));
+}
+
+/// The corner of `tet` that is left when the three of a facet, given by their mix, drop out: it is
+/// there at once, where a search would guess wrong three times in four.
+const Point3* cornerBeyond(std::uintptr_t mixOfFacet, const Tet3& tet)
+{
+	return reinterpret_cast<const Point3*>(mixOfFacet ^ mixOfCorners(tet));
+}
+
+} // namespace
 
 Tet3* Dt3::insertVertex(Point3** ppVtx, Tet3* pStartTet)
 {
@@ -29,35 +56,73 @@ Tet3* Dt3::insertVertex(Point3** ppVtx, Tet3* pStartTet)
 	return replaceCavity(*ppVtx, pCurTet);
 }
 
-void Dt3::joinCavity(Tet3* pTet)
-{
-	// The mark is never cleared on a dead record; setProperties does that when it is reused.
-	pTet->hasBeenVisited = true;
-	markTetDead(pTet);
-}
-
-void Dt3::lookAround(const Tet3* pTet, const Point3* pVtx, CavityBorder& border) const
+void Dt3::lookAround(Tet3* pTet, const Point3* pVtx, CavityBorder& border) const
 {
 	NeighbourBatch batch;
+	const std::uintptr_t corners = mixOfCorners(*pTet);
+	unsigned exists = 0;
+	unsigned visited = 0;
 	for (int i = 0; i < 4; ++i) {
+		Tet3* pNeigh = pTet->getOppTet(i);
 		batch.corner[i] = pTet->getCorner(i);
 		batch.opposite[i] = batch.corner[i];
-		Tet3* pNeigh = pTet->getOppTet(i);
+		border.pNeigh[i] = pTet;
+		if (pNeigh == nullptr) continue;
+		// A visited neighbour is tested along: that is cheaper than guessing which ones are.
 		border.pNeigh[i] = pNeigh;
-		if (pNeigh == nullptr || pNeigh->hasBeenVisited) continue;
-		border.backICI[i] = pNeigh->getIntraTetIndex(pTet);
-		batch.opposite[i] = pNeigh->getCorner(border.backICI[i]);
+		batch.opposite[i] = cornerBeyond(corners ^ addressOf(pTet->getCorner(i)), *pNeigh);
+		exists |= 1U << i;
+		visited |= static_cast<unsigned>(pNeigh->hasBeenVisited) << i;
 	}
-	neighbourTest(batch, *pVtx, border.verdicts);
+	const NeighbourVerdicts verdicts = neighbourTest(batch, *pVtx);
+	const unsigned toTest = exists & ~visited;
+	border.conflict = verdicts.inside & toTest;
+	border.positive = verdicts.positive;
+	const unsigned undecided = toTest & ~(verdicts.inside | verdicts.outside);
+	for (int i = 0; undecided >> i != 0; ++i) {
+		if ((undecided >> i & 1U) == 0) continue;
+		if (predicates.sphereInclusionTest(border.pNeigh[i], pVtx) == SIC_OUTSIDE) continue;
+		border.conflict |= 1U << i;
+	}
+	border.boundary = ~visited & ~border.conflict;
 }
 
-Tet3* Dt3::closeFacet(Tet3* pTet, int i, const CavityBorder& border, Point3* pVtx)
+void Dt3::carveCavity(const Point3* pVtx, Tet3* pStartTet)
 {
-	const auto& [a, b, c] = kOutside[i];
-	Tet3* pNewTet = border.verdicts.isPositive(i)
+	vCavityFacets.clear();
+	vCavityStack.makeRoom(1);
+	vCavityStack.push(pStartTet); // the walk has seen that the vertex lies in it
+	// The mark is never cleared on a dead record; setProperties does that when it is reused.
+	pStartTet->hasBeenVisited = true;
+
+	// Depth first and facets 3 to 0: this fixes the order in which the new tetrahedra are made.
+	CavityBorder border;
+	while (!vCavityStack.empty()) {
+		Tet3* pTet = vCavityStack.pop();
+		markTetDead(pTet);
+		lookAround(pTet, pVtx, border);
+		vCavityStack.makeRoom(4);
+		vCavityFacets.makeRoom(4);
+		for (int i = 3; i >= 0; --i) {
+			const bool bJoins = (border.conflict >> i & 1U) != 0;
+			const bool bStays = (border.boundary >> i & 1U) != 0;
+			border.pNeigh[i]->hasBeenVisited |= bJoins;
+			vCavityStack.pushIf(bJoins, border.pNeigh[i]);
+			if (bJoins) prefetchNeighbours(*border.pNeigh[i]);
+			vCavityFacets.pushIf(bStays, {pTet, i, (border.positive >> i & 1U) != 0});
+		}
+	}
+}
+
+Tet3* Dt3::closeFacet(const CavityFacet& facet, Point3* pVtx)
+{
+	const auto& [a, b, c] = kOutside[facet.ith];
+	const Tet3* pTet = facet.pTet;
+	Tet3* pNewTet = facet.bPositive
 	    ? makePositiveTet(pVtx, pTet->getCorner(a), pTet->getCorner(b), pTet->getCorner(c))
-	    : createTetReplacingCorner(pTet, i, pVtx);
-	if (border.pNeigh[i] != nullptr) registerTets(pNewTet, 0, border.pNeigh[i], border.backICI[i]);
+	    : createTet(pVtx, pTet->getCorner(a), pTet->getCorner(b), pTet->getCorner(c));
+	Tet3* pNeigh = pTet->getOppTet(facet.ith);
+	if (pNeigh != nullptr) registerTets(pNewTet, 0, pNeigh, pNeigh->getIntraTetIndex(pTet));
 	star.add(pNewTet);
 	return pNewTet;
 }
@@ -65,29 +130,10 @@ Tet3* Dt3::closeFacet(Tet3* pTet, int i, const CavityBorder& border, Point3* pVt
 Tet3* Dt3::replaceCavity(Point3* pVtx, Tet3* pStartTet)
 {
 	swapDeadAndRecycled();
+	carveCavity(pVtx, pStartTet);
 	star.clear();
-	joinCavity(pStartTet); // the walk has seen that the vertex lies in it
-	vCavityStack.push_back(pStartTet);
-
-	// Depth first and facets 3 to 0: this fixes the order in which the new tetrahedra are made.
 	Tet3* pLastTet = nullptr;
-	CavityBorder border;
-	while (!vCavityStack.empty()) {
-		Tet3* pTet = vCavityStack.back();
-		vCavityStack.pop_back();
-		lookAround(pTet, pVtx, border);
-		for (int i = 3; i >= 0; --i) {
-			Tet3* pNeigh = border.pNeigh[i];
-			if (pNeigh != nullptr && pNeigh->hasBeenVisited) continue;
-			if (pNeigh != nullptr && isInConflict(border, i, pVtx)) {
-				joinCavity(pNeigh);
-				vCavityStack.push_back(pNeigh);
-			} else {
-				pLastTet = closeFacet(pTet, i, border, pVtx);
-			}
-		}
-	}
-
+	for (const CavityFacet& facet : vCavityFacets) pLastTet = closeFacet(facet, pVtx);
 	linkClosedStar();
 	return pLastTet;
 }

@@ -2,6 +2,7 @@
 // A vertex enters on or beyond the hull: the hull facets that face it get a tetrahedron each, and
 // the tetrahedra whose spheres contain it are replaced, as inside the hull.
 #include "Dt3.h"
+#include "Dt3Inline.h"
 #include "TetAroundEdgeIterator.h"
 
 #include <iostream>
@@ -23,8 +24,7 @@ Tet3* Dt3::insertAtHull(Point3** ppVtx, Tet3* pCurTet, int outIndex)
 		if (predicates.sphereInclusionTest(pTet, pVtx) == SIC_OUTSIDE) {
 			vCHTets.push_back(pTet);
 		} else {
-			joinCavity(pTet);
-			vDoomedTets.push_back(pTet);
+			doom(pTet, vDoomedTets);
 		}
 	}
 	growDoomed(pVtx, vDoomedTets);
@@ -73,22 +73,27 @@ std::vector<Tet3*> Dt3::gatherVisibleTets(const Point3* pVtx, Tet3* pCurTet, int
 	return vGathered;
 }
 
+void Dt3::doom(Tet3* pTet, std::vector<Tet3*>& vDoomedTets)
+{
+	pTet->hasBeenVisited = true;
+	markTetDead(pTet);
+	vDoomedTets.push_back(pTet);
+}
+
 void Dt3::growDoomed(const Point3* pVtx, std::vector<Tet3*>& vDoomedTets)
 {
-	vCavityStack = vDoomedTets;
+	vCavityStack.makeRoom(vDoomedTets.size());
+	for (Tet3* pTet : vDoomedTets) vCavityStack.push(pTet);
 	CavityBorder border;
 	while (!vCavityStack.empty()) {
-		Tet3* pCurTet = vCavityStack.back();
-		vCavityStack.pop_back();
+		Tet3* pCurTet = vCavityStack.pop();
+		vCavityStack.makeRoom(4);
 		CONDITION_CHECK(pCurTet!=0);
 		lookAround(pCurTet, pVtx, border);
 		for (int i = 0; i < 4; ++i) {
-			Tet3* pNeigh = border.pNeigh[i];
-			if (pNeigh == nullptr || pNeigh->hasBeenVisited) continue;
-			if (!isInConflict(border, i, pVtx)) continue;
-			joinCavity(pNeigh);
-			vDoomedTets.push_back(pNeigh);
-			vCavityStack.push_back(pNeigh);
+			if ((border.conflict >> i & 1U) == 0) continue;
+			doom(border.pNeigh[i], vDoomedTets);
+			vCavityStack.push(border.pNeigh[i]);
 		}
 	}
 }

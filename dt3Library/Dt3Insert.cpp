@@ -1,10 +1,13 @@
 // SPDX-License-Identifier: MIT
 // How points arrive: one, or a batch in stages from coarse to fine.
 #include "Dt3.h"
+#include "StartFinder.h"
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
 #include <iostream>
+#include <optional>
 
 namespace TULO3D {
 
@@ -14,21 +17,35 @@ namespace {
 constexpr double kMaxCoordinate = 1e60;
 constexpr const char* kRangeText = "coordinates are finite and at most 1e60 in magnitude";
 
-using Stages = std::vector<std::vector<Point3*>>;
+/// Positions in the list of vertices.
+using Stages = std::vector<std::vector<std::uint32_t>>;
 
 /// Appends the middle of [lo, hi) to the stage of this depth and its halves to the deeper stages;
 /// at the last depth, everything that is left.
-void distribute(const std::vector<Point3*>& vVertices, std::size_t lo, std::size_t hi,
-    std::size_t depth, Stages& stages)
+void distribute(std::uint32_t lo, std::uint32_t hi, std::size_t depth, Stages& stages)
 {
 	while (hi - lo >= 2 && depth + 1 < stages.size()) {
-		const std::size_t mid = lo + (hi - lo) / 2;
-		stages[depth].push_back(vVertices[mid]);
+		const std::uint32_t mid = lo + (hi - lo) / 2;
+		stages[depth].push_back(mid);
 		++depth;
-		distribute(vVertices, lo, mid, depth, stages);
+		distribute(lo, mid, depth, stages);
 		lo = mid + 1;
 	}
-	for (; lo < hi; ++lo) stages[depth].push_back(vVertices[lo]);
+	for (; lo < hi; ++lo) stages[depth].push_back(lo);
+}
+
+/// True when the curve does not tell the vertices apart: most share their cell with the next one.
+bool isCrowded(const HC3& hc3, const std::vector<Point3*>& vVertices)
+{
+	constexpr std::size_t kSamples = 256;
+	if (vVertices.size() < 4 * kSamples) return false;
+	const std::size_t step = (vVertices.size() - 1) / kSamples;
+	std::size_t numShared = 0;
+	for (std::size_t n = 0; n < kSamples; ++n) {
+		const Point3* const* pPair = &vVertices[n * step];
+		numShared += hc3.hilbertIndex(*pPair[0]) == hc3.hilbertIndex(*pPair[1]);
+	}
+	return numShared > kSamples * 3 / 4;
 }
 
 } // namespace
@@ -103,15 +120,26 @@ void Dt3::triangulate(std::vector<Point3*>& vVertices, Tet3* pLastTet)
 	}
 
 	// Along the curve each walk is short; stages of growing density keep the mesh balanced meanwhile.
-	const auto n = static_cast<double>(vVertices.size());
-	const int brioLevels = static_cast<int>(std::ceil(std::log(n) / std::log(2.0)) - 4.0);
+	const auto numVertices = static_cast<double>(vVertices.size());
+	const int brioLevels = static_cast<int>(std::ceil(std::log(numVertices) / std::log(2.0)) - 4.0);
 	Stages stages(static_cast<std::size_t>(brioLevels > 0 ? brioLevels : 0) + 1);
-	distribute(vVertices, 0, vVertices.size(), 0, stages);
+	distribute(0, static_cast<std::uint32_t>(vVertices.size()), 0, stages);
+	std::optional<StartFinder> finder;
+	if (isCrowded(hc3, vVertices)) finder.emplace(vVertices);
 
 	bool bForward = false;
-	for (std::vector<Point3*>& vStage : stages) {
+	for (std::vector<std::uint32_t>& vStage : stages) {
 		if (!bForward) std::reverse(vStage.begin(), vStage.end());
-		for (Point3*& pVtx : vStage) pLastTet = insertVertex(&pVtx, pLastTet);
+		for (std::size_t n = 0; n < vStage.size(); ++n) {
+			const std::uint32_t i = vStage[n];
+			Point3* pVtx = vVertices[i];
+			if (finder) {
+				finder->lookAhead(vStage, n);
+				pLastTet = finder->nearerStart(i, pLastTet);
+			}
+			pLastTet = insertVertex(&pVtx, pLastTet);
+			if (finder) finder->add(i);
+		}
 		bForward = !bForward;
 	}
 }

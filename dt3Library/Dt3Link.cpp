@@ -2,6 +2,7 @@
 // Tetrahedra are created, recycled and linked. Every facet between two new tetrahedra is offered
 // twice; the first half waits in a small table for the second.
 #include "Dt3.h"
+#include "Dt3Inline.h"
 #include "printing.h"
 
 #include <algorithm>
@@ -42,38 +43,16 @@ Tet3* Dt3::createTet(Point3* p0, Point3* p1, Point3* p2, Point3* p3)
 	return makePositiveTet(p0, p1, p2, p3);
 }
 
-Tet3* Dt3::makePositiveTet(Point3* p0, Point3* p1, Point3* p2, Point3* p3)
-{
-	Tet3* ret = nullptr;
-	if (vRecycledTets.empty()) {
-		ret = tetPool.alloc();
-		CONDITION_CHECK(ret!=0);
-	} else {
-		ret = vRecycledTets.back();
-		vRecycledTets.pop_back();
-	}
-	ret->setProperties(p0, p1, p2, p3);
-	return ret;
-}
-
 Tet3* Dt3::createTetReplacingCorner(Tet3* pTet, int ith, Point3* pVtx)
 {
 	const auto& [a, b, c] = kOutside[range03(ith) ? ith : 3];
 	return createTet(pVtx, pTet->getCorner(a), pTet->getCorner(b), pTet->getCorner(c));
 }
 
-void Dt3::registerTets(Tet3* fromTet, int ith, Tet3* toTet, int jth)
+void Dt3::refuseSelfLink(const Tet3* pTet)
 {
-	CONDITION_CHECK(range03(ith));
-	CONDITION_CHECK(range03(jth));
-	CONDITION_CHECK(toTet!=0);
-	if (fromTet == toTet) {
-		std::cout << "register tets has been called with fromTet==toTet==" << fromTet << std::endl
-		          << *fromTet << std::endl;
-	}
-	CONDITION_CHECK(fromTet!=toTet);
-	toTet->setOppTet(jth, fromTet);
-	fromTet->setOppTet(ith, toTet);
+	std::cout << "register tets has been called with fromTet==toTet==" << pTet << std::endl
+	          << *pTet << std::endl;
 }
 
 unsigned Dt3::facetHash(const Point3* key0, const Point3* key1)
@@ -219,12 +198,6 @@ void Dt3::resetFacetHash()
 	collisionIndex.clear();
 	twoTetPool.reset();
 	numStoredTCS = 0;
-}
-
-void Dt3::markTetDead(Tet3* pTet)
-{
-	pTet->setCustomIndex(-1);
-	vDeadTets.push_back(pTet);
 }
 
 void Dt3::swapDeadAndRecycled()

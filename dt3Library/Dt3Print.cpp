@@ -13,7 +13,8 @@ void Dt3::print(const std::string& name) const
 	std::vector<Tet3*> vTets;
 	getAllTetrahedra(vTets);
 	std::cout << "\n\n**** Dt3::print(" << name << "), numTets=" << vTets.size() << std::endl;
-	for (const Tet3* pTet : vTets) std::cout << *pTet << std::endl;
+	for (const Tet3* pTet : vTets) std::cout << *pTet << '\n';
+	std::cout.flush();
 }
 
 void Dt3::show(const std::string& filename, Point3* pVtx) const

@@ -51,9 +51,9 @@ std::uint32_t HC3::hilbertIndex(const Point3& point) const
 		const bool bx = dx >= hx;
 		const bool by = dy >= hx;
 		const bool bz = dz >= hx;
-		dx -= bx ? hx : 0.0;
-		dy -= by ? hy : 0.0;
-		dz -= bz ? hz : 0.0;
+		dx -= bx * hx; // a product, not a branch, which would be wrong half of the time
+		dy -= by * hy;
+		dz -= bz * hz;
 		const unsigned octant = 4U * bx + 2U * by + 1U * bz;
 		key = (key << 3U) | kDigit[octant][state];
 		state = kNext[octant][state];

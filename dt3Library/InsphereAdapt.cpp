@@ -2,6 +2,7 @@
 // The in-sphere test once the fast stage is in doubt.
 #include "AdaptiveStages.h"
 #include "Expansion.h"
+#include "SphereDeterminant.h"
 
 #include <cmath>
 
@@ -63,6 +64,17 @@ Expansion<24> minor3(double splitter, const Expansion<4>& p, double pz, const Ex
 }
 
 } // namespace
+
+StageResult insphereDoubleDouble(const Point3& a, const Point3& b, const Point3& c, const Point3& d,
+    const Point3& e, double permanent)
+{
+	const auto row = [&e](const Point3& p) {
+		return sphereRow(
+		    differenceOf(p.x(), e.x()), differenceOf(p.y(), e.y()), differenceOf(p.z(), e.z()));
+	};
+	const double det = sphereDeterminant(row(a), row(b), row(c), row(d)).det.hi;
+	return {det, std::abs(det) > kSphereBoundDoubleDouble * permanent};
+}
 
 StageResult insphereStageB(const ArdoTest3& constants, const InsphereRows& r, double permanent)
 {
@@ -184,6 +196,8 @@ int insphereAdapt(const ArdoTest3& constants, const Point3& a, const Point3& b, 
 {
 	const auto signCode = [](double det) { return det > 0.0 ? 1 : det < 0.0 ? 0 : 2; };
 
+	const StageResult doubleDouble = insphereDoubleDouble(a, b, c, d, e, permanent);
+	if (doubleDouble.bDecided) return signCode(doubleDouble.det);
 	const InsphereRows rows(a, b, c, d, e);
 	const StageResult stageB = insphereStageB(constants, rows, permanent);
 	if (stageB.bDecided) return signCode(stageB.det);

@@ -3,72 +3,124 @@
 #pragma once
 
 #include "Point3.h"
+#include "ScratchArray.h"
 #include "Tet3.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <vector>
 
 namespace TULO3D {
 
-/// Pairs the inner facets of a small star by a table of directed edges.
+/// Pairs the inner facets of a star of ordinary size through a table of directed edges.
 ///
 /// Each new tetrahedron joins the inserted vertex to a triangle, and all triangles are seen from it
 /// in the same sense. So the edge between two triangles runs from a to b in one and from b to a in
 /// the other: a table with a row and a column for each vertex of the star takes one entry for each
-/// directed edge, and every tetrahedron finds its neighbours by looking up its edges reversed.
-/// Nothing is searched and nothing depends on what came before, which is what makes it fast; the
-/// table of pending halves, which takes stars of any size, mispredicts one branch in two.
+/// directed edge, and a tetrahedron finds its neighbours by looking up its edges reversed. Nothing
+/// is searched for, so no branch is guessed wrong; the table of pending halves, which takes stars
+/// of any size, guesses for every half whether it is the first or the second.
 class StarLinker
 {
 public:
-	/// The largest number of vertices, besides the inserted one, that a star may have here. An
-	/// ordinary star has 15.
-	static constexpr unsigned kMaxVertices = 64;
-
-	StarLinker();
-
 	/// Begins a star.
-	void clear();
+	void clear()
+	{
+		for (std::uint32_t i = 0; i < numVertices; ++i) slots[usedSlot[i]].pVtx = nullptr;
+		numVertices = 0;
+		bFits = true;
+		vTets.clear();
+	}
 
 	/// Adds a tetrahedron whose corner 0 is the inserted vertex.
-	void add(Tet3* pTet);
+	void add(Tet3* pTet)
+	{
+		const std::size_t n = vTets.size();
+		vTets.makeRoom(1);
+		vTets.push(pTet);
+		bFits = bFits && numVertices + 3 <= kMaxVertices && n < kMaxTets;
+		if (!bFits) return;
+		triangles[n] = {numberOf(pTet->getCorner(1)), numberOf(pTet->getCorner(2)),
+		    numberOf(pTet->getCorner(3))};
+	}
 
 	/// All tetrahedra added since `clear`, in that order.
-	const std::vector<Tet3*>& tets() const { return vTets; }
+	const ScratchArray<Tet3*>& tets() const { return vTets; }
 
-	/// True when `linkClosed` or `linkOpen` can be used.
-	bool fits() const { return numVertices <= kMaxVertices; }
+	/// True when the star is small enough for the table.
+	bool fits() const { return bFits; }
 
-	/// True when the triangles can form a closed surface, by Euler's formula. False after a defect.
-	bool canBeClosed() const { return vTets.size() + 4 == 2 * numVertices; }
+	/// True when the triangles can form a closed surface, by Euler's formula: false after a defect.
+	bool canBeClosed() const { return vTets.size() + 4 == 2 * std::size_t{numVertices}; }
 
 	/// Links a star whose triangles close around the vertex: every edge is there in both directions.
-	void linkClosed();
+	void linkClosed()
+	{
+		const std::size_t n = vTets.size();
+		Tet3* const* pTets = vTets.begin();
+		for (std::size_t i = 0; i < n; ++i) {
+			const Triangle t = triangles[i];
+			edges[t.a][t.b] = edges[t.b][t.c] = edges[t.c][t.a] = pTets[i];
+		}
+		for (std::size_t i = 0; i < n; ++i) {
+			const Triangle t = triangles[i];
+			pTets[i]->setOppTet(1, edges[t.c][t.b]);
+			pTets[i]->setOppTet(2, edges[t.a][t.c]);
+			pTets[i]->setOppTet(3, edges[t.b][t.a]);
+		}
+	}
 
 	/// Links a star that ends at the hull: facets without a partner keep a null neighbour.
-	void linkOpen();
+	void linkOpen()
+	{
+		for (std::uint32_t i = 0; i < numVertices; ++i) {
+			std::fill(edges[i], edges[i] + numVertices, nullptr);
+		}
+		linkClosed();
+	}
 
 private:
+	static constexpr std::uint32_t kMaxVertices = 64; // an ordinary star has 15
+	static constexpr std::size_t kMaxTets = 2 * kMaxVertices;
+	static constexpr unsigned kSlots = 256;
+
 	/// The numbers of corners 1, 2 and 3 in this star.
 	struct Triangle
 	{
-		std::uint8_t a, b, c;
+		std::uint32_t a, b, c;
 	};
 
-	static constexpr unsigned kSlots = 4 * kMaxVertices;
+	/// A vertex of the star and its number; the vertex is null where the slot is free.
+	struct Slot
+	{
+		const Point3* pVtx;
+		std::uint32_t number;
+	};
 
-	std::uint8_t numberOf(const Point3* pVtx);
-	void link();
-	Tet3*& edge(unsigned from, unsigned to) { return vEdges[from * kMaxVertices + to]; }
+	std::uint32_t numberOf(const Point3* pVtx)
+	{
+		// Fibonacci hashing: the top 8 bits of the product choose one of 256 slots.
+		const auto address = static_cast<std::uint64_t>(reinterpret_cast<std::uintptr_t>(pVtx));
+		auto slot = static_cast<std::uint32_t>((address * 0x9E3779B97F4A7C15U) >> 56U);
+		while (slots[slot].pVtx != pVtx) {
+			if (slots[slot].pVtx == nullptr) {
+				slots[slot] = {pVtx, numVertices};
+				usedSlot[numVertices] = slot;
+				return numVertices++;
+			}
+			slot = (slot + 1) % kSlots;
+		}
+		return slots[slot].number;
+	}
 
-	std::vector<Tet3*> vTets;
-	std::vector<Triangle> vTriangles;
-	std::vector<Tet3*> vEdges; // the tetrahedron whose triangle runs from row to column
-	std::size_t numVertices = 0;
-	const Point3* slotVertex[kSlots];    // vertices by their hash; null where free
-	std::uint8_t slotNumber[kSlots];     // their numbers in this star
-	std::uint8_t usedSlot[kMaxVertices]; // the slots by number
+	ScratchArray<Tet3*> vTets;
+	Triangle triangles[kMaxTets];
+	Tet3* edges[kMaxVertices]
+	           [kMaxVertices]; // the tetrahedron whose triangle runs from row to column
+	std::uint32_t numVertices = 0;
+	bool bFits = true;
+	Slot slots[kSlots] = {}; // vertices by their hash
+	std::uint32_t usedSlot[kMaxVertices];
 };
 
 } // namespace TULO3D

@@ -18,14 +18,6 @@ namespace TULO3D {
 
 namespace {
 
-/// The label of the next tetrahedron. A long run may use up all integers, then it wraps.
-int takeLabel()
-{
-	const int label = Tet3::runningLabel;
-	Tet3::runningLabel = static_cast<int>(static_cast<unsigned>(label) + 1U);
-	return label;
-}
-
 std::array<Point3*, 3> facetVertices(const Tet3& tet, int opp3)
 {
 	int i0 = 0;
@@ -59,20 +51,6 @@ Tet3::Tet3(const Tet3& /*other*/)
     : hasBeenVisited(false), label(-1), aVertexPointer{}, aNeighbours{}, customIndex(-1)
 {
 	std::cout << "CCTOR of Tet3" << std::endl;
-}
-
-void Tet3::setProperties(Point3* pI, Point3* pJ, Point3* pK, Point3* pL)
-{
-	label = takeLabel();
-	assert((pI!=NULL && pJ!=NULL && pK!=NULL && pL!=NULL));
-	Point3* const aCorners[4] = {pI, pJ, pK, pL};
-	for (int i = 0; i < 4; ++i) {
-		aVertexPointer[i] = aCorners[i];
-		aCorners[i]->setOneTet(this);
-		aNeighbours[i] = nullptr;
-	}
-	hasBeenVisited = false;
-	customIndex = -1;
 }
 
 int Tet3::getIntraTetIndexInOppTetForReg(const Tet3* pOther, int ith) const
@@ -209,12 +187,12 @@ std::ostream& operator<<(std::ostream& stream, const Tet3& tet)
 	    tet.getCorner(0), tet.getCorner(1), tet.getCorner(2), tet.getCorner(3));
 	stream << "Tetrahedron (ID=" << tet.label << "), (this=" << &tet
 	       << "): hasBeenVisited=" << tet.hasBeenVisited << ", "
-	       << "ownOri=" << ArdoTest3::getOrientationName(orientation) << std::endl;
+	       << "ownOri=" << ArdoTest3::getOrientationName(orientation) << '\n';
 	for (int i = 0; i < 4; ++i) {
 		const Point3* pCorner = tet.getCorner(i);
 		const Tet3* pNeigh = tet.getOppTet(i);
 		stream << "ith=" << i << ", vertex (" << pCorner << "): " << *pCorner
-		       << "  oppTet=" << pNeigh << (pNeigh ? "" : " (NULL)") << std::endl;
+		       << "  oppTet=" << pNeigh << (pNeigh ? "" : " (NULL)") << '\n';
 	}
 	return stream;
 }

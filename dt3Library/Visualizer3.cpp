@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The OOGL writer. Every write appends one member to the LIST that the constructor opened.
+// Deliberate: lines end with std::endl, so that what a dying process has drawn is in the file.
 #include "Visualizer3.h"
 
 #include "Colors.h"

@@ -5,6 +5,7 @@
 #include "Point3.h"
 
 #include <cassert>
+#include <cstddef>
 #include <iosfwd>
 #include <utility>
 
@@ -41,7 +42,22 @@ public:
 
 	/// Makes this record a new tetrahedron: a fresh label, the corners as given (none null), no
 	/// neighbours, not visited, custom index -1. Each corner now names it as its incident one.
-	void setProperties(Point3* pI, Point3* pJ, Point3* pK, Point3* pL);
+	void setProperties(Point3* pI, Point3* pJ, Point3* pK, Point3* pL)
+	{
+		label = takeLabel();
+		assert((pI!=NULL && pJ!=NULL && pK!=NULL && pL!=NULL));
+		hasBeenVisited = false;
+		aVertexPointer[0] = pI;
+		aVertexPointer[1] = pJ;
+		aVertexPointer[2] = pK;
+		aVertexPointer[3] = pL;
+		for (Tet3*& pNeighbour : aNeighbours) pNeighbour = nullptr;
+		customIndex = -1;
+		pI->setOneTet(this);
+		pJ->setOneTet(this);
+		pK->setOneTet(this);
+		pL->setOneTet(this);
+	}
 
 	/// Corner ith, 0..3.
 	Point3* getCorner(int ith) const
@@ -79,7 +95,7 @@ public:
 	/// Links neighbour ith, which may be null. Linking a tetrahedron to itself is reported.
 	void setOppTet(int ith, Tet3* pC)
 	{
-		if (pC == this) reportSelfLink(ith, pC);
+		if (pC != nullptr && pC == this) reportSelfLink(ith, pC);
 		assert(range03(ith));
 		aNeighbours[ith] = pC;
 	}
@@ -97,10 +113,10 @@ public:
 	/// The index 0..3 of neighbour `pT`. Ends the process when it is none.
 	int getIntraTetIndex(const Tet3* pT) const
 	{
-		// Summed up, not searched for: which of the four it is cannot be predicted.
-		const int i =
-		    (aNeighbours[1] == pT) + 2 * (aNeighbours[2] == pT) + 3 * (aNeighbours[3] == pT);
-		if (aNeighbours[i & 3] != pT) stopForNoNeighbour(pT);
+		// Put together from bits, not searched for: which of the four it is cannot be predicted.
+		const int bThird = aNeighbours[3] == pT;
+		const int i = ((aNeighbours[1] == pT) | bThird) + 2 * ((aNeighbours[2] == pT) | bThird);
+		if (aNeighbours[i] != pT) stopForNoNeighbour(pT);
 		return i;
 	}
 
@@ -165,6 +181,14 @@ public:
 
 private:
 	friend TULO3D_API std::ostream& operator<<(std::ostream& stream, const Tet3& tet);
+
+	/// The next label. A very long run uses up all integers; then they start again from below.
+	static int takeLabel()
+	{
+		const int taken = runningLabel;
+		runningLabel = static_cast<int>(static_cast<unsigned>(taken) + 1U);
+		return taken;
+	}
 
 	static bool range03(int i) { return static_cast<unsigned>(i) < 4U; }
 	void reportSelfLink(int ith, const Tet3* pC) const;

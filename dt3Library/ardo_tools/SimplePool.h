@@ -7,7 +7,9 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdlib>
+#include <functional>
 #include <iostream>
+#include <utility>
 #include <vector>
 
 namespace TULO3D {
@@ -96,6 +98,20 @@ public:
 		blockList.clear();
 	}
 
+	/// The records handed out so far, by address: for each block its first and their number. For a
+	/// pool that is never reset.
+	std::vector<std::pair<T*, std::size_t>> usedBlocks() const
+	{
+		std::vector<std::pair<T*, std::size_t>> used;
+		for (std::size_t i = 0; i < blockList.size(); ++i) {
+			const int count = blockList[i] == currentBlock ? lastIndex + 1 : vSizes[i];
+			used.emplace_back(blockList[i], static_cast<std::size_t>(count));
+		}
+		std::sort(used.begin(), used.end(),
+		    [](const auto& a, const auto& b) { return std::less<T*>()(a.first, b.first); });
+		return used;
+	}
+
 	std::vector<T*> blockList; ///< the blocks owned, in the order obtained
 	std::vector<int> vSizes;   ///< the record counts of every block ever obtained
 	T* currentBlock = nullptr;
@@ -121,8 +137,9 @@ private:
 	{
 		assert(!vSizes.empty());
 		assert(vSizes.back()>0);
-		if (vSizes.size() == 1) return std::min(vSizes.back() / 2, maxBlockSize);
-		return vSizes.back() > maxBlockSize / 2 ? maxBlockSize : 2 * vSizes.back();
+		const int last = vSizes.empty() ? 0 : vSizes.back();
+		if (vSizes.size() == 1) return std::min(last / 2, maxBlockSize);
+		return last > maxBlockSize / 2 ? maxBlockSize : 2 * last;
 	}
 };
 

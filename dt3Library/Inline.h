@@ -1,0 +1,11 @@
+// SPDX-License-Identifier: MIT
+// Functions that must become part of their caller.
+#pragma once
+
+// A kernel is compiled once for each kind of CPU by being drawn into one function for each of them;
+// its parts must therefore never be functions of their own.
+#if defined(__GNUC__)
+#  define TULO3D_ALWAYS_INLINE inline __attribute__((always_inline))
+#else
+#  define TULO3D_ALWAYS_INLINE inline
+#endif

@@ -1,0 +1,33 @@
+// SPDX-License-Identifier: MIT
+// Asks the memory for records before their turn comes.
+#pragma once
+
+#include "Tet3.h"
+
+namespace TULO3D {
+
+inline void prefetch([[maybe_unused]] const void* p)
+{
+#if defined(__GNUC__)
+	__builtin_prefetch(p);
+#endif
+}
+
+/// A record may lie across two cache lines. Null does no harm.
+inline void prefetchTet(const Tet3* pTet)
+{
+	prefetch(pTet);
+	prefetch(reinterpret_cast<const char*>(pTet) + sizeof(Tet3) - 1);
+}
+
+inline void prefetchNeighbours(const Tet3& tet)
+{
+	for (int i = 0; i < 4; ++i) prefetchTet(tet.getOppTet(i));
+}
+
+inline void prefetchCorners(const Tet3& tet)
+{
+	for (int i = 0; i < 4; ++i) prefetch(tet.getCorner(i));
+}
+
+} // namespace TULO3D

@@ -1,0 +1,71 @@
+// SPDX-License-Identifier: MIT
+// Offers a near start to the walk where the curve of the vertex store cannot.
+#pragma once
+
+#include "Point3.h"
+#include "Tet3.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+namespace TULO3D {
+
+/// A set of numbers below a limit that knows the next one on either side of any number.
+///
+/// A bit for each number, a bit for each word of bits that is not zero, and so on: a search looks at
+/// a word or two on each of a few levels.
+class RankSet
+{
+public:
+	static constexpr std::size_t kNone = static_cast<std::size_t>(-1);
+
+	explicit RankSet(std::size_t limit);
+
+	void add(std::size_t rank);
+	/// The largest member below `rank`, or kNone.
+	std::size_t below(std::size_t rank) const;
+	/// The smallest member above `rank`, or kNone.
+	std::size_t above(std::size_t rank) const;
+
+private:
+	std::vector<std::vector<std::uint64_t>> levels; // the bits, and then what is not zero
+};
+
+/// The vertices of a batch along a curve of its own: 21 levels of cubes around the bulk of them.
+///
+/// The order of insertion follows the nine levels of the vertex store. They do not tell the vertices
+/// apart when a few lie far out or the box is thin, and then each walk starts anywhere. Where a walk
+/// starts decides how long it takes, never where it ends, so it may start at the vertex of the mesh
+/// that is next on the finer curve.
+class StartFinder
+{
+public:
+	/// `vVertices`, in the order of the store, must outlive the finder.
+	explicit StartFinder(const std::vector<Point3*>& vVertices);
+
+	/// A tetrahedron near vertex `i` of the batch: pLastTet, or one that is nearer.
+	Tet3* nearerStart(std::size_t i, Tet3* pLastTet) const;
+
+	/// Brings the surroundings of the vertices that follow vStage[n] into the cache, step by step:
+	/// vertices in random order are strangers to it, and half of the time would be spent waiting.
+	void lookAhead(const std::vector<std::uint32_t>& vStage, std::size_t n);
+
+	/// Vertex `i` of the batch is in the mesh now.
+	void add(std::size_t i) { inMesh.add(vRank[i]); }
+
+private:
+	/// A vertex of the mesh near vertex `i` of the batch, by rank; null when there is none.
+	const Point3* neighbourOf(std::uint32_t i) const;
+
+	static constexpr std::size_t kAhead = 8;
+	const Point3* aheadVertex[kAhead] = {};
+	const Tet3* aheadTet[kAhead] = {};
+
+	const std::vector<Point3*>& vVertices;
+	std::vector<std::uint32_t> vByRank; // positions in the batch along the finer curve
+	std::vector<std::uint32_t> vRank;   // the inverse
+	RankSet inMesh;
+};
+
+} // namespace TULO3D
