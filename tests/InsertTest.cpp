@@ -1,0 +1,155 @@
+// SPDX-License-Identifier: MIT
+// How points arrive: each promise of the insertion with its shortest case, and the large inputs that
+// are hard for a walk or a cavity.
+#include "support.h"
+
+#include <algorithm>
+#include <array>
+#include <map>
+
+using namespace TULO3D;
+using points::Cloud;
+using support::Recorded;
+
+namespace {
+
+const Cloud kSimplex = {Point3(0, 0, 0), Point3(1, 0, 0), Point3(0, 1, 0), Point3(0, 0, 1)};
+
+/// The mesh without its addresses: the corners of all tetrahedra by their places in the listing.
+std::vector<std::array<std::size_t, 4>> canonical(const Recorded& mesh)
+{
+	std::map<const Point3*, std::size_t> place;
+	for (const Point3* p : mesh.vertices()) place.emplace(p, place.size());
+	std::vector<std::array<std::size_t, 4>> tuples;
+	for (const Tet3* t : mesh.tets()) {
+		tuples.push_back({place[t->getCorner(0)], place[t->getCorner(1)], place[t->getCorner(2)],
+		    place[t->getCorner(3)]});
+	}
+	std::sort(tuples.begin(), tuples.end());
+	return tuples;
+}
+
+/// Large inputs, for optimised builds only: a sanitizer learns nothing from them in its time.
+struct Heavy : testing::TestWithParam<std::pair<const char*, int>>
+{
+	void SetUp() override
+	{
+#if !defined(__OPTIMIZE__) || defined(__SANITIZE_ADDRESS__)
+		GTEST_SKIP();
+#endif
+	}
+};
+
+} // namespace
+
+TEST(Insert, ASinglePointWithoutAStartFindsOne)
+{
+	// (1, 1, 0) comes while all is flat and gets no tetrahedron; it is next to the last on the curve.
+	Recorded mesh;
+	for (const Point3& p :
+	    {Point3(0, 0, 0), Point3(1, 0, 0), Point3(0, 1, 0), Point3(1, 1, 0), Point3(0, 0, 1)})
+		mesh.insert(p);
+	EXPECT_EQ(mesh.leftOut.size(), 1U);
+	mesh.insert(Point3(1.25, 0.5, 0));
+	EXPECT_VALID(mesh);
+}
+
+TEST(Insert, CoplanarSinglesStayOutUntilTheyComeAgain)
+{
+	// Deliberate: a single point that ends the flat phase brings only the first tetrahedron.
+	Recorded r;
+	for (const Point3& p : {Point3(0, 0, 0), Point3(1, 0, 0), Point3(0, 1, 0), Point3(1, 1, 0)})
+		r.insert(p);
+	Point3 apex(0.2, 0.2, 1);
+	EXPECT_EQ(support::printedBy([&] { r.mesh.insert(apex); }),
+	    "Attention: triangulate has got an empty vector\n");
+	EXPECT_EQ(r.tets().size(), 1U);
+	for (const Point3& p : Cloud(r.input)) r.insert(p);
+	r.insert(apex);
+	EXPECT_TRUE(r.leftOut.empty());
+	EXPECT_VALID(r);
+}
+
+TEST(Insert, ABatchLetsEarlierVerticesInAlsoWhenTheCountsAgree)
+{
+	// Five vertices and five points in the batch, but (0, 0, 0) is not among these.
+	Recorded mesh;
+	mesh.insert(Cloud{Point3(0, 0, 0), Point3(1, 0, 0)});
+	mesh.insert(
+	    Cloud{Point3(1, 0, 0), Point3(1, 0, 0), Point3(0, 1, 0), Point3(0, 0, 1), Point3(1, 1, 1)});
+	EXPECT_TRUE(mesh.mesh.is3D());
+	EXPECT_VALID(mesh);
+}
+
+TEST(Insert, KnownPointsGetTheirVerticesAndChangeNothing)
+{
+	Recorded mesh;
+	Cloud cloud = points::make("Lattice", 64);
+	for (Point3& p : cloud) p.setCustomIndex(7);
+	mesh.insert(cloud);
+	for (const Point3* p : mesh.vertices()) EXPECT_EQ(p->getCustomIndex(), -1);
+	mesh.handles[2]->setCustomIndex(5);
+	const auto before = canonical(mesh);
+	const int label = Tet3::runningLabel;
+	mesh.insert(Cloud(cloud.rbegin(), cloud.rend()));
+	for (const Point3& p : cloud) mesh.insert(p);
+	mesh.insert(Point3(-0.0, 1, -0.0));
+	mesh.insert(Cloud());
+	EXPECT_TRUE(canonical(mesh) == before && Tet3::runningLabel == label)
+	    << "no tetrahedron was made";
+	EXPECT_EQ(mesh.handles[2]->getCustomIndex(), 5);
+	EXPECT_VALID(mesh);
+}
+
+TEST(Insert, RefusedCoordinatesLeaveNoTrace)
+{
+	const Cloud more = points::make("Uniform", 40, 2);
+	for (const Cloud& start : {Cloud(), points::make("FlatGrid", 9), points::make("Uniform", 30)}) {
+		Recorded spent, mesh, untouched;
+		spent.insert(kSimplex); // takes the first margin of the process
+		mesh.insert(start);
+		untouched.insert(start);
+		for (Point3 bad : points::refused()) {
+			Cloud batch(more);
+			batch.insert(batch.begin() + 20, bad);
+			std::vector<Point3*> handles;
+			const std::string text = "coordinates are finite and at most 1e60 in magnitude";
+			EXPECT_EQ(support::conditionFailedBy([&] { mesh.mesh.insert(bad); }), text);
+			EXPECT_EQ(support::conditionFailedBy([&] { mesh.mesh.insert(batch, handles); }), text);
+			EXPECT_TRUE(handles.empty());
+		}
+		EXPECT_VALID(mesh);
+		mesh.insert(more);
+		untouched.insert(more);
+		EXPECT_VALID(mesh);
+		EXPECT_EQ(canonical(mesh), canonical(untouched));
+	}
+}
+
+TEST(Insert, TheSameInputGivesTheSameMeshWhereverItLies)
+{
+	for (const char* family :
+	    {"Lattice", "IntegerSphereThenCentre", "Uniform", "DuplicatesAndSignedZeros", "Cylinder"}) {
+		Recorded spent, first, second;
+		spent.insert(kSimplex); // takes the first margin of the process
+		first.insert(points::make(family, 500));
+		const std::vector<char> moved(12345); // other addresses for what follows
+		second.insert(points::make(family, 500));
+		EXPECT_EQ(canonical(first), canonical(second)) << family << moved[0];
+	}
+}
+
+TEST_P(Heavy, InputIsMeshedInOneBatch)
+{
+	const auto& [family, size] = GetParam();
+	Recorded mesh;
+	mesh.insert(points::make(family, size));
+	if (family == std::string("UnitSphere")) mesh.insert(Point3(0, 0, 0)); // a cavity of all facets
+	EXPECT_VALID(mesh);
+}
+using Input = std::pair<const char*, int>;
+INSTANTIATE_TEST_SUITE_P(Inputs, Heavy,
+    testing::Values(Input("UnitSphere", 100000), Input("Pipe", 60000), Input("NeedleBox", 150000),
+        Input("Uniform", 100000), Input("Lattice", 100000), Input("AroundABox", 100000),
+        Input("TerrainFlatInX", 100000), Input("NoisyPlane", 50000)),
+    [](const auto& p) { return p.param.first; });

@@ -1,0 +1,168 @@
+// SPDX-License-Identifier: MIT
+// Tetrahedra are created, recycled and paired as promised, also when every facet falls on one slot.
+#include "Dt3Inline.h"
+#include "printing.h"
+#include "support.h"
+
+#include <algorithm>
+#include <array>
+
+using namespace TULO3D;
+using support::conditionFailedBy;
+using support::printedBy;
+
+namespace {
+
+struct Link : testing::Test
+{
+	Tet3* make(std::size_t i, std::size_t j, std::size_t k, std::size_t l)
+	{
+		return engine.createTet(&p[i], &p[j], &p[k], &p[l]);
+	}
+	Tet3* make() { return make(0, 1, 2, 3); }
+
+	Dt3 engine{nullptr};
+	std::array<Point3, 6> p{Point3(0, 0, 0), Point3(1, 0, 0), Point3(0, 1, 0), Point3(0, 0, 1),
+	    Point3(1, 1, 1), Point3(3, 4, 0)};
+};
+
+bool startsWith(const std::string& text, const std::string& start)
+{
+	return text.compare(0, start.size(), start) == 0;
+}
+
+} // namespace
+
+TEST_F(Link, CreateTetRefusesNegativeAndReportsCoplanarCorners)
+{
+	const Tet3* pTet = make();
+	EXPECT_EQ(p[2].getOneTet(), pTet);
+	const int label = Tet3::runningLabel, used = engine.tetPool.lastIndex;
+	std::ostringstream corners, flat;
+	p[3] = Point3(0, 0, 1.0 / 3);
+	corners.precision(15); // Deliberate: the stream keeps it.
+	flat.precision(15);
+	for (const std::size_t i : {1U, 0U, 2U, 3U}) corners << p[i] << "\n";
+	for (const std::size_t i : {1U, 0U, 2U, 5U}) flat << p[i] << "\n";
+	EXPECT_TRUE(startsWith(printedBy([&] { make(1, 0, 2, 3); }),
+	    "Dt3::createTet(), ERROR: ORIENTATION3_NEGATIVE ORIENTATION OF: \n" + corners.str()));
+	EXPECT_EQ(conditionFailedBy([&] { make(1, 0, 2, 3); }), "false");
+	EXPECT_TRUE(Tet3::runningLabel == label && engine.tetPool.lastIndex == used)
+	    << "nothing was made";
+	EXPECT_EQ(printedBy([&] { make(1, 0, 2, 5); }),
+	    "Dt3::createTet(), ERROR: ORIENTATION3_COPLANAR ORIENTATION OF: \n" + flat.str() +
+	        "..probably a legal situaion but observe!\n");
+	EXPECT_EQ(Tet3::runningLabel, label + 1) << "made all the same";
+	EXPECT_EQ(std::cout.precision(6), 15);
+}
+
+TEST_F(Link, ReplacingACornerKeepsTheFacetAndTheSign)
+{
+	Tet3* pTet = make();
+	p[4] = Point3(0.1, 0.2, 0.3);
+	for (int i = 0; i < 4; ++i) {
+		Tet3* pNew = engine.createTetReplacingCorner(pTet, i, &p[4]); // throws when negative
+		EXPECT_TRUE(pNew->getCorner(0) == &p[4] && Tet3::haveCommonFacet(pNew, 0, pTet, i));
+	}
+}
+
+TEST_F(Link, RegisterTetsLinksBothWaysOrSaysWhyNot)
+{
+	Tet3 *pT = make(), *pU = make(4, 1, 3, 2);
+	Dt3::registerTets(pT, 0, pU, 3);
+	// clang-format off
+	const struct { Tet3* pTo; int ith, jth; const char* text; } cases[] = {{pU, 4, 0, "range03(ith)"}, {pU, -1, 0, "range03(ith)"},
+		{pU, 0, 4, "range03(jth)"}, {nullptr, 0, 0, "toTet!=0"}, {pT, 0, 1, "fromTet!=toTet"}};
+	// clang-format on
+	for (const auto& c : cases)
+		EXPECT_EQ(conditionFailedBy([&] { Dt3::registerTets(pT, c.ith, c.pTo, c.jth); }), c.text);
+	EXPECT_TRUE(pT->getOppTet(0) == pU && pU->getOppTet(3) == pT)
+	    << "a refused link changes nothing";
+	std::ostringstream text;
+	text << "register tets has been called with fromTet==toTet==" << pT << "\n" << *pT << "\n";
+	EXPECT_TRUE(startsWith(printedBy([&] { Dt3::registerTets(pT, 0, pT, 1); }), text.str()));
+}
+
+TEST_F(Link, PairsEveryFacetHoweverManyShareASlot)
+{
+	struct alignas(1024) Spaced // so far apart that no bit of their addresses enters the hash
+	{
+		Point3 point;
+	};
+	std::vector<Spaced> keys(600);
+	EXPECT_EQ(Dt3::facetHash(&keys[3].point, &keys[7].point),
+	    Dt3::facetHash(&keys[0].point, &keys[1].point));
+	struct Half
+	{
+		Tet3* pTet;
+		std::size_t facet;
+		int ith;
+	};
+	points::Random random(1);
+	for (std::size_t round = 0; round < 160; ++round) {
+		const std::size_t sizes[] = {2, 5, 63, 64, 65, 66, 130, 590}, numFacets = sizes[round % 8];
+		std::vector<Half> halves;
+		for (std::size_t i = 0; i < 2 * numFacets; ++i) {
+			halves.push_back({engine.tetPool.alloc(), i % numFacets, 1 + random.below(3)});
+			halves.back().pTet->setProperties(&p[0], &p[1], &p[2], &p[3]);
+		}
+		// First all halves of one side and then the others in either order, or at random, or in waves that
+		// empty the list again; sometimes the last half never comes.
+		const std::vector<Half> ordered(halves);
+		const std::size_t order = round / 8 % 4;
+		if (order == 1) points::shuffle(halves, random);
+		if (order == 2)
+			std::stable_sort(halves.begin(), halves.end(),
+			    [](auto& a, auto& b) { return a.facet / 100 < b.facet / 100; });
+		if (order == 3)
+			std::reverse(halves.begin() + static_cast<std::ptrdiff_t>(numFacets), halves.end());
+		const std::size_t numMissing = round / 8 % 5 == 4;
+		halves.resize(halves.size() - numMissing);
+		for (const Half& h : halves) {
+			Point3 *key0 = &keys[h.facet].point, *key1 = &keys[h.facet + 1].point;
+			engine.storeOrLinkFacet(Dt3::facetHash(key0, key1), h.pTet, h.ith, key0, key1);
+		}
+		engine.flushHashCollisions();
+		ASSERT_EQ(engine.numStoredTCS, static_cast<int>(numMissing)) << "round " << round;
+		std::size_t numLinked = 0;
+		for (std::size_t i = 0; i < numFacets; ++i) {
+			const Half &a = ordered[i], &b = ordered[i + numFacets];
+			numLinked += a.pTet->getOppTet(a.ith) == b.pTet && b.pTet->getOppTet(b.ith) == a.pTet;
+		}
+		ASSERT_EQ(numLinked, numFacets - numMissing) << "round " << round;
+		engine.resetFacetHash();
+		ASSERT_EQ(
+		    std::count(engine.vTwoTetSlots.begin(), engine.vTwoTetSlots.end(), nullptr), 1024);
+		ASSERT_TRUE(engine.vHashCollisions.empty() && engine.numStoredTCS == 0);
+	}
+}
+
+TEST_F(Link, AHalfThatIsLeftOverIsReported)
+{
+	// A live tetrahedron left visited is taken for one of the cavity, and its facet is not filled.
+	Tet3 *pT = make(), *pU = make(4, 1, 3, 2);
+	Dt3::registerTets(pT, 0, pU, 0);
+	pU->hasBeenVisited = true;
+	p[5] = Point3(0.2, 0.2, 0.2);
+	Point3* pVtx = &p[5];
+	const std::string text = printedBy([&] { engine.insertVertex(&pVtx, pT); });
+	EXPECT_TRUE(startsWith(text, "numStoredTCS after insertVertex: 3\n")) << text;
+	EXPECT_NE(text.find("Condition [ numStoredTCS==0 failed ]"), std::string::npos);
+	EXPECT_EQ(
+	    conditionFailedBy([&] { engine.insertVertex(&pVtx, pU); }), "!pCurTet->hasBeenVisited");
+}
+
+TEST_F(Link, ADeadTetrahedronIsReusedFromTheNextInsertionOn)
+{
+	Tet3 *pT = make(), *pU = make();
+	engine.swapDeadAndRecycled();
+	pT->setCustomIndex(7);
+	engine.markTetDead(pT);
+	EXPECT_TRUE(pT->getCustomIndex() == -1 && make() != pT && make() != pT);
+	engine.swapDeadAndRecycled();
+	engine.markTetDead(pU);
+	EXPECT_EQ(make(), pT);
+	EXPECT_NE(make(), pU);
+	for (int i = 0; i < 3; ++i) engine.swapDeadAndRecycled();
+	EXPECT_EQ(make(), pU) << "what was not taken carries over";
+}

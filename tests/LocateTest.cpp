@@ -1,0 +1,135 @@
+// SPDX-License-Identifier: MIT
+// The walk ends where a search of all tetrahedra says it must, from wherever it starts.
+#include "Dt3.h"
+#include "oracle.h"
+#include "support.h"
+
+using namespace TULO3D;
+using points::Cloud;
+
+namespace {
+
+/// An engine without a facade, filled with a batch.
+struct Filled
+{
+	explicit Filled(Cloud cloud) : engine(nullptr)
+	{
+		const support::Capture quiet;
+		std::vector<Point3*> handles;
+		engine.insert(cloud, handles);
+		engine.getAllTetrahedra(tets);
+	}
+	Dt3 engine;
+	std::vector<Tet3*> tets;
+};
+
+/// On which side of facet i, 1 being the tetrahedron's own.
+int side(const Tet3* pTet, int i, const Point3& p)
+{
+	int a, b, c;
+	pTet->getFacetIndices(i, a, b, c);
+	return -oracle::quickOrientation(
+	    *pTet->getCorner(a), *pTet->getCorner(b), *pTet->getCorner(c), p);
+}
+
+/// 3 inside, 2 on a facet, 1 on an edge, 0 a corner, -1 not in the tetrahedron.
+int placeIn(const Tet3* pTet, const Point3& p)
+{
+	int place = -1;
+	for (int i = 0; i < 4; ++i) {
+		const int s = side(pTet, i, p);
+		if (s < 0) return -1;
+		place += s;
+	}
+	return place;
+}
+
+/// What the walk's result claims, held against all tetrahedra.
+void expectTrue(const Filled& mesh, int result, const Tet3* pTet, const Point3& p)
+{
+	int place = -1;
+	bool bOnHull = false;
+	for (const Tet3* pAny : mesh.tets) {
+		const int here = placeIn(pAny, p);
+		if (here >= 0) place = here;
+		for (int i = 0; here >= 0 && i < 4; ++i)
+			bOnHull |= pAny->getOppTet(i) == nullptr && side(pAny, i, p) == 0;
+	}
+	if (result < 0) {
+		EXPECT_TRUE(result == -1 ? placeIn(pTet, p) >= 1 && !bOnHull
+		                         : result == -2 && placeIn(pTet, p) == 0);
+		return;
+	}
+	ASSERT_TRUE(range03(result) && pTet->getOppTet(result) == nullptr && side(pTet, result, p) <= 0)
+	    << result;
+	EXPECT_TRUE(place == -1 || bOnHull);
+	EXPECT_NE(place, 0) << "a vertex must be recognised";
+	EXPECT_EQ(place >= 0, placeIn(pTet, p) >= 0) << "a hull facet that contains the point";
+}
+
+} // namespace
+
+TEST(Locate, WalkEndsWhereASearchOfAllTetrahedraSays)
+{
+	for (const char* family :
+	    {"Lattice", "Uniform", "IntegerSphereThenCentre", "AroundABox", "BodyCentred"}) {
+		Filled mesh(points::make(family, 64));
+		points::Random random(3);
+		Cloud queries;
+		for (const Tet3* pTet : mesh.tets) {
+			// Exactly a corner, a middle of an edge, of a facet, of the inside, and points beyond.
+			const double weights[][4] = {{1, 0, 0, 0}, {0.5, 0.5, 0, 0}, {0.5, 0.25, 0.25, 0},
+			    {0.25, 0.25, 0.25, 0.25}, {2, -1, 0, 0}};
+			for (const auto& weight : weights) {
+				const int first = random.below(4);
+				double x = 0, y = 0, z = 0;
+				for (int i = 0; i < 4; ++i) {
+					const Point3* p = pTet->getCorner((first + i) % 4);
+					x += weight[i] * p->x(), y += weight[i] * p->y(), z += weight[i] * p->z();
+				}
+				queries.emplace_back(x, y, z);
+			}
+		}
+		const support::Capture quiet;
+		for (Point3& p : queries) {
+			SCOPED_TRACE(
+			    family + (" " + testing::PrintToString(std::vector<double>{p.x(), p.y(), p.z()})));
+			Tet3* pTet = random.of(mesh.tets);
+			const int result = mesh.engine.locateConflictTet(&p, pTet);
+			expectTrue(mesh, result, pTet, p);
+			const Tet3* pFound = mesh.engine.locate(p);
+			EXPECT_EQ(pFound != nullptr, result < 0);
+			EXPECT_TRUE(pFound == nullptr || placeIn(pFound, p) >= 0);
+		}
+	}
+}
+
+TEST(Locate, EmptyFlatAndRefusedQueriesGiveNull)
+{
+	support::Recorded r;
+	EXPECT_EQ(r.mesh.locate(Point3(0, 0, 0)), nullptr);
+	r.insert(points::make("FlatGrid", 20));
+	EXPECT_EQ(r.mesh.locate(Point3(1, 1, 0)), nullptr);
+	r.insert(points::make("Uniform", 20));
+	EXPECT_NE(r.mesh.locate(Point3(1, 1, 0)), nullptr);
+	for (const Point3& p : points::refused()) EXPECT_EQ(r.mesh.locate(p), nullptr);
+}
+
+TEST(Locate, WatchdogStopsALongWalkAndPersistenceFinishesIt)
+{
+	Filled mesh(points::make("Spiral", 20000));
+	Point3 bottom(0.1, 0.02, 1.003), top(0.01, 0.03, 198);
+	Tet3 *pStart = nullptr, *pTet = nullptr;
+	int result = 0;
+	support::printedBy([&] { pTet = pStart = mesh.engine.locate(bottom); });
+	ASSERT_NE(pStart, nullptr);
+	EXPECT_EQ(support::printedBy([&] { result = mesh.engine.locateConflictTet(&top, pTet); }),
+	    "watchDog: bad point\n");
+	EXPECT_EQ(result, -99);
+	EXPECT_NE(pTet, pStart) << "the next walk goes on from there";
+	const support::Capture quiet;
+	const Tet3* pFound = mesh.engine.locate(top);
+	for (int walk = 0; walk < 100 && result == -99; ++walk)
+		result = mesh.engine.locateConflictTet(&top, pTet);
+	EXPECT_TRUE(result == -1 && placeIn(pTet, top) >= 1 && pFound != nullptr);
+}

@@ -1,0 +1,137 @@
+// SPDX-License-Identifier: MIT
+// The printed texts, each in one place, and the stops that end the process.
+#include "Dt3.h"
+#include "support.h"
+#include "tools.h"
+
+#include <functional>
+
+using namespace TULO3D;
+using points::Cloud;
+using support::loudly;
+
+namespace {
+
+/// What the actions below act on: an engine with one tetrahedron, a flat one, and odds and ends.
+struct Stage
+{
+	Stage()
+	{
+		support::printedBy([this] { engine.insert(simplex, handles); });
+		pVtx = handles[0];
+		pTet = pVtx->getOneTet();
+		handles.clear();
+	}
+	Cloud simplex{Point3(0, 0, 0), Point3(1, 0, 0), Point3(0, 1, 0), Point3(0, 0, 1)}, none;
+	Dt3 engine{nullptr}, flat{nullptr};
+	std::vector<Point3*> handles;
+	std::vector<Tet3*> tets;
+	Point3 alien{9, 9, 9.5};
+	Point3* pVtx;
+	Point3* pAlien = &alien;
+	Tet3* pTet;
+};
+
+struct Line
+{
+	std::string text;
+	std::function<void(Stage&)> action;
+};
+
+std::string banner(const std::string& text)
+{
+	const std::string rule(36 + text.size(), '*');
+	return "\n\n" + rule + "\n" + rule + "\n                " + text + "\n" + rule + "\n" + rule +
+	    "\n";
+}
+
+const std::string kNullVector = "warning: normalize(const Vector3& other), Null length vector!\n";
+
+// clang-format off
+const Line kPrinted[] = {
+	{"\n      f, ERROR: \n\n", [](Stage&) { printError("f", ""); }},
+	{"\n      Dt3::f(), ERROR: text\n\n", [](Stage&) { printError("Dt3::f()", "text"); }},
+	{"\n      f, WARNING: text\n\n", [](Stage&) { printWarning("f", "text"); }},
+	{banner(""), [](Stage&) { printErrorBanner(""); }},
+	{banner("checkValidity: ERROR ERROR ERROR"), [](Stage&) { printErrorBanner("checkValidity: ERROR ERROR ERROR"); }},
+	{"numPoints=0\n", [](Stage& s) { s.engine.insert(s.none, s.handles); }},
+	{"numPoints=4\n", [](Stage& s) { s.engine.insert(s.simplex, s.handles); }},
+	{"\nDt3::insert(vector,vector) has been called\nnumPoints=4\n", [](Stage& s) { s.engine.setVerbosity(true); s.engine.insert(s.simplex, s.handles); }},
+	{"\n      Dt3::insert(), WARNING: vUserHandles is not empty as it should be\n\nnumPoints=0\n", [](Stage& s) { s.handles = {s.pVtx}; s.engine.insert(s.none, s.handles); }},
+	{"Attention: triangulate has got an empty vector\n", [](Stage& s) { s.engine.triangulate(s.handles, s.pTet); }},
+	{"Dt3::getAllTetrahedra(), oneTet==NULL\n", [](Stage& s) { s.flat.getAllTetrahedra(s.tets); }},
+	{"\n      Dt3::getTetsAroundVertex(), ERROR: pVtx does not belong to the triangulation\n\n", [](Stage& s) { Dt3::getTetsAroundVertex(&s.alien, s.tets); }},
+	{"\n      insertVertex(), ERROR: Proxy not found\n\n", [](Stage& s) { s.engine.resolveDuplicate(&s.pAlien, s.pTet, -2); }},
+	{"Warning: vDoomedTets() without input tets, returning NULL\n", [](Stage& s) { s.engine.retriangulateDoomedTets(s.tets, s.pVtx); }},
+	{"a: positive\n", [](Stage&) { ArdoTest3::printOrientation(ORIENTATION3_POSITIVE, "a"); }},
+	{"b: negative\n", [](Stage&) { ArdoTest3::printOrientation(ORIENTATION3_NEGATIVE, "b"); }},
+	{"c: coplanar\n", [](Stage&) { ArdoTest3::printOrientation(ORIENTATION3_COPLANAR, "c"); }},
+	{"d: ", [](Stage&) { ArdoTest3::printOrientation(static_cast<Orientation3>(3), "d"); }},
+	{"Tet default constructor (is actually not called)\nCCTOR of Tet3\n", [](Stage&) { const Tet3 tet; const Tet3 copy(tet); }},
+	{kNullVector, [](Stage& s) { getNormalVector(s.simplex[0], s.simplex[1], Point3(2, 0, 0)); }},
+	{kNullVector + kNullVector, [](Stage& s) { getNormalVector(s.alien, s.alien, s.simplex[0]); }},
+	{"Point3: 9,9,9.5\n", [](Stage& s) { s.alien.debug(); }},
+	{"Bbox3: (0,0,0) -> (1,1,1)\n", [](Stage& s) { Bbox3(s.simplex).debug(); }},
+};
+
+const Line kConditions[] = {
+	{"vTet.empty()", [](Stage& s) { s.tets.push_back(s.pTet); s.engine.getAllTetrahedra(s.tets); }},
+	{"locateResult==-2", [](Stage& s) { s.engine.resolveDuplicate(&s.pVtx, s.pTet, -1); }},
+	{"opp3ICI>-1", [](Stage& s) { s.engine.insertAtHull(&s.pVtx, s.pTet, -1); }},
+	{"pCurTet!=0", [](Stage& s) { s.engine.insertAtHull(&s.pVtx, nullptr, 0); }},
+	{"numStoredTCS==0", [](Stage& s) { s.engine.numStoredTCS = 1; s.engine.insertVertex(&s.pVtx, s.pTet); }},
+	{"vHashCollisions.empty()", [](Stage& s) { s.engine.vHashCollisions.push_back(nullptr); s.engine.insertVertex(&s.pVtx, s.pTet); }},
+	{"!pLastTet->hasBeenVisited", [](Stage& s) { s.pTet->hasBeenVisited = true; s.engine.insert(s.alien); }},
+	{"!pCHTet->hasBeenVisited", [](Stage& s) { s.pTet->hasBeenVisited = true; s.engine.createConeTets({s.pTet}, &s.alien); }},
+	{"pDoomedTet->hasBeenVisited", [](Stage& s) { s.engine.retriangulateDoomedTets({s.pTet}, &s.alien); }},
+	{"false", [](Stage&) { ArdoTest3::getOrientationName(static_cast<Orientation3>(3)); }},
+};
+// clang-format on
+
+} // namespace
+
+TEST(Messages, AreLiteral)
+{
+	for (const Line& line : kPrinted) {
+		Stage stage;
+		EXPECT_EQ(support::printedBy([&] { line.action(stage); }), line.text);
+	}
+	for (const Line& line : kConditions) {
+		Stage stage;
+		EXPECT_EQ(support::conditionFailedBy([&] { line.action(stage); }), line.text);
+	}
+	EXPECT_EQ(nextDebugFilePrefix(), "00000_");
+	EXPECT_EQ(nextDebugFilePrefix(), "00001_");
+	for (int i = 2; i < 100000; ++i) nextDebugFilePrefix();
+	EXPECT_EQ(nextDebugFilePrefix(), "100000_");
+}
+
+TEST(Messages, AFailedConditionNamesItselfAndItsPlaceAndThrows)
+{
+	const std::string place = "MessagesTest.cpp:" + std::to_string(__LINE__ + 1) + "\nthrew";
+	const std::string text = support::printedBy([] { CONDITION_CHECK(1 + 1==3); });
+	EXPECT_EQ(text.rfind("\n      Tulo, , ERROR: Condition [ 1 + 1==3 failed ]\n\n      ", 0), 0U)
+	    << text;
+	EXPECT_NE(text.find(place), std::string::npos) << text;
+	const std::string what =
+	    "\n  TULO EXCEPTION due to a bug _or_ wrong usage of Tulo. If you think it is a \n  bug "
+	    "then please report this incident and it will be fixed quickly: ";
+	EXPECT_EQ(std::string(TuloException().what()).rfind(what, 0), 0U);
+}
+
+TEST(MessagesDeathTest, StopsEndTheProcess)
+{
+	Stage s;
+	Tet3* pNull = nullptr;
+	const auto abnormal = [](int status) { return status != 0; };
+	const auto one = testing::ExitedWithCode(1);
+	// clang-format off
+	EXPECT_EXIT(loudly([&] { goToHell("because"); }), abnormal, "      goToHell, ERROR:  reason: because");
+	EXPECT_EXIT(loudly([&] { s.engine.locateConflictTet(s.pVtx, pNull); }), abnormal, " reason: locateConflictTet");
+	EXPECT_EXIT(loudly([&] { s.engine.triangulate(s.handles, nullptr); }), abnormal, " reason: pLastTet==NULL in Dt3::triangulate");
+	EXPECT_EXIT(loudly([&] { s.engine.predicates.getOrientation3(pNull, 0, s.pVtx); }), abnormal, " reason: getOrientation3, pC==NULL");
+	EXPECT_EXIT(loudly([&] { s.pTet->getIntraTetIndex(s.pTet); }), one, "Tet3::getIntraTetIndex went wrong: Tetrahedron .*(\n.*)*, this is Tetrahedron");
+	EXPECT_EXIT(loudly([&] { s.pTet->getOppVtxInOppTet(1, false); }), one, "      Tet3::getOppVtxInOppTet, ERROR: no neighbor tet");
+	EXPECT_EXIT(loudly([&] { Tet3::haveCommonFacet(s.pTet, 0, s.pTet, 1); }), one, "Tet3::haveCommonFacet\\(\\) ERROR\n(.*\n)*\\.\\.\\.with index 0\n1,2,3\n(.*\n)*\\.\\.\\.with index 1\n0,3,2");
+	// clang-format on
+}

@@ -1,0 +1,87 @@
+// SPDX-License-Identifier: MIT
+// The pools: how they grow, what a reset keeps, and their hard stops.
+#include "ardo_tools/SimplePool.h"
+#include "support.h"
+
+using namespace TULO3D;
+using support::loudly;
+
+// Address sanitizer is to report exhausted memory to the pool as any allocator does.
+extern "C" const char* __asan_default_options()
+{
+	return "allocator_may_return_null=1";
+}
+
+namespace {
+
+struct Large
+{
+	char bytes[1 << 20];
+};
+
+/// A pool that can be filled.
+struct Pool : SimplePool<double>
+{
+	Pool(int first, int growth, int maximum) { init(first, growth, maximum); }
+
+	/// Takes `count` records and writes to each of them.
+	std::vector<double*> take(int count)
+	{
+		std::vector<double*> v;
+		for (int i = 0; i < count; ++i) *v.emplace_back(alloc()) = i;
+		return v;
+	}
+};
+
+} // namespace
+
+TEST(Pool, BlocksGrowAsConfigured)
+{
+	// clang-format off
+	const struct { int first, growth, maximum, count; std::vector<int> sizes; } cases[] = {
+		{4, -1, 1000, 4, {4}}, {4, -1, 1000, 5, {4, 2}}, {4, -1, 1000, 35, {4, 2, 4, 8, 16, 32}},
+		{28, -1, 1000, 99, {28, 14, 28, 56}}, {4, -1, 7, 32, {4, 2, 4, 7, 7, 7, 7}},
+		{20, -1, 7, 30, {20, 7, 7}}, {1024, 512, 7, 2000, {1024, 512, 512}},
+	};
+	// clang-format on
+	for (const auto& c : cases) {
+		Pool pool(c.first, c.growth, c.maximum);
+		const auto records = pool.take(c.count);
+		EXPECT_EQ(pool.vSizes, c.sizes);
+		EXPECT_EQ(pool.blockList.size(), c.sizes.size());
+		for (int i = 0; i < c.count; ++i) ASSERT_EQ(*records[static_cast<std::size_t>(i)], i);
+		EXPECT_EQ(records[3] - records[0], 3) << "consecutive within a block";
+	}
+	EXPECT_EQ(SimplePool<Large>::kMaxBlock, 95) << "100,000,000 bytes";
+}
+
+TEST(Pool, ResetKeepsTheFirstBlockAndGrowthGoesOn)
+{
+	Pool pool(4, -1, 1000);
+	const auto first = pool.take(4);
+	pool.reset();
+	EXPECT_EQ(pool.take(4), first);
+	pool.take(20); // blocks of 2, 4, 8, 16
+	EXPECT_FALSE(pool.pristine);
+	pool.reset();
+	EXPECT_TRUE(pool.pristine && pool.blockList.size() == 1);
+	EXPECT_EQ(pool.take(4), first);
+	pool.take(1);
+	EXPECT_EQ(pool.vSizes, (std::vector<int>{4, 2, 4, 8, 16, 32}));
+}
+
+TEST(Pool, DestructorAnnouncesMoreThanFiftyBlocks)
+{
+	EXPECT_EQ(support::printedBy([] { Pool(1, 1, 1).take(50); }), "");
+	EXPECT_EQ(support::printedBy([] { Pool(1, 1, 1).take(51); }),
+	    "SimplePool::~SimplePool: Number of containers to release: 51\n");
+}
+
+TEST(PoolDeathTest, MisuseAndExhaustionEndTheProcessWithStatusOne)
+{
+	const auto one = testing::ExitedWithCode(1);
+	EXPECT_EXIT(loudly([] { Pool(4, -1, 10).init(4, -1, 10); }), one,
+	    "SimplePool::init\\(..\\), ERROR: This pool is already initialized");
+	EXPECT_EXIT(loudly([] { SimplePool<Large>().init(2147483647, 1, 1); }), one,
+	    "SimplePool::alloc\\(..\\), ERROR: Out of memory, sorry");
+}

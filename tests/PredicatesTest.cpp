@@ -1,0 +1,217 @@
+// SPDX-License-Identifier: MIT
+// Both predicates against the oracle on nearly degenerate cases, stage by stage.
+#include "AdaptiveStages.h"
+#include "oracle.h"
+#include "support.h"
+
+#include <algorithm>
+#include <array>
+#include <cfloat>
+#include <cmath>
+
+using namespace TULO3D;
+using support::Cloud;
+
+namespace {
+
+/// Five points; the first four for an orientation, all for a sphere.
+using Case = std::array<Point3, 5>;
+using Order = std::array<std::size_t, 4>;
+
+/// The case, and once more at either end of the range of exactness. A power of two changes no sign.
+void addScaled(std::vector<Case>& cases, const Case& c)
+{
+	double least = DBL_MAX, largest = 0;
+	for (const Point3& p : c) {
+		for (const double v : {std::fabs(p.x()), std::fabs(p.y()), std::fabs(p.z())}) {
+			least = v != 0 ? std::min(least, v) : least;
+			largest = std::max(largest, v);
+		}
+	}
+	const double low = std::ceil(std::log2(1e-45 / least)),
+	             high = std::floor(std::log2(1e60 / largest));
+	for (const double exponent : {0.0, low, high}) {
+		if (low > high) continue; // already as wide as the range
+		cases.push_back(c);
+		const double s = std::exp2(exponent);
+		for (Point3& p : cases.back()) p = Point3(p.x() * s, p.y() * s, p.z() * s);
+	}
+}
+
+std::vector<Case> makeCases()
+{
+	std::vector<Case> cases;
+	points::Random random(7);
+	for (const points::Family& family : points::families()) {
+		if (family.name == "Denormals") continue; // below the range
+		const Cloud cloud = family.make(400, 1);
+		for (int i = 0; i < 200; ++i) {
+			// Neighbours in the list are close to each other in many families.
+			const auto start = static_cast<std::size_t>(random.below(400));
+			Case c;
+			for (std::size_t k = 0; k < 5; ++k) {
+				c[k] = i % 2 == 0 ? cloud[(start + k) % cloud.size()] : random.of(cloud);
+				if (i % 3 == 0) c[k] = random.nudged(c[k]);
+			}
+			addScaled(cases, c);
+		}
+	}
+	// A map of one-ulp steps around a point exactly on a line, and around one exactly on a sphere.
+	for (int i = 0; i < 625; ++i) {
+		const double u = 0x1p-53 * (i / 25 - 12), v = 0x1p-53 * (i % 25 - 12);
+		cases.push_back({Point3(12, 12, 12), Point3(24, 24, 24), Point3(17, 3, 5),
+		    Point3(0.5 + u, 0.5 + v, 0.5), Point3(1, 2, 3)});
+		cases.push_back({Point3(1, 0, 0), Point3(0, 1, 0), Point3(0, 0, 1), Point3(-1, 0, 0),
+		    Point3(0.6 + u, -0.8 + v, 0)});
+		cases.push_back({Point3(5 + u, 0, 0), Point3(3, 4, 0), Point3(0, 3, 4 + v),
+		    Point3(0, -5, 0), Point3(-4, 0, 3 + 8 * v)});
+	}
+	return cases;
+}
+
+/// The library's results as signs: orient3d and insphere are negative for positive and inside.
+int signOf(double det)
+{
+	return det < 0 ? 1 : det > 0 ? -1 : 0;
+}
+
+int parity(const Order& p)
+{
+	int sign = 1;
+	for (std::size_t i = 0; i < 4; ++i) {
+		for (std::size_t j = 0; j < i; ++j) sign *= p[j] > p[i] ? -1 : 1;
+	}
+	return sign;
+}
+
+/// Counts which stage decides, and holds every stage that claims to be certain against the truth.
+struct Stages
+{
+	void expect(int truth, const ArdoTest3::FastStage& fast, const StageResult& b,
+	    const StageResult& c, double exact)
+	{
+		EXPECT_EQ(fast.bCertain() ? signOf(fast.det) : truth, truth) << "fast stage";
+		EXPECT_EQ(b.bDecided ? signOf(b.det) : truth, truth) << "stage B";
+		EXPECT_EQ(c.bDecided ? signOf(c.det) : truth, truth) << "stage C";
+		EXPECT_EQ(signOf(exact), truth) << "stage D";
+		++numDecided[fast.bCertain() ? 0 : b.bDecided ? 1 : c.bDecided ? 2 : 3];
+	}
+	~Stages()
+	{
+		for (const int n : numDecided) EXPECT_GT(n, 50) << "a stage is not tested";
+	}
+	int numDecided[4] = {};
+};
+
+/// A tetrahedron record outside of any engine.
+struct Loose
+{
+	explicit Loose(std::array<Point3, 4> points) : corners(points), tet(made())
+	{
+		tet.setProperties(&corners[0], &corners[1], &corners[2], &corners[3]);
+	}
+	static Tet3 made()
+	{
+		const support::Capture quiet;
+		return Tet3();
+	}
+	std::array<Point3, 4> corners;
+	Tet3 tet;
+};
+
+} // namespace
+
+TEST(Predicates, ConstantsAreThoseOfAnIeeeDouble)
+{
+	const ArdoTest3 t;
+	EXPECT_EQ(t.splitter, 134217729);
+	EXPECT_EQ(t.epsilon, 0x1p-53);
+	const double e = 0x1p-53, ee = e * e;
+	// clang-format off
+	const std::array<double, 4> bounds[] = {{t.resulterrbound, 3, 8, e},
+		{t.ccwerrboundA, 3, 16, e}, {t.ccwerrboundB, 2, 12, e}, {t.ccwerrboundC, 9, 64, ee},
+		{t.o3derrboundA, 7, 56, e}, {t.o3derrboundB, 3, 28, e}, {t.o3derrboundC, 26, 288, ee},
+		{t.iccerrboundA, 10, 96, e}, {t.iccerrboundB, 4, 48, e}, {t.iccerrboundC, 44, 576, ee},
+		{t.isperrboundA, 16, 224, e}, {t.isperrboundB, 5, 72, e}, {t.isperrboundC, 71, 1408, ee}};
+	// clang-format on
+	for (const auto& [found, a, b, power] : bounds) EXPECT_EQ(found, (a + b * e) * power) << a;
+}
+
+TEST(Predicates, NoProductIsFused)
+{
+	// u * v - v * u is zero when both products are rounded; a fused one leaves what rounding lost.
+	// Fused operations void the error bounds, and with them every stage.
+	const volatile double u = 1 + 0x1p-30, v = 1 + 0x1p-31;
+	const Point3 o(0, 0, 0), a(u, 0, u), b(v, 0, v), c(0, 1, 0), d(0, 2, 0);
+	const ArdoTest3 test;
+	EXPECT_EQ(test.orient3dFast(a, b, c, o).det, 0) << "in the tests";
+	EXPECT_EQ(test.insphereFast(a, b, c, d, o).det, 0) << "in the library";
+}
+
+TEST(Predicates, OrientationIsExactInEveryStage)
+{
+	const ArdoTest3 test;
+	Stages stages;
+	for (const Case& p : makeCases()) {
+		const int truth = oracle::orientation(p[0], p[1], p[2], p[3]);
+		const auto fast = test.orient3dFast(p[0], p[1], p[2], p[3]);
+		const Orient3dRows rows(p[0], p[1], p[2], p[3]);
+		const StageResult b = orient3dStageB(test, rows, fast.permanent);
+		stages.expect(truth, fast, b, orient3dStageC(test, rows, fast.permanent, b.det),
+		    orient3dExact(test, rows));
+		Order o{0, 1, 2, 3};
+		do {
+			const Orientation3 expected[] = {
+			    ORIENTATION3_NEGATIVE, ORIENTATION3_COPLANAR, ORIENTATION3_POSITIVE};
+			ASSERT_EQ(test.getOrientation3(&p[o[0]], &p[o[1]], &p[o[2]], &p[o[3]]),
+			    expected[1 + truth * parity(o)]);
+		} while (std::next_permutation(o.begin(), o.end()));
+	}
+}
+
+TEST(Predicates, InSphereIsExactInEveryStage)
+{
+	const ArdoTest3 test;
+	Stages stages;
+	for (Case p : makeCases()) {
+		const int orientation = oracle::orientation(p[0], p[1], p[2], p[3]);
+		if (orientation == 0) continue;
+		if (orientation < 0) std::swap(p[0], p[1]);
+		const int truth = oracle::inSphere(p[0], p[1], p[2], p[3], p[4]);
+		const auto fast = test.insphereFast(p[0], p[1], p[2], p[3], p[4]);
+		const InsphereRows rows(p[0], p[1], p[2], p[3], p[4]);
+		const StageResult b = insphereStageB(test, rows, fast.permanent);
+		stages.expect(truth, fast, b, insphereStageC(test, rows, fast.permanent, b.det),
+		    insphereExact(test, p[0], p[1], p[2], p[3], p[4]));
+
+		// Deliberate: on the sphere is outside, but the coordinates of a corner are inside.
+		Loose t({p[0], p[1], p[2], p[3]});
+		const bool bCorner = t.tet.hasVertex(p[4]);
+		Order order{0, 1, 2, 3};
+		do {
+			for (std::size_t i = 0; i < 4; ++i)
+				t.tet.setCorner(static_cast<int>(i), &t.corners[order[i]]);
+			const bool bInside = truth * parity(order) > 0 || bCorner;
+			ASSERT_EQ(test.sphereInclusionTest(&t.tet, &p[4]), bInside ? SIC_INSIDE : SIC_OUTSIDE);
+		} while (std::next_permutation(order.begin(), order.end()));
+	}
+}
+
+TEST(Predicates, SignsFollowTheStatedConventions)
+{
+	const ArdoTest3 test;
+	const Loose t({Point3(0, 0, 0), Point3(1, 0, 0), Point3(0, 1, 0), Point3(0, 0, 1)});
+	const Point3 beyond[] = {{1, 1, 1}, {-1, 0, 0}, {0, -1, 0}, {0, 0, -1}},
+	             centroid(0.25, 0.25, 0.25);
+	for (int i = 0; i < 4; ++i) {
+		EXPECT_EQ(test.getOrientation3(&t.tet, i, t.tet.getCorner(i)), ORIENTATION3_POSITIVE);
+		EXPECT_EQ(test.getOrientation3(&t.tet, i, &centroid), ORIENTATION3_POSITIVE);
+		EXPECT_EQ(test.getOrientation3(&t.tet, i, &beyond[i]), ORIENTATION3_NEGATIVE);
+		EXPECT_EQ(
+		    test.getOrientation3(&t.tet, i, t.tet.getCorner((i + 1) % 4)), ORIENTATION3_COPLANAR);
+	}
+	const std::pair<Point3, SphereInclusion> spheres[] = {{{0.5, 0.5, 0.5}, SIC_INSIDE},
+	    {{1, 1, 1}, SIC_OUTSIDE}, {{2, 2, 2}, SIC_OUTSIDE}, {t.corners[0], SIC_INSIDE}};
+	for (const auto& [q, expected] : spheres)
+		EXPECT_EQ(test.sphereInclusionTest(&t.tet, &q), expected);
+}

@@ -1,0 +1,250 @@
+#!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
+"""Runs the program tulo3d on files made here: ProgramTest.py PROGRAM [TEST...]
+
+Every format in and out, bad and cut input, exit statuses, and what goes to which stream.
+"""
+import json
+import os
+import pty
+import random
+import resource
+import shutil
+import struct
+import subprocess
+import sys
+import tempfile
+import unittest
+from pathlib import Path
+
+PROGRAM = sys.argv.pop(1)
+MESHIO_TOOL = Path(__file__).parent.parent / "tools" / "read_with_meshio.py"
+
+random.seed(3)
+POINTS = [(random.gauss(0, 1), random.random() / 3, random.uniform(-2e6, 2e6)) for _ in range(40)]
+RASTER = [tuple(0.01 * k + 2e6 for k in random.sample(range(-5000, 5000), 3)) for _ in range(40)]
+FACES = [(0, 1, 2), (3, 4, 15)]
+
+
+def lines(points, sep=" ", end="\n", head="", numbered=None, tail=""):
+    rows = (sep.join(map(repr, p)) + tail + end for p in points)
+    return head + "".join(row if numbered is None else f"{numbered + i} {row}" for i, row in enumerate(rows))
+
+
+def ply(kind, order=None):
+    head = (f"ply\nformat {kind} 1.0\ncomment x y z\nelement vertex {len(POINTS)}\nproperty uchar red\n"
+            "property double x\nproperty list uchar short extra\nproperty double y\nproperty float64 z\n"
+            f"element face {len(FACES)}\nproperty list uchar int vertex_indices\nend_header\n").encode()
+    if order is None:
+        return (head.decode() + "".join(f"7 {x!r} 2 8 9 {y!r} {z!r}\n" for x, y, z in POINTS)
+                + "".join("3 %d %d %d\n" % face for face in FACES)).encode()
+    return (head + b"".join(struct.pack(order + "BdBhhdd", 7, x, 2, 8, 9, y, z) for x, y, z in POINTS)
+            + b"".join(struct.pack(order + "Biii", 3, *face) for face in FACES))
+
+
+def las(minor=2, compressed=0):
+    size = 375 if minor == 4 else 227
+    head = bytearray(size)
+    head[:4] = b"LASF"
+    struct.pack_into("<BB", head, 24, 1, minor)
+    legacy = 0 if minor == 4 else len(RASTER)
+    struct.pack_into("<HIIBHI", head, 94, size, size + 5, 0, compressed, 20, legacy)
+    struct.pack_into("<6d", head, 131, *[0.01] * 3, *[2e6] * 3)
+    if minor == 4:
+        struct.pack_into("<Q", head, 247, len(RASTER))
+    return bytes(head) + b"extra" + b"".join(
+        struct.pack("<iii8x", *(round((c - 2e6) * 100) for c in p)) for p in RASTER)
+
+
+CSV = "".join(f"{i},{z!r}, {x!r} ,+{abs(y)!r}\n" for i, (x, y, z) in enumerate(POINTS))
+OFF = "# a comment\n{} {} 0\n" + lines(POINTS, tail=" 0.5 0.5 0.5") + "\n3 0 1 2\n3 3 4 15\n"
+FORMATS = {  # name: content; all hold POINTS, the LAS files RASTER
+    "blanks.xyz": lines(POINTS, "\t  ", head="\ufeff# made here\n// also a comment\n\n", tail=" 255 # end"),
+    "semicolons.txt": lines(POINTS, " ; ", "\r\n"), "counted.pts": lines(POINTS, head="40\n", tail=" 9"),
+    "columns.CSV": 'id,"Z",X,y\n' + CSV, "bare": lines(POINTS)[:-1],
+    "ascii.ply": ply("ascii"), "little.ply": ply("binary_little_endian", "<"),
+    "big.ply": ply("binary_big_endian", ">"), "magic.dat": ply("binary_big_endian", ">"),
+    "v.obj": "mtllib a.mtl\n" + lines(POINTS, head="v ", end="\nvn 0 0 1\nv ")[:-2] + "f 1//1 2//1 3//1\n",
+    "n.off": "COFF\n" + OFF.format(40, 2), "oneline.dat": "OFF " + OFF[12:].format(40, 2),
+    "zero.node": "40 3 1 1\n" + lines(POINTS, numbered=0, tail=" 0.5 17"),
+    "one.node": "# c\n40  3  0  1\n" + lines(POINTS, numbered=1, tail="  17") + "# end\n",
+    "v12.las": las(), "v14.las": las(4),
+}
+FOUR = "0 0 0\n1 0 0\n0 1 0\n"
+BAD = [  # name, content, exit status, what standard error says
+    ("a.xyz", FOUR + "0 0 1,5\n", 3, "a.xyz:4: '0 0 1' is not a number"),
+    ("a.csv", FOUR.replace(" ", ",") + "0,x7,1\n", 3, "a.csv:4: 'x7' is not a number"),
+    ("a.csv", "easting,northing,up\n1,2,3\n", 3, "a.csv:1: 'easting' is not a number"),
+    ("a.xyz", FOUR + "\n# c\n0 0\n", 3, "a.xyz:6: z is missing"),
+    ("a.xyz", FOUR + "0 0 nan\n", 3, "a.xyz:4: a coordinate is not a finite number"),
+    ("a.xyz", FOUR + "0 0 -1e61\n", 3, "a.xyz:4: a coordinate is larger than 1e60"),
+    ("a.xyz", FOUR + "0 0 1e999\n", 3, "a.xyz:4: '1e999' is outside the range of a double"),
+    ("a.pts", "3\n" + FOUR + "0 0 1\n", 3, "a.pts:5: more points than the 3 announced"),
+    ("a.obj", "v 1 2\n", 3, "a.obj:1: z is missing"), ("a.stl", FOUR, 3, "extension .stl"),
+    ("a.off", "OFF\n3 1 0\n" + FOUR + "3 0 1 3\n", 3, "a.off:6: a corner names no vertex"),
+    ("a.off", "4OFF\n", 3, "a.off:1: only points of three coordinates"),
+    ("a.node", "3 2 0 0\n", 3, "a.node:1: the dimension is not 3"),
+    ("a.node", "2 3 0 0\n1 0 0 0\n3 0 0 1\n", 3, "a.node:3: the indices of the points are not consecutive"),
+    ("a.ply", "plx\n", 3, "a.ply:1: this is not a PLY file"),
+    ("a.ply", "ply\nformat ascii 1.0\nelement vertex 1\nproperty float x\nend_header\n1\n", 3, "x, y and z"),
+    ("a.ply", "ply\nformat ascii 1.0\nelement vertex 1\nproperty real x\n", 3, "a.ply:4: 'real' is not a type"),
+    ("a.ply", ply("binary_little_endian", "<").replace(b"vertex 40", b"vertex 9999999999999999"), 3, "cut short"),
+    ("a.las", las(2, 131), 3, "compressed"), ("a.las", las()[:200], 3, "its header is not complete"),
+    ("a.las", las()[:230], 3, "cut short: there are no points"),
+    ("a.xyz", FOUR + FOUR, 4, "fewer than 4 distinct points (3)"), ("a.xyz", "", 4, "fewer than 4"),
+    ("a.xyz", FOUR + "3 7 0\n", 4, "all 4 distinct points lie in one plane"),
+]
+
+
+def run(*args, **options):
+    return subprocess.run([PROGRAM, *map(str, args)], capture_output=True, timeout=60, **options)
+
+
+def readNodes(path):
+    return [tuple(map(float, row.split()[1:])) for row in path.read_text().splitlines()[1:]]
+
+
+class ProgramCase(unittest.TestCase):
+    def setUp(self):
+        self.folder = Path(tempfile.mkdtemp())
+        self.addCleanup(shutil.rmtree, self.folder)
+        self.mesh = self.folder / "mesh.node"
+
+    def write(self, name, content):
+        path = self.folder / name
+        path.write_bytes(content if isinstance(content, bytes) else content.encode())
+        return path
+
+
+class Program(ProgramCase):
+    def testEveryFormatIsReadToTheLastBit(self):
+        for name, content in FORMATS.items():
+            with self.subTest(name):
+                done = run(self.write(name, content), "-o", self.mesh, "-q")
+                self.assertEqual((done.returncode, done.stdout, done.stderr), (0, b"", b""))
+                points = [(x, abs(y), z) for x, y, z in POINTS] if name == "columns.CSV" else POINTS
+                self.assertEqual(readNodes(self.mesh), RASTER if name.endswith("las") else points)
+
+    def testBadInputIsReportedWithItsPlaceAndStatus(self):
+        for name, content, status, text in BAD:
+            with self.subTest(text):
+                done = run(self.write(name, content), "-o", self.mesh)
+                self.assertEqual((done.returncode, done.stdout), (status, b""))
+                self.assertIn(text, done.stderr.decode())
+                self.assertFalse(self.mesh.exists())
+
+    def testAFileCutAnywhereGivesAnErrorOrNoPointLess(self):
+        for name in ("counted.pts", "ascii.ply", "little.ply", "big.ply", "n.off", "one.node", "v12.las", "v14.las"):
+            whole = FORMATS[name] if isinstance(FORMATS[name], bytes) else FORMATS[name].encode()
+            for length in [*range(8, len(whole), len(whole) // 40), *range(len(whole) - 9, len(whole))]:
+                done = run(self.write(name, whole[:length]), "-o", self.mesh, "--no-check")
+                with self.subTest(name, length=length, stderr=done.stderr):
+                    if done.returncode == 0 and "las" not in name:
+                        self.assertEqual(readNodes(self.mesh), POINTS)
+                    else:
+                        self.assertEqual(done.returncode, 3)
+
+    def testACommandLineThatCannotWorkIsRefusedBeforeTheWork(self):
+        points = self.write("a.off", FORMATS["n.off"])
+        for args, text in ((["--nonsense"], "--nonsense"), ([points, "-o", "m.stl"], "m.stl: no output format"),
+                           ([points, "-o", points], "would replace the input"), ([points, "-q", "-v"], "--quiet"),
+                           ([points, "-f", "stl"], "stl"), ([points, "--check", "--no-check"], "--check")):
+            with self.subTest(text):
+                done = run(*args)
+                self.assertEqual((done.returncode, done.stdout), (2, b""))
+                self.assertIn(text, done.stderr.decode())
+
+    def testResultsGoToStandardOutputAndEverythingElseDoesNot(self):
+        points = lines(POINTS + POINTS[:3]).encode()
+        done = run("-", "--json", "-v", "--check", input=points)
+        facts = json.loads(done.stdout)
+        self.assertIn(b"numPoints=43", done.stderr)
+        self.assertEqual([facts[k] for k in ("file", "points", "distinctVertices", "repeatedPoints", "valid")],
+                         ["-", 43, 40, 3, True])
+        text = run("--stats", input=points)
+        rows = {row[:20].strip(): row[21:] for row in text.stdout.decode().splitlines()}
+        self.assertEqual(int(rows["tetrahedra"].replace(",", "")), facts["tetrahedra"])
+        self.assertEqual((rows["points"], rows["valid"], text.stderr), ("43", "yes", b""))
+        self.assertIsNone(json.loads(run("--json", "--no-check", input=points).stdout)["valid"])
+        self.assertIn(b"cut short", run(input=points[:-1]).stderr)
+        with open("/dev/full", "w") as full:
+            self.assertEqual(subprocess.run([PROGRAM], input=points, stdout=full, stderr=subprocess.DEVNULL).returncode, 5)
+
+    def testProgressIsShownOnATerminalOnly(self):
+        points = self.write("a.xyz", lines(POINTS))
+        for quiet, shown in ([], True), (["-q"], False):
+            master, slave = pty.openpty()
+            subprocess.run([PROGRAM, points, *quiet], stdout=subprocess.DEVNULL, stderr=slave, check=True)
+            os.write(slave, b"|")
+            self.assertEqual(b"inserting 40 points" in os.read(master, 4096), shown)
+            os.close(master), os.close(slave)
+
+    def testOutputIsCompleteOrNotThereAtAll(self):
+        points = self.write("a.xyz", lines(POINTS))
+        def limit():
+            resource.setrlimit(resource.RLIMIT_FSIZE, (1000, 1000))
+        for name in ("m.vtu", "m.ele", "m.off", "m.list"):
+            with self.subTest(name):
+                target = self.write(name, "old")
+                done = run(points, "-o", target, preexec_fn=limit, restore_signals=False)
+                self.assertEqual((done.returncode, target.read_text()), (5, "old"), done.stderr)
+                self.assertEqual(run(points, "-o", target).returncode, 0)
+                self.assertNotEqual(target.read_text("latin-1"), "old")
+        self.assertEqual(run(points, "-o", self.folder / "none" / "m.vtu").returncode, 5)
+        (self.folder / "link.off").symlink_to("m.off")
+        self.assertEqual(run(points, "-o", self.folder / "link.off", "-o", self.folder / "m.oogl").returncode, 0)
+        self.assertTrue((self.folder / "link.off").is_symlink())
+        self.assertEqual([p.name for p in self.folder.glob(".*")], [])
+
+    def testTheWrittenNeighboursAndHullFitTogether(self):
+        facts = json.loads(run("--json", "-o", self.mesh, "-o", self.folder / "hull.off",
+                               "-o", self.folder / "m.list", input=lines(POINTS).encode()).stdout)
+        tets, neighbours = ([tuple(map(int, row.split()[1:])) for row in self.mesh.with_suffix(s).read_text()
+                             .splitlines()[1:]] for s in (".ele", ".neigh"))
+        for t, row in enumerate(neighbours):
+            for i, n in enumerate(row):
+                facet = set(tets[t]) - {tets[t][i]}
+                self.assertTrue(n < 0 or (t in neighbours[n] and facet < set(tets[n])))
+        self.assertEqual(sum(row.count(-1) for row in neighbours), facts["hullFacets"])
+        hull = [row.split() for row in (self.folder / "hull.off").read_text().splitlines()[2:]]
+        corners = [tuple(map(float, row)) for row in hull[:facts["hullVertices"]]]
+        volume = 0
+        for _, *facet in hull[len(corners):]:
+            a, b, c = (corners[int(i)] for i in facet)
+            volume += sum(a[i] * (b[i - 2] * c[i - 1] - b[i - 1] * c[i - 2]) for i in range(3)) / 6
+        self.assertAlmostEqual(volume / facts["hullVolume"], 1)  # outward, and closed
+        drawing = (self.folder / "m.list").read_text()
+        self.assertEqual(drawing.count("OFF"), 4 * facts["tetrahedra"])
+
+
+class CommaLocale(ProgramCase):
+    def testACommaLocaleChangesNothing(self):
+        if shutil.which("localedef") is None or subprocess.run(
+                ["localedef", "-i", "de_DE", "-f", "UTF-8", self.folder / "de_DE.UTF-8"], capture_output=True).returncode:
+            self.skipTest("no German locale can be made here (Debian package locales)")
+        german = dict(os.environ, LC_ALL="de_DE.UTF-8", LOCPATH=str(self.folder))
+        done = run("--json", "-o", self.mesh, input=lines(POINTS).encode(), env=german)
+        self.assertEqual((json.loads(done.stdout)["points"], readNodes(self.mesh)), (40, POINTS))
+
+
+class Meshio(ProgramCase):
+    def testMeshioReadsWhatIsWritten(self):
+        pythons = [p for p in (sys.executable, "/usr/bin/python3")
+                   if subprocess.run([p, "-c", "import meshio"], capture_output=True).returncode == 0]
+        if not pythons:
+            self.skipTest("meshio is not installed (Debian package python3-meshio)")
+        files = [self.folder / ("m" + s) for s in (".vtu", ".ele", ".off")]
+        facts = json.loads(run("--json", *(a for f in files for a in ("-o", f)),
+                               input=lines(POINTS[:1] + POINTS).encode()).stdout)
+        read = subprocess.run([pythons[0], MESHIO_TOOL, *files], capture_output=True, check=True)
+        grid, tetgen, hull = json.loads(read.stdout)
+        for mesh in grid, tetgen:
+            self.assertEqual(mesh["points"], [list(p) for p in POINTS])
+            self.assertEqual(mesh["cells"], {"tetra": facts["tetrahedra"]})
+            self.assertAlmostEqual(mesh["volume"] / facts["hullVolume"], 1)
+        self.assertEqual(grid["pointData"]["inputIndex"], [0, *range(2, 41)])
+        self.assertEqual(hull["cells"], {"triangle": facts["hullFacets"]})
+
+
+if __name__ == "__main__":
+    unittest.main()
