@@ -1,0 +1,60 @@
+// SPDX-License-Identifier: MIT
+// The stream buffer that std::cout gets for the time of a run.
+#include "LibraryMessages.h"
+
+#include <cstdio>
+#include <iostream>
+
+namespace app {
+
+namespace {
+
+bool isTrouble(const std::string& text)
+{
+	for (const char* mark : {"ERROR", "WARNING", "Condition [", "not open"})
+		if (text.find(mark) != std::string::npos) return true;
+	return false;
+}
+
+} // namespace
+
+LibraryMessages::LibraryMessages(bool bPass) : bPassing(bPass), pFormer(std::cout.rdbuf(this))
+{
+}
+
+LibraryMessages::~LibraryMessages()
+{
+	std::cout.rdbuf(pFormer);
+	release();
+}
+
+void LibraryMessages::release()
+{
+	std::fwrite(held.data(), 1, held.size(), stderr);
+	std::fflush(stderr);
+	held.clear();
+}
+
+LibraryMessages::int_type LibraryMessages::overflow(int_type c)
+{
+	if (!traits_type::eq_int_type(c, traits_type::eof())) held += traits_type::to_char_type(c);
+	return traits_type::not_eof(c);
+}
+
+std::streamsize LibraryMessages::xsputn(const char* pText, std::streamsize num)
+{
+	held.append(pText, static_cast<std::size_t>(num));
+	return num;
+}
+
+// The library flushes at the end of every message.
+int LibraryMessages::sync()
+{
+	if (!bPassing) bPassing = isTrouble(held);
+	if (bPassing) release();
+	// Notices are few; a flood of them is cut, so that it costs neither memory nor time.
+	if (held.size() > 65536) held.erase(0, held.size() - 32768);
+	return 0;
+}
+
+} // namespace app

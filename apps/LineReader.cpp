@@ -1,0 +1,158 @@
+// SPDX-License-Identifier: MIT
+// Splitting a text into lines, fields and numbers.
+#include "LineReader.h"
+
+#include "Errors.h"
+#include "Progress.h"
+
+#include <charconv>
+#include <system_error>
+
+namespace app {
+
+namespace {
+
+constexpr std::string_view kBlanks = " \t\r\v\f";
+
+std::string_view trimmed(std::string_view text)
+{
+	const auto first = text.find_first_not_of(kBlanks);
+	if (first == std::string_view::npos) return {};
+	return text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
+}
+
+template <class T>
+bool parseWhole(std::string_view field, T& value, std::errc& problem)
+{
+	const auto [end, ec] = std::from_chars(field.data(), field.data() + field.size(), value);
+	problem = ec;
+	return ec == std::errc() && end == field.data() + field.size();
+}
+
+// A plus sign is common in data and unknown to from_chars.
+std::string_view withoutPlus(std::string_view field)
+{
+	const bool bPlus = field.size() > 1 && field[0] == '+' && field[1] != '-';
+	return bPlus ? field.substr(1) : field;
+}
+
+} // namespace
+
+bool parse(std::string_view field, double& value)
+{
+	std::errc problem;
+	return parseWhole(withoutPlus(field), value, problem);
+}
+
+bool parse(std::string_view field, std::size_t& value)
+{
+	std::errc problem;
+	return parseWhole(field, value, problem);
+}
+
+std::string quoted(std::string_view field)
+{
+	std::string text = "'";
+	for (const char c : field.substr(0, 40)) text += c >= ' ' && c <= '~' ? c : '?';
+	return text + (field.size() > 40 ? "...'" : "'");
+}
+
+LineReader::LineReader(const Source& wholeSource) : source(wholeSource)
+{
+	if (source.text.compare(0, 3, "\xEF\xBB\xBF") == 0) offset = 3; // byte order mark
+}
+
+bool LineReader::step()
+{
+	const std::string_view text = source.text;
+	if (offset >= text.size()) return false;
+	const auto end = std::min(text.find('\n', offset), text.size());
+	line = text.substr(offset, end - offset);
+	offset = std::min(end + 1, text.size());
+	if (++lineNumber % 65536 == 0) source.progress.update("reading", offset, text.size());
+	return true;
+}
+
+bool LineReader::next()
+{
+	while (step()) {
+		line = trimmed(line.substr(0, line.find('#')));
+		rest = line;
+		if (line.empty()) continue;
+		// A number that was cut in its middle still looks like a number.
+		if (isOpenEnded())
+			source.progress.warn(where() +
+			    "the last line has no line end; if the file was cut short, "
+			    "the last number is wrong");
+		return true;
+	}
+	return false;
+}
+
+void LineReader::require(const std::string& missing)
+{
+	if (!next()) fail("the file is cut short: " + missing + " missing");
+}
+
+std::string_view LineReader::field()
+{
+	std::string_view found;
+	if (separator == ' ') {
+		rest.remove_prefix(std::min(rest.find_first_not_of(kBlanks), rest.size()));
+		found = rest.substr(0, rest.find_first_of(kBlanks));
+		rest.remove_prefix(found.size());
+	} else {
+		found = rest.substr(0, rest.find(separator));
+		rest.remove_prefix(std::min(found.size() + 1, rest.size()));
+		found = trimmed(found);
+	}
+	return found;
+}
+
+bool LineReader::atLineEnd() const
+{
+	return rest.find_first_not_of(kBlanks) == rest.npos;
+}
+
+double LineReader::number(const char* what)
+{
+	const auto text = field();
+	if (text.empty()) fail(std::string(what) + " is missing");
+	double value = 0;
+	std::errc problem;
+	if (parseWhole(withoutPlus(text), value, problem)) return value;
+	const bool bRange = problem == std::errc::result_out_of_range;
+	fail(quoted(text) + (bRange ? " is outside the range of a double" : " is not a number"));
+}
+
+std::size_t LineReader::count(const char* what)
+{
+	const auto text = field();
+	if (text.empty()) fail(std::string(what) + " is missing");
+	std::size_t value = 0;
+	if (!parse(text, value)) fail(quoted(text) + " is not a count (" + what + ")");
+	return value;
+}
+
+void LineReader::point(PointList& points)
+{
+	const double x = number("x"), y = number("y"), z = number("z");
+	add(points, x, y, z);
+}
+
+void LineReader::add(PointList& points, double x, double y, double z) const
+{
+	if (const char* reason = points.add(x, y, z)) fail(reason);
+}
+
+void LineReader::fail(const std::string& reason) const
+{
+	throw Failure(kBadInput, where() + reason);
+}
+
+std::string LineReader::where() const
+{
+	return source.name + ":" + std::to_string(lineNumber) + ": ";
+}
+
+} // namespace app

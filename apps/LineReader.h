@@ -1,0 +1,70 @@
+// SPDX-License-Identifier: MIT
+// Walks over a text line by line and field by field, and names the line of whatever is wrong.
+#pragma once
+
+#include "Reader.h"
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+namespace app {
+
+/// Lines that are blank or hold nothing but a comment are passed over; '#' starts a comment
+/// anywhere. Numbers are read with `std::from_chars`, so no locale changes what a file means.
+class LineReader
+{
+public:
+	explicit LineReader(const Source& source);
+
+	/// Steps to the next line with content; false at the end of the text.
+	bool next();
+	/// `next`, where the text must not end: "the file is cut short: " and what is missing.
+	void require(const std::string& missing);
+
+	/// Fields are separated by blanks and tabs, unless a character is set here: then by exactly that
+	/// one, and blanks around a field are dropped.
+	void setSeparator(char c) { separator = c; }
+
+	/// The current line, without its comment.
+	std::string_view getLine() const { return line; }
+	/// The next field of the line; empty when there is none.
+	std::string_view field();
+	/// Goes back to the first field.
+	void rewind() { rest = line; }
+	bool atLineEnd() const;
+	/// True when the text ends without ending this line: it may have been cut here.
+	bool isOpenEnded() const { return offset == source.text.size() && source.text.back() != '\n'; }
+
+	/// The next field as a number or a count; `what` names it when it is missing or wrong.
+	double number(const char* what);
+	std::size_t count(const char* what);
+	/// Reads the next three fields as a point.
+	void point(PointList& points);
+	void add(PointList& points, double x, double y, double z) const;
+
+	/// Throws a failure that names file and line.
+	[[noreturn]] void fail(const std::string& reason) const;
+
+	/// Where the text after the current line starts.
+	std::size_t getOffset() const { return offset; }
+
+private:
+	bool step();
+	std::string where() const;
+
+	const Source& source;
+	std::string_view line;
+	std::string_view rest;
+	std::size_t offset = 0;
+	std::size_t lineNumber = 0;
+	char separator = ' ';
+};
+
+/// The field as it may be shown in a message: printable and not too long.
+std::string quoted(std::string_view field);
+/// Reads the whole of `field` as a number or a count; false when it is none.
+bool parse(std::string_view field, double& value);
+bool parse(std::string_view field, std::size_t& value);
+
+} // namespace app

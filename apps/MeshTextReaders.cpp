@@ -1,0 +1,76 @@
+// SPDX-License-Identifier: MIT
+// The vertices of the mesh formats that are text: OBJ, OFF and TetGen .node.
+#include "LineReader.h"
+
+namespace app {
+
+namespace {
+
+void requireOne(LineReader& lines, const char* what, std::size_t index, std::size_t num)
+{
+	lines.require(
+	    std::string(what) + std::to_string(index + 1) + " of " + std::to_string(num) + " is");
+}
+
+void readOffHeader(LineReader& lines)
+{
+	lines.require("the word OFF is");
+	const std::string_view word = lines.field();
+	if (word.size() < 3 || word.substr(word.size() - 3) != "OFF")
+		lines.fail("this is not an OFF file: it starts with " + quoted(word));
+	if (word.find_first_of("4n") != word.npos)
+		lines.fail("only points of three coordinates are read, not " + quoted(word));
+	if (lines.getLine().find("BINARY") != word.npos) lines.fail("binary OFF is not read");
+	if (lines.atLineEnd()) lines.require("the line with the counts is");
+}
+
+} // namespace
+
+// Faces, normals, groups and materials say nothing about where the points are.
+void readObj(const Source& source, PointList& points)
+{
+	LineReader lines(source);
+	while (lines.next())
+		if (lines.field() == "v") lines.point(points);
+}
+
+// The faces are read too, because only they show that nothing is cut.
+void readOff(const Source& source, PointList& points)
+{
+	LineReader lines(source);
+	readOffHeader(lines);
+	const std::size_t numVertices = lines.count("the number of vertices");
+	const std::size_t numFaces = lines.count("the number of faces");
+	for (std::size_t i = 0; i < numVertices; ++i) {
+		requireOne(lines, "vertex ", i, numVertices);
+		lines.point(points);
+	}
+	for (std::size_t i = 0; i < numFaces; ++i) {
+		requireOne(lines, "face ", i, numFaces);
+		for (std::size_t left = lines.count("the number of corners"); left > 0; --left)
+			if (lines.count("a corner") >= numVertices) lines.fail("a corner names no vertex");
+	}
+}
+
+void readNode(const Source& source, PointList& points)
+{
+	LineReader lines(source);
+	lines.require("the line with the counts is");
+	const std::size_t num = lines.count("the number of points");
+	if (lines.count("the dimension") != 3) lines.fail("the dimension is not 3");
+	const std::size_t numAttributes =
+	    lines.atLineEnd() ? 0 : lines.count("the number of attributes");
+	const std::size_t numMarkers = lines.atLineEnd() ? 0 : lines.count("the number of markers");
+	for (std::size_t i = 0, firstIndex = 0; i < num; ++i) {
+		requireOne(lines, "point ", i, num);
+		const std::size_t index = lines.count("the index of a point");
+		if (i == 0) firstIndex = index;
+		if (index != firstIndex + i) lines.fail("the indices of the points are not consecutive");
+		lines.point(points);
+		for (std::size_t k = 0; k < numAttributes + numMarkers; ++k)
+			lines.number("an attribute or a boundary marker");
+	}
+	if (lines.next()) lines.fail("more points than the " + std::to_string(num) + " announced");
+}
+
+} // namespace app

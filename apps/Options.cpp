@@ -1,0 +1,57 @@
+// SPDX-License-Identifier: MIT
+// The options with their help texts.
+#include "Options.h"
+
+#include "Errors.h"
+#include "Progress.h"
+#include "Reader.h"
+
+#include <CLI/CLI.hpp>
+
+namespace app {
+
+namespace {
+
+const char* const kFooter =
+    R"(Input: XYZ, CSV, TXT and PTS text, PLY, OBJ, OFF, uncompressed LAS, TetGen .node
+Exit status: 0 done, 1 the library gave up, 2 wrong command line, 3 bad input,
+             4 no four points span space, 5 output not written, 6 mesh not valid
+Example: tulo3d scan.ply -o mesh.vtu --check --stats)";
+
+} // namespace
+
+std::optional<int> parseCommandLine(int argc, char** argv, Options& options)
+{
+	CLI::App cli(
+	    "Triangulates points in space: the Delaunay tetrahedralization of a file.", "tulo3d");
+	cli.footer(kFooter);
+	cli.set_version_flag("--version", TULO3D::getTulo3DVersion());
+	cli.add_option("FILE", options.file, "The points; - is standard input");
+	cli.add_option("-f,--format", options.format, "Read FILE as this, whatever it is called")
+	    ->check(CLI::IsMember(getFormatNames()));
+	cli.add_option("-o,--output", options.vOutputs,
+	       "Write the mesh, as the extension says: .vtu (ParaView), .node/.ele/.neigh (TetGen, all "
+	       "three), .off (the hull), .list/.oogl (Geomview). May be repeated")
+	    ->allow_extra_args(false);
+	bool bCheckAll = false, bNoCheck = false;
+	auto* pCheck = cli.add_flag("--check", bCheckAll,
+	    "Check all links, the hull and the Euler relation too, not only the empty spheres");
+	cli.add_flag("--no-check", bNoCheck, "Do not check the mesh at all")->excludes(pCheck);
+	cli.add_flag("--stats", options.bStatistics, "Print more: box, volume, hull, times");
+	cli.add_flag("--json", options.bJson, "Print everything as one JSON object");
+	auto* pQuiet = cli.add_flag("-q,--quiet", options.bQuiet,
+	    "No progress, no warnings, and no summary unless --stats or --json asks for it");
+	cli.add_flag("-v,--verbose", options.bVerbose, "Show the library's messages on standard error")
+	    ->excludes(pQuiet);
+	try {
+		cli.parse(argc, argv);
+		if (cli.count("FILE") == 0 && isTerminal(stdin)) throw CLI::RequiredError("FILE");
+	} catch (const CLI::ParseError& error) {
+		return cli.exit(error) == 0 ? kDone : kWrongUse;
+	}
+	if (bCheckAll) options.check = Check::kAll;
+	if (bNoCheck) options.check = Check::kNone;
+	return std::nullopt;
+}
+
+} // namespace app

@@ -1,0 +1,29 @@
+// SPDX-License-Identifier: MIT
+// The command line of the program.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace app {
+
+enum class Check { kNone, kGeometry, kAll };
+
+struct Options
+{
+	std::string file = "-";
+	std::string format;
+	std::vector<std::string> vOutputs;
+	Check check = Check::kGeometry;
+	bool bStatistics = false;
+	bool bJson = false;
+	bool bQuiet = false;
+	bool bVerbose = false;
+};
+
+/// Reads the arguments. Returns the exit status when there is nothing more to do: after a text that
+/// was asked for, or after a mistake, which is printed.
+std::optional<int> parseCommandLine(int argc, char** argv, Options& options);
+
+} // namespace app

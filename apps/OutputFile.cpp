@@ -1,0 +1,98 @@
+// SPDX-License-Identifier: MIT
+// Writing under a temporary name, and renaming at the end.
+#include "OutputFile.h"
+
+#include "Errors.h"
+
+#include <cerrno>
+#include <charconv>
+#include <cstring>
+#include <random>
+
+namespace fs = std::filesystem;
+
+namespace app {
+
+namespace {
+
+constexpr std::size_t kBufferSize = std::size_t{1} << 20;
+
+#ifdef _WIN32
+constexpr const char* kNewFile = "wb";
+#else
+constexpr const char* kNewFile = "wbx"; // never an existing file, nor through somebody's link
+#endif
+
+} // namespace
+
+OutputFile::OutputFile(const fs::path& wanted) : target(wanted), pFile(nullptr)
+{
+	std::error_code ec;
+	// A link keeps being one: the file that it leads to is replaced.
+	if (fs::exists(target, ec)) target = fs::canonical(target, ec);
+	if (fs::exists(target, ec) && !fs::is_regular_file(target, ec)) fail("this is no regular file");
+	temporary = target;
+	temporary.replace_filename(
+	    "." + target.filename().string() + "." + std::to_string(std::random_device()()) + ".part");
+	pFile = std::fopen(temporary.string().c_str(), kNewFile);
+	if (!pFile) fail(std::strerror(errno));
+	buffer.reserve(kBufferSize + 64);
+}
+
+OutputFile::~OutputFile()
+{
+	if (pFile) std::fclose(pFile);
+	std::error_code ec;
+	if (!temporary.empty()) fs::remove(temporary, ec);
+}
+
+void OutputFile::text(std::string_view s)
+{
+	buffer.append(s);
+	if (buffer.size() >= kBufferSize) flush();
+}
+
+void OutputFile::number(double value)
+{
+	char aText[32];
+	const auto end = std::to_chars(aText, aText + sizeof(aText), value).ptr;
+	text({aText, static_cast<std::size_t>(end - aText)});
+}
+
+void OutputFile::number(std::uint64_t value)
+{
+	char aText[32];
+	const auto end = std::to_chars(aText, aText + sizeof(aText), value).ptr;
+	text({aText, static_cast<std::size_t>(end - aText)});
+}
+
+void OutputFile::flush()
+{
+	if (std::fwrite(buffer.data(), 1, buffer.size(), pFile) != buffer.size())
+		fail(std::strerror(errno));
+	buffer.clear();
+}
+
+void OutputFile::close()
+{
+	flush();
+	std::FILE* const pClosing = pFile;
+	pFile = nullptr;
+	if (std::fclose(pClosing) != 0) fail(std::strerror(errno));
+}
+
+void OutputFile::commit()
+{
+	if (pFile) close();
+	std::error_code ec;
+	fs::rename(temporary, target, ec);
+	if (ec) fail(ec.message());
+	temporary.clear();
+}
+
+void OutputFile::fail(const std::string& reason) const
+{
+	throw Failure(kNotWritten, target.string() + ": cannot be written: " + reason);
+}
+
+} // namespace app

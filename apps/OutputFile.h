@@ -1,0 +1,50 @@
+// SPDX-License-Identifier: MIT
+// A file that appears under its name only once it is complete.
+#pragma once
+
+#include <cstdint>
+#include <cstdio>
+#include <filesystem>
+#include <string>
+#include <string_view>
+
+namespace app {
+
+/// Writes to a temporary name in the folder of the target; `commit` gives it the target's name.
+/// Without that the target stays as it was and the temporary file is removed. Every failure throws.
+class OutputFile
+{
+public:
+	explicit OutputFile(const std::filesystem::path& target);
+	~OutputFile();
+	OutputFile(const OutputFile&) = delete;
+	OutputFile& operator=(const OutputFile&) = delete;
+
+	void text(std::string_view s);
+	/// The shortest text that gives the same double again, in every locale.
+	void number(double value);
+	void number(std::uint64_t value);
+	/// The bytes of a value as this machine holds them.
+	template <class T>
+	void binary(const T& value)
+	{
+		text({reinterpret_cast<const char*>(&value), sizeof(T)});
+	}
+
+	/// Writes out what is pending and closes the temporary file.
+	void close();
+	void commit();
+
+	const std::filesystem::path& getTemporaryName() const { return temporary; }
+
+private:
+	[[noreturn]] void fail(const std::string& reason) const;
+	void flush();
+
+	std::filesystem::path target;
+	std::filesystem::path temporary;
+	std::FILE* pFile;
+	std::string buffer;
+};
+
+} // namespace app

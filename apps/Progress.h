@@ -1,0 +1,53 @@
+// SPDX-License-Identifier: MIT
+// What a person sees on the terminal while a run lasts, and the warnings.
+#pragma once
+
+#include <chrono>
+#include <condition_variable>
+#include <cstddef>
+#include <cstdio>
+#include <mutex>
+#include <string>
+#include <thread>
+
+namespace app {
+
+/// True when a person sits at the other end.
+bool isTerminal(std::FILE* pFile);
+
+/// One line on standard error that is written over and over, and only when that is a terminal.
+class Progress
+{
+public:
+	/// Quiet: neither progress nor warnings.
+	explicit Progress(bool bQuiet);
+	~Progress() { stop(); }
+	Progress(const Progress&) = delete;
+	Progress& operator=(const Progress&) = delete;
+
+	/// Shows how much of `total` is done, at most ten times a second; a total of 0 is unknown.
+	void update(const char* what, std::size_t done, std::size_t total);
+
+	/// Shows `what` and the seconds since this call until `stop`. The library reports no share of an
+	/// insertion that is done, so none is invented here.
+	void start(const std::string& what);
+	/// Wipes the line.
+	void stop();
+
+	void warn(const std::string& text);
+
+private:
+	using Clock = std::chrono::steady_clock;
+	void show(const std::string& text);
+
+	const bool bWarn;
+	const bool bShow;
+	bool bLineShown = false;
+	Clock::time_point lastUpdate{};
+	std::thread ticker;
+	std::mutex mutex;
+	std::condition_variable stopped;
+	bool bStop = false;
+};
+
+} // namespace app

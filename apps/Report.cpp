@@ -1,0 +1,157 @@
+// SPDX-License-Identifier: MIT
+// Collecting the facts of a run, each once, in both of the forms in which it can be printed.
+#include "Report.h"
+
+#include <charconv>
+#include <vector>
+
+using TULO3D::Point3;
+using TULO3D::Tet3;
+
+namespace app {
+
+namespace {
+
+// A fact with its JSON name, its label for a person, and its value as each of them reads it.
+struct Fact
+{
+	const char* key;
+	const char* label;
+	std::string json;
+	std::string text;
+};
+
+template <class... Format>
+std::string decimal(double value, Format... format)
+{
+	char aText[400];
+	const auto end = std::to_chars(aText, aText + sizeof(aText), value, format...).ptr;
+	return {aText, end};
+}
+
+Fact count(const char* key, const char* label, std::size_t value)
+{
+	std::string text = std::to_string(value);
+	for (std::size_t i = text.size(); i > 3; i -= 3) text.insert(i - 3, ",");
+	return {key, label, std::to_string(value), text};
+}
+
+Fact seconds(const char* key, const char* label, double value)
+{
+	const std::string text = decimal(value, std::chars_format::fixed, 3);
+	return {key, label, decimal(value), text};
+}
+
+Fact number(const char* key, const char* label, double value)
+{
+	return {key, label, decimal(value), decimal(value, std::chars_format::general, 6)};
+}
+
+Fact corner(const char* key, const char* label, const Point3& p)
+{
+	const std::string x = decimal(p.x()), y = decimal(p.y()), z = decimal(p.z());
+	return {key, label, "[" + x + ", " + y + ", " + z + "]", x + " " + y + " " + z};
+}
+
+Fact validity(const Measured& measured)
+{
+	if (!measured.bChecked) return {"valid", "valid", "null", "not checked"};
+	return {"valid", "valid", measured.bValid ? "true" : "false", measured.bValid ? "yes" : "no"};
+}
+
+std::string jsonText(const std::string& text)
+{
+	static const char* const kHex = "0123456789abcdef";
+	std::string quoted = "\"";
+	for (const char c : text) {
+		if (c == '"' || c == '\\') quoted += '\\';
+		const auto code = static_cast<unsigned char>(c);
+		if (code < 32)
+			(quoted += "\\u00") += {kHex[code / 16], kHex[code % 16]};
+		else
+			quoted += c;
+	}
+	return quoted + "\"";
+}
+
+double volume(const Tet3* pTet)
+{
+	Point3 *p0, *p1, *p2, *p3;
+	pTet->getCorners(p0, p1, p2, p3);
+	const auto a = *p1 - *p0, b = *p2 - *p0, c = *p3 - *p0;
+	return ((a.y() * b.z() - a.z() * b.y()) * c.x() + (a.z() * b.x() - a.x() * b.z()) * c.y() +
+	           (a.x() * b.y() - a.y() * b.x()) * c.z()) /
+	    6;
+}
+
+std::size_t numHullVertices(const Mesh& mesh)
+{
+	std::vector<bool> vOnHull(mesh.vVertices.size());
+	forEachHullFacet(mesh, [&](const Tet3* pTet, int ith) {
+		for (const auto* pVtx : facetCorners(pTet, ith).aVtx)
+			vOnHull[static_cast<std::size_t>(pVtx->customIndex)] = true;
+	});
+	std::size_t num = 0;
+	for (const bool bOnHull : vOnHull) num += bOnHull ? 1 : 0;
+	return num;
+}
+
+std::vector<Fact> basicFacts(const Measured& measured, const Mesh& mesh)
+{
+	const auto points = static_cast<double>(measured.numPoints);
+	const double rate = measured.insertSeconds > 0 ? points / measured.insertSeconds : 0;
+	return {{"file", "file", jsonText(measured.file), measured.file},
+	    count("points", "points", measured.numPoints),
+	    count("distinctVertices", "distinct vertices", mesh.vVertices.size()),
+	    count("tetrahedra", "tetrahedra", mesh.vTets.size()),
+	    count("hullFacets", "hull facets", mesh.numHullFacets),
+	    seconds("insertSeconds", "seconds to insert", measured.insertSeconds),
+	    count("pointsPerSecond", "points per second", static_cast<std::size_t>(rate)),
+	    validity(measured)};
+}
+
+std::vector<Fact> statistics(const Measured& measured, const Mesh& mesh)
+{
+	TULO3D::Bbox3 box;
+	for (const auto* pVtx : mesh.vVertices) box.add(*pVtx);
+	double total = 0;
+	for (const auto* pTet : mesh.vTets) total += volume(pTet);
+	const auto numVertices = static_cast<double>(mesh.vVertices.size());
+	return {count("repeatedPoints", "repeated points", measured.numPoints - mesh.vVertices.size()),
+	    count("hullVertices", "hull vertices", numHullVertices(mesh)),
+	    count("facets", "facets", (4 * mesh.vTets.size() + mesh.numHullFacets) / 2),
+	    number("tetrahedraPerVertex", "tetrahedra a vertex", // each counts for its four corners
+	        4 * static_cast<double>(mesh.vTets.size()) / numVertices),
+	    number("hullVolume", "hull volume", total), corner("boxMin", "box from", box.getMinPoint()),
+	    corner("boxMax", "box to", box.getMaxPoint()),
+	    seconds("readSeconds", "seconds to read", measured.readSeconds),
+	    seconds("checkSeconds", "seconds to check", measured.checkSeconds)};
+}
+
+} // namespace
+
+std::string reportText(const Measured& measured, const Mesh& mesh, bool bStatistics)
+{
+	auto vFacts = basicFacts(measured, mesh);
+	if (bStatistics)
+		for (auto& fact : statistics(measured, mesh)) vFacts.push_back(std::move(fact));
+	std::string text;
+	for (const auto& fact : vFacts) {
+		std::string label = fact.label;
+		label.resize(20, ' ');
+		text += label + " " + fact.text + "\n";
+	}
+	return text;
+}
+
+std::string reportJson(const Measured& measured, const Mesh& mesh)
+{
+	auto vFacts = basicFacts(measured, mesh);
+	for (auto& fact : statistics(measured, mesh)) vFacts.push_back(std::move(fact));
+	std::string json;
+	for (const auto& fact : vFacts)
+		json += (json.empty() ? "{\n  \"" : ",\n  \"") + std::string(fact.key) + "\": " + fact.json;
+	return json + "\n}\n";
+}
+
+} // namespace app

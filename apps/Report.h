@@ -1,0 +1,29 @@
+// SPDX-License-Identifier: MIT
+// What a run has to tell: the lines for a person, the statistics, and the same as JSON.
+#pragma once
+
+#include "Mesh.h"
+
+#include <string>
+
+namespace app {
+
+/// The measurements of a run.
+struct Measured
+{
+	std::string file;
+	std::size_t numPoints = 0;
+	double readSeconds = 0;
+	/// The insertion alone: neither reading nor checking nor writing.
+	double insertSeconds = 0;
+	double checkSeconds = 0;
+	bool bChecked = false;
+	bool bValid = false;
+};
+
+/// A line for each fact; `bStatistics` adds those that take a walk over the mesh.
+std::string reportText(const Measured& measured, const Mesh& mesh, bool bStatistics);
+/// One JSON object with every fact, statistics included.
+std::string reportJson(const Measured& measured, const Mesh& mesh);
+
+} // namespace app

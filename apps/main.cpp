@@ -1,0 +1,138 @@
+// SPDX-License-Identifier: MIT
+// The program tulo3d: reads points, triangulates them, checks the mesh, writes it and reports.
+#include "Errors.h"
+#include "LibraryMessages.h"
+#include "Options.h"
+#include "Progress.h"
+#include "Reader.h"
+#include "Report.h"
+#include "Writer.h"
+
+#include <chrono>
+#include <cstdio>
+#include <filesystem>
+#include <new>
+
+using TULO3D::Point3;
+using TULO3D::Tulo_3D;
+
+namespace app {
+
+namespace {
+
+// The seconds that `work` takes.
+template <class Work>
+double timed(Work work)
+{
+	const auto start = std::chrono::steady_clock::now();
+	work();
+	return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+}
+
+// A mistake in the names is found before the work, not after it.
+void checkOutputNames(const Options& options)
+{
+	for (const auto& output : options.vOutputs)
+		for (const auto& file : getOutputFiles(output)) {
+			std::error_code ec;
+			if (std::filesystem::equivalent(file, options.file, ec))
+				throw Failure(kWrongUse, file.string() + ": the output would replace the input");
+		}
+}
+
+void requireMesh(const std::string& file, const Tulo_3D& triangulation, const Mesh& mesh)
+{
+	if (triangulation.is3D()) return;
+	const std::size_t num = mesh.vVertices.size();
+	throw Failure(kNoMesh,
+	    file + ": no mesh: " +
+	        (num < 4 ? "fewer than 4 distinct points (" + std::to_string(num) + ")"
+	                 : "all " + std::to_string(num) + " distinct points lie in one plane"));
+}
+
+bool isValid(Tulo_3D& triangulation, const Mesh& mesh, const Options& options)
+{
+	if (!triangulation.checkValidity(options.file, true)) return false;
+	const char* reason = options.check == Check::kAll ? findBrokenLink(mesh) : nullptr;
+	if (reason) std::fprintf(stderr, "tulo3d: %s: %s\n", options.file.c_str(), reason);
+	return !reason;
+}
+
+void print(const std::string& text)
+{
+	if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size() || std::fflush(stdout) != 0)
+		throw Failure(kNotWritten, "standard output: cannot be written");
+}
+
+ExitStatus run(const Options& options, LibraryMessages& messages)
+{
+	checkOutputNames(options);
+	Progress progress(options.bQuiet);
+	Measured measured;
+	measured.file = options.file;
+
+	std::vector<Point3> vPoints;
+	measured.readSeconds =
+	    timed([&] { vPoints = readPoints(options.file, options.format, progress); });
+	measured.numPoints = vPoints.size();
+
+	Tulo_3D triangulation;
+	triangulation.setVerbosity(options.bVerbose);
+	std::vector<Point3*> vHandles;
+	progress.start("inserting " + std::to_string(measured.numPoints) + " points");
+	measured.insertSeconds = timed([&] { triangulation.insert(vPoints, vHandles); });
+	std::vector<Point3>().swap(vPoints);
+	const Mesh mesh = makeMesh(triangulation, vHandles);
+	std::vector<Point3*>().swap(vHandles);
+	requireMesh(options.file, triangulation, mesh);
+
+	measured.bChecked = options.check != Check::kNone;
+	if (measured.bChecked) {
+		progress.start("checking " + std::to_string(mesh.vTets.size()) + " tetrahedra");
+		measured.checkSeconds =
+		    timed([&] { measured.bValid = isValid(triangulation, mesh, options); });
+	}
+	const bool bBroken = measured.bChecked && !measured.bValid;
+	for (const auto& output : options.vOutputs) {
+		if (bBroken) break;
+		progress.start("writing " + output);
+		writeMesh(triangulation, mesh, output);
+	}
+	progress.stop();
+
+	if (options.bJson)
+		print(reportJson(measured, mesh));
+	else if (options.bStatistics || !options.bQuiet)
+		print(reportText(measured, mesh, options.bStatistics));
+	if (bBroken)
+		throw Failure(kNotValid, options.file + ": the mesh is not valid; no output was written");
+	messages.dismiss();
+	return kDone;
+}
+
+} // namespace
+
+} // namespace app
+
+int main(int argc, char** argv)
+{
+	app::Options options;
+	if (const auto status = app::parseCommandLine(argc, argv, options)) return *status;
+	// Static, so that it speaks even when the library ends the process.
+	static app::LibraryMessages messages(options.bVerbose);
+	const auto fail = [](const char* text, app::ExitStatus status) {
+		if (status == app::kLibraryGaveUp || status == app::kNotValid) messages.release();
+		messages.dismiss();
+		std::fprintf(stderr, "tulo3d: %s\n", text);
+		return status;
+	};
+	try {
+		return app::run(options, messages);
+	} catch (const app::Failure& failure) {
+		return fail(failure.what(), failure.status);
+	} catch (const std::bad_alloc&) {
+		return fail("out of memory", app::kLibraryGaveUp);
+	} catch (const std::exception& error) {
+		return fail(error.what(), app::kLibraryGaveUp);
+	}
+}
