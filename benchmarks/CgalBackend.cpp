@@ -1,0 +1,88 @@
+// SPDX-License-Identifier: MIT
+// The benchmark's way to CGAL's Delaunay_triangulation_3: the ordinary one and the one that keeps a
+// hierarchy of triangulations for faster location.
+#include "Backend.h"
+
+#include <CGAL/Delaunay_triangulation_3.h>
+#include <CGAL/Exact_predicates_inexact_constructions_kernel.h>
+
+#include <iterator>
+#include <vector>
+
+namespace {
+
+using Kernel = CGAL::Exact_predicates_inexact_constructions_kernel;
+
+std::vector<Kernel::Point_3> converted(const points::Cloud& cloud)
+{
+	std::vector<Kernel::Point_3> v;
+	v.reserve(cloud.size());
+	for (const TULO3D::Point3& p : cloud) v.emplace_back(p.x(), p.y(), p.z());
+	return v;
+}
+
+template <class Delaunay>
+class CgalBackend : public Backend
+{
+public:
+	void takePoints(points::Cloud&& cloud) override { takeInto(vPoints, cloud); }
+	void takeQueries(points::Cloud&& cloud) override { takeInto(vQueries, cloud); }
+
+	void build() override { delaunay.insert(vPoints.begin(), vPoints.end()); }
+
+	void insertOneByOne() override
+	{
+		for (const auto& p : vPoints) delaunay.insert(p);
+	}
+
+	std::size_t locate() override
+	{
+		std::size_t num = 0;
+		for (const auto& p : vQueries) num += delaunay.is_infinite(delaunay.locate(p)) ? 0 : 1;
+		return num;
+	}
+
+	std::size_t listTets() override
+	{
+		std::vector<typename Delaunay::Cell_handle> vCells;
+		for (auto it = delaunay.finite_cells_begin(); it != delaunay.finite_cells_end(); ++it) {
+			vCells.push_back(it);
+		}
+		return vCells.size();
+	}
+
+	std::size_t collectStars() override
+	{
+		std::vector<typename Delaunay::Cell_handle> vStar;
+		std::size_t num = 0;
+		for (const auto vertex : delaunay.finite_vertex_handles()) {
+			vStar.clear();
+			delaunay.finite_incident_cells(vertex, std::back_inserter(vStar));
+			num += vStar.size();
+		}
+		return num;
+	}
+
+	std::size_t numVertices() const override { return delaunay.number_of_vertices(); }
+	std::size_t numTets() const override { return delaunay.number_of_finite_cells(); }
+
+private:
+	using Points = std::vector<Kernel::Point_3>;
+
+	static void takeInto(Points& v, points::Cloud& cloud)
+	{
+		v = converted(cloud);
+		points::Cloud().swap(cloud);
+	}
+
+	Delaunay delaunay;
+	Points vPoints, vQueries;
+};
+
+using Plain = CGAL::Delaunay_triangulation_3<Kernel>;
+using Fast = CGAL::Delaunay_triangulation_3<Kernel, CGAL::Fast_location>;
+
+const RegisteredBackend<CgalBackend<Plain>> registered("cgal");
+const RegisteredBackend<CgalBackend<Fast>> registeredFast("cgal-fast");
+
+} // namespace

@@ -1,0 +1,72 @@
+// SPDX-License-Identifier: MIT
+// The benchmark's way to this library, through the public interface.
+#include "Backend.h"
+#include "Tulo_3D.h"
+
+#include <utility>
+#include <vector>
+
+using TULO3D::Point3;
+using TULO3D::Tet3;
+
+namespace {
+
+class OurBackend : public Backend
+{
+public:
+	OurBackend() { triangulation.setVerbosity(false); }
+
+	void takePoints(points::Cloud&& cloud) override { vPoints = std::move(cloud); }
+	void takeQueries(points::Cloud&& cloud) override { vQueries = std::move(cloud); }
+
+	void build() override { triangulation.insert(vPoints); }
+
+	void insertOneByOne() override
+	{
+		for (Point3& p : vPoints) triangulation.insert(p);
+	}
+
+	std::size_t locate() override
+	{
+		std::size_t num = 0;
+		for (const Point3& p : vQueries) num += triangulation.locate(p) != nullptr ? 1 : 0;
+		return num;
+	}
+
+	std::size_t listTets() override { return numTets(); }
+
+	std::size_t collectStars() override
+	{
+		std::vector<Point3*> vVertices;
+		triangulation.getVertices(vVertices);
+		std::vector<Tet3*> vStar;
+		std::size_t num = 0;
+		for (Point3* pVtx : vVertices) {
+			triangulation.getTetsAroundVertex(pVtx, vStar);
+			num += vStar.size();
+		}
+		return num;
+	}
+
+	std::size_t numVertices() const override
+	{
+		std::vector<Point3*> vVertices;
+		triangulation.getVertices(vVertices);
+		return vVertices.size();
+	}
+
+	std::size_t numTets() const override
+	{
+		std::vector<Tet3*> vTets;
+		triangulation.getTetrahedra(vTets);
+		return vTets.size();
+	}
+
+private:
+	TULO3D::Tulo_3D triangulation;
+	std::vector<Point3> vPoints, vQueries;
+};
+
+const RegisteredBackend<OurBackend> registered("ours");
+
+} // namespace

@@ -1,0 +1,195 @@
+#!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
+"""Compares this library with CGAL and, where they are installed, TetGen and Qhull.
+
+Every measurement is a process of its own, pinned to one core. The libraries of a row take turns,
+forwards and backwards, and a ratio is made of two neighbouring measurements, so that a machine that
+slows down hurts both. All measurements go to a CSV file; the table shows medians.
+"""
+import argparse
+import collections
+import csv
+import datetime
+import json
+import os
+import pathlib
+import platform
+import resource
+import statistics
+import subprocess
+import sys
+
+REFERENCE = "cgal"
+BUILDERS = ["ours", "cgal", "tetgen", "qhull"]
+LOCATORS = ["ours", "cgal", "cgal-fast"]
+READERS = ["ours", "cgal"]
+
+# operation, workload, number of points, libraries, the most that we may take as a multiple of CGAL
+Row = collections.namedtuple("Row", "operation workload n libraries goal repeat", defaults=[1])
+TABLE = [
+    Row("build", "uniform", 1000000, BUILDERS, 0.50),
+    Row("build", "clusters", 1000000, BUILDERS, 0.62),
+    Row("build", "outliers", 1000000, BUILDERS, 0.73),
+    Row("build", "terrain", 1000000, BUILDERS, 0.75),
+    Row("build", "helix", 100000, BUILDERS, 0.75),
+    Row("build", "FILE", 0, BUILDERS, 0.70),
+    Row("build", "sphere", 1000000, BUILDERS, 0.80),
+    Row("build", "grid", 1000000, BUILDERS, 0.60),
+    Row("single", "uniform", 100000, LOCATORS, 0.50),
+    Row("locate", "uniform", 100000, LOCATORS, 0.24),
+    Row("list", "uniform", 100000, READERS, None, 20),
+    Row("stars", "uniform", 100000, READERS, 1.0, 5),
+    # Hard on the curve that orders the vertices.
+    Row("build", "pipe", 100000, BUILDERS, None),
+    Row("build", "box", 100000, BUILDERS, None),
+    Row("build", "flat", 100000, BUILDERS, None),
+    Row("build", "twoclusters", 100000, BUILDERS, None),
+]
+SWEEP = [Row("build", "uniform", int(m * 10**e), BUILDERS, None)
+         for e in range(3, 7) for m in (1, 3)] + [Row("build", "uniform", 10**7, BUILDERS, None)]
+QHULL_LIMIT = 10**6  # above, Qhull needs more memory than most machines have
+
+
+def machine():
+    """The processor's name."""
+    for line in pathlib.Path("/proc/cpuinfo").read_text(encoding="utf-8").splitlines():
+        if line.startswith("model name"):
+            return line.split(":", 1)[1].strip()
+    return platform.machine()
+
+
+def measure(options, row, library, cpu_limit=None):
+    """One measurement as a dictionary; None when the library fails or takes too long."""
+    command = ["taskset", "-c", str(options.core), options.bench, "--library", library,
+               "--operation", row.operation, "--seed", str(options.seed),
+               "--repeat", str(row.repeat)]
+    if row.workload == "FILE":
+        command += ["--file", options.file]
+    else:
+        command += ["--workload", row.workload, "--n", str(max(1000, int(row.n * options.scale)))]
+
+    def limit():
+        if cpu_limit:
+            seconds = int(cpu_limit) + 2
+            resource.setrlimit(resource.RLIMIT_CPU, (seconds, seconds + 1))
+
+    done = subprocess.run(command, stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True,
+                          check=False, preexec_fn=limit)
+    lines = [line for line in done.stdout.splitlines() if line.startswith("{")]
+    if done.returncode != 0 or not lines:
+        sys.stderr.write(f"  {library}: no result ({done.returncode}) {done.stderr[-200:]}\n")
+        return None
+    return json.loads(lines[-1])
+
+
+def run_row(options, row, available, write):
+    """All rounds of a row: for each library the list of (measurement, ratio to the reference)."""
+    libraries = [name for name in row.libraries if name in available]
+    results = {name: [] for name in libraries}
+    gave_up = set()
+    rounds = options.rounds * (4 if row.n and row.n * options.scale <= 10000 else 1)
+    for number in range(rounds):
+        order = libraries if number % 2 == 0 else libraries[::-1]
+        # The two that the ratio is about stay neighbours, the reference first or second in turn.
+        order = sorted(order, key=lambda name: name not in ("ours", REFERENCE))
+        measured = {}
+        for name in order:
+            if name in gave_up or (name == "qhull" and row.n * options.scale > QHULL_LIMIT):
+                continue
+            reference = measured.get(REFERENCE)
+            peer = name not in ("ours", REFERENCE)
+            cpu_limit = options.give_up * reference["seconds"] if peer and reference else None
+            result = measure(options, row, name, cpu_limit)
+            if result is None:
+                gave_up.add(name)
+                continue
+            measured[name] = result
+        for name, result in measured.items():
+            ratio = None
+            if REFERENCE in measured:
+                ratio = result["seconds"] / measured[REFERENCE]["seconds"]
+            results[name].append((result, ratio))
+            write(row, number, result, ratio)
+    return results, gave_up
+
+
+def describe(row, results, gave_up, give_up):
+    """The line of the table."""
+    any_result = next(r for runs in results.values() for r, _ in runs)
+    cells = [f"{row.operation} {any_result['workload']} {any_result['n']:,}"]
+    for name in ("cgal", "ours", "cgal-fast", "tetgen", "qhull"):
+        if name in gave_up:
+            cells.append(f"gave up, or > {give_up:g}")
+        elif not results.get(name):
+            cells.append("")
+        else:
+            seconds = statistics.median(r["seconds"] for r, _ in results[name])
+            peak = statistics.median(r["peak_kb"] for r, _ in results[name]) / 1024
+            ratios = [ratio for _, ratio in results[name] if ratio is not None]
+            text = f"{seconds:.4g} s" if name in ("cgal", "ours") else ""
+            if name != REFERENCE and ratios:
+                text += f" {statistics.median(ratios):.2f}"
+                if name == "ours":
+                    text += f" ({min(ratios):.2f}-{max(ratios):.2f})"
+            cells.append(f"{text.strip()}, {peak:.0f} MB")
+    cells.append("" if row.goal is None else f"{row.goal:.2f}")
+    counts = {name: runs[0][0]["tets"] for name, runs in results.items() if runs}
+    cells.append(f"{any_result['tets']:,}" if len(set(counts.values())) == 1 else
+                 " ".join(f"{name} {num:,}" for name, num in counts.items()))
+    return "| " + " | ".join(cells) + " |"
+
+
+def main():
+    here = pathlib.Path(__file__).resolve().parent
+    parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
+    parser.add_argument("--bench", default=str(here.parent / "build/release/benchmarks/tulo3d_bench"))
+    parser.add_argument("--file", help="real points for the row that reads a file")
+    parser.add_argument("--libraries", help="only these, with commas between")
+    parser.add_argument("--rows", help="only rows with one of these words, commas between")
+    parser.add_argument("--sweep", action="store_true",
+                        help="instead of the table: uniform points, 1,000 to 10,000,000")
+    parser.add_argument("--rounds", type=int, default=3)
+    parser.add_argument("--core", type=int, default=os.cpu_count() - 1)
+    parser.add_argument("--seed", type=int, default=1)
+    parser.add_argument("--scale", type=float, default=1.0, help="multiplies the numbers of points")
+    parser.add_argument("--give-up", type=float, default=40,
+                        help="stop TetGen and Qhull at this multiple of CGAL's time")
+    parser.add_argument("--csv", default="benchmark.csv")
+    options = parser.parse_args()
+
+    available = subprocess.run([options.bench, "--libraries"], stdout=subprocess.PIPE, text=True,
+                               check=True).stdout.split()
+    if options.libraries:
+        available = [name for name in available if name in options.libraries.split(",")]
+    rows = SWEEP if options.sweep else TABLE
+    if options.rows:
+        words = options.rows.split(",")
+        rows = [r for r in rows if any(w in (r.operation, r.workload) for w in words)]
+    if not options.file:
+        rows = [r for r in rows if r.workload != "FILE"]
+
+    when = datetime.datetime.now().isoformat(timespec="seconds")
+    with open(options.csv, "w", newline="", encoding="utf-8") as file:
+        writer = None
+
+        def write(row, number, result, ratio):
+            nonlocal writer
+            record = {"date": when, "machine": machine(), "kernel": platform.release(),
+                      "round": number, "goal": row.goal, "ratio": ratio, **result}
+            if writer is None:
+                writer = csv.DictWriter(file, record.keys())
+                writer.writeheader()
+            writer.writerow(record)
+            file.flush()
+
+        print(f"{machine()}, core {options.core}, {when}, medians of {options.rounds} rounds\n")
+        print("| workload | CGAL | ours | CGAL fast location | TetGen | Qhull | at most | tets |")
+        print("| --- " * 8 + "|", flush=True)
+        for row in rows:
+            results, gave_up = run_row(options, row, available, write)
+            if any(results.values()):
+                print(describe(row, results, gave_up, options.give_up), flush=True)
+
+
+if __name__ == "__main__":
+    main()
