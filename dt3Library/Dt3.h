@@ -49,10 +49,18 @@ struct FacetSides
 /// What lies around a tetrahedron of the cavity; in the sets, bit i stands for neighbour i.
 struct CavityBorder
 {
-	Tet3* pNeigh[4];   ///< the tetrahedron itself stands in where there is none
-	unsigned conflict; ///< neighbours that are to join the cavity
-	unsigned boundary; ///< facets between the cavity and what stays, or the hull
+	Tet3* pNeigh[4];      ///< the tetrahedron itself stands in where there is none
+	NeighbourBatch batch; ///< its corners, and those of the neighbours beyond its facets
+	unsigned conflict;    ///< neighbours that are to join the cavity
+	unsigned boundary;    ///< facets between the cavity and what stays, or the hull
 	unsigned positive; ///< facets that are known to have the vertex strictly on the cavity's side
+};
+
+/// A tetrahedron of the cavity whose neighbours are still to be tested.
+struct CavityTet
+{
+	Tet3* pTet;
+	const Point3* pApex; ///< its corner beyond the facet through which it was found
 };
 
 /// A facet between the cavity and what stays, or the hull.
@@ -253,8 +261,8 @@ private:
 	void storeCollision(TwoTetStruct* pHalf);
 	TwoTetStruct* takeCollision(const Tet3* pTet, const Point3* key0, const Point3* key1);
 
-	NeighbourTest neighbourTest;      ///< the variant for this CPU
-	ScratchArray<Tet3*> vCavityStack; ///< cavity tetrahedra whose neighbours are still to be tested
+	NeighbourTest neighbourTest; ///< the variant for this CPU
+	ScratchArray<CavityTet> vCavityStack;
 	ScratchArray<CavityFacet> vCavityFacets;
 	FlatWitness flatWitness;
 	StarLinker star;               ///< the tetrahedra that the current insertion makes

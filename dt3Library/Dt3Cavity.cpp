@@ -58,7 +58,7 @@ Tet3* Dt3::insertVertex(Point3** ppVtx, Tet3* pStartTet)
 
 void Dt3::lookAround(Tet3* pTet, const Point3* pVtx, CavityBorder& border) const
 {
-	NeighbourBatch batch;
+	NeighbourBatch& batch = border.batch;
 	const std::uintptr_t corners = mixOfCorners(*pTet);
 	unsigned exists = 0;
 	unsigned visited = 0;
@@ -91,15 +91,18 @@ void Dt3::carveCavity(const Point3* pVtx, Tet3* pStartTet)
 {
 	vCavityFacets.clear();
 	vCavityStack.makeRoom(1);
-	vCavityStack.push(pStartTet); // the walk has seen that the vertex lies in it
+	vCavityStack.push({pStartTet, pStartTet->getCorner(0)}); // the walk has ended in it
+	for (int i = 1; i < 4; ++i) star.announce(pStartTet->getCorner(i));
 	// The mark is never cleared on a dead record; setProperties does that when it is reused.
 	pStartTet->hasBeenVisited = true;
 
 	// Depth first and facets 3 to 0: this fixes the order in which the new tetrahedra are made.
 	CavityBorder border;
 	while (!vCavityStack.empty()) {
-		Tet3* pTet = vCavityStack.pop();
+		const auto [pTet, pApex] = vCavityStack.pop();
 		markTetDead(pTet);
+		star.announce(pApex);
+		if (!vCavityStack.empty()) prefetchNeighbours(*vCavityStack.top().pTet);
 		lookAround(pTet, pVtx, border);
 		vCavityStack.makeRoom(4);
 		vCavityFacets.makeRoom(4);
@@ -107,8 +110,7 @@ void Dt3::carveCavity(const Point3* pVtx, Tet3* pStartTet)
 			const bool bJoins = (border.conflict >> i & 1U) != 0;
 			const bool bStays = (border.boundary >> i & 1U) != 0;
 			border.pNeigh[i]->hasBeenVisited |= bJoins;
-			vCavityStack.pushIf(bJoins, border.pNeigh[i]);
-			if (bJoins) prefetchNeighbours(*border.pNeigh[i]);
+			vCavityStack.pushIf(bJoins, {border.pNeigh[i], border.batch.opposite[i]});
 			vCavityFacets.pushIf(bStays, {pTet, i, (border.positive >> i & 1U) != 0});
 		}
 	}
@@ -130,8 +132,8 @@ Tet3* Dt3::closeFacet(const CavityFacet& facet, Point3* pVtx)
 Tet3* Dt3::replaceCavity(Point3* pVtx, Tet3* pStartTet)
 {
 	swapDeadAndRecycled();
-	carveCavity(pVtx, pStartTet);
 	star.clear();
+	carveCavity(pVtx, pStartTet);
 	Tet3* pLastTet = nullptr;
 	for (const CavityFacet& facet : vCavityFacets) pLastTet = closeFacet(facet, pVtx);
 	linkClosedStar();

@@ -83,17 +83,17 @@ void Dt3::doom(Tet3* pTet, std::vector<Tet3*>& vDoomedTets)
 void Dt3::growDoomed(const Point3* pVtx, std::vector<Tet3*>& vDoomedTets)
 {
 	vCavityStack.makeRoom(vDoomedTets.size());
-	for (Tet3* pTet : vDoomedTets) vCavityStack.push(pTet);
+	for (Tet3* pTet : vDoomedTets) vCavityStack.push({pTet, nullptr});
 	CavityBorder border;
 	while (!vCavityStack.empty()) {
-		Tet3* pCurTet = vCavityStack.pop();
+		Tet3* pCurTet = vCavityStack.pop().pTet;
 		vCavityStack.makeRoom(4);
 		CONDITION_CHECK(pCurTet!=0);
 		lookAround(pCurTet, pVtx, border);
 		for (int i = 0; i < 4; ++i) {
 			if ((border.conflict >> i & 1U) == 0) continue;
 			doom(border.pNeigh[i], vDoomedTets);
-			vCavityStack.push(border.pNeigh[i]);
+			vCavityStack.push({border.pNeigh[i], border.batch.opposite[i]});
 		}
 	}
 }

@@ -216,30 +216,63 @@ TULO3D_ALWAYS_INLINE void doubleDoubleStage(
 	verdicts.outside |= (Flags)(det > bound);
 }
 
+/// The first stage, which nearly always settles all four.
 TULO3D_ALWAYS_INLINE LaneVerdicts testLanes(const NeighbourBatch& batch, const Point3& query)
+{
+	return fastStage(laneStage(batch, query));
+}
+
+/// All stages, for a batch with a lane in doubt.
+TULO3D_ALWAYS_INLINE LaneVerdicts settleLanes(const NeighbourBatch& batch, const Point3& query)
 {
 	const LaneStage stage = laneStage(batch, query);
 	LaneVerdicts verdicts = fastStage(stage);
-	if (__builtin_expect(anyUndecided(verdicts), 0)) {
-		exactStage(batch, query, stage, verdicts);
-		if (anyUndecided(verdicts)) doubleDoubleStage(batch, query, stage, verdicts);
-	}
+	exactStage(batch, query, stage, verdicts);
+	if (anyUndecided(verdicts)) doubleDoubleStage(batch, query, stage, verdicts);
 	return verdicts;
 }
 
-TULO3D_ALWAYS_INLINE unsigned bitsOf(const Flags& mask)
+bool allDecided(const NeighbourVerdicts& verdicts)
+{
+	return (verdicts.inside | verdicts.outside) == 0xfU;
+}
+
+// What follows stands once for each kind of CPU. Settling is kept out of line, or its registers
+// would burden the ordinary case.
+
+unsigned bitsOf(const Flags& mask)
 {
 	return static_cast<unsigned>((mask[0] & 1) | (mask[1] & 2) | (mask[2] & 4) | (mask[3] & 8));
 }
 
-#  if defined(__x86_64__)
-__attribute__((target("avx2"))) NeighbourVerdicts testNeighboursAvx2(
+__attribute__((noinline)) NeighbourVerdicts settlePortable(
     const NeighbourBatch& batch, const Point3& query)
 {
-	const LaneVerdicts lanes = testLanes(batch, query);
+	const LaneVerdicts lanes = settleLanes(batch, query);
+	return {bitsOf(lanes.inside), bitsOf(lanes.outside), bitsOf(lanes.positive)};
+}
+
+#  if defined(__x86_64__)
+#	define TULO3D_AVX2 __attribute__((target("avx2")))
+
+TULO3D_AVX2 inline __attribute__((always_inline)) NeighbourVerdicts packAvx2(
+    const LaneVerdicts& lanes)
+{
 	return {static_cast<unsigned>(__builtin_ia32_movmskpd256((Lanes)lanes.inside)),
 	    static_cast<unsigned>(__builtin_ia32_movmskpd256((Lanes)lanes.outside)),
 	    static_cast<unsigned>(__builtin_ia32_movmskpd256((Lanes)lanes.positive))};
+}
+
+TULO3D_AVX2 __attribute__((noinline)) NeighbourVerdicts settleAvx2(
+    const NeighbourBatch& batch, const Point3& query)
+{
+	return packAvx2(settleLanes(batch, query));
+}
+
+TULO3D_AVX2 NeighbourVerdicts testNeighboursAvx2(const NeighbourBatch& batch, const Point3& query)
+{
+	const NeighbourVerdicts verdicts = packAvx2(testLanes(batch, query));
+	return allDecided(verdicts) ? verdicts : settleAvx2(batch, query);
 }
 #  endif
 
@@ -252,7 +285,9 @@ NeighbourVerdicts testNeighboursPortable(
 {
 #if defined(__GNUC__)
 	const LaneVerdicts lanes = testLanes(batch, query);
-	return {bitsOf(lanes.inside), bitsOf(lanes.outside), bitsOf(lanes.positive)};
+	const NeighbourVerdicts verdicts = {
+	    bitsOf(lanes.inside), bitsOf(lanes.outside), bitsOf(lanes.positive)};
+	return allDecided(verdicts) ? verdicts : settlePortable(batch, query);
 #else
 	return {0, 0, 0}; // without vector types nothing is certain here; the adaptive tests decide
 #endif

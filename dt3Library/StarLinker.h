@@ -32,6 +32,21 @@ public:
 		vTets.clear();
 	}
 
+	/// Announces a vertex of the star. `add` does so itself; but it meets each vertex some five times,
+	/// and whether for the first time it would have to guess, where here nothing hangs on it.
+	void announce(const Point3* pVtx)
+	{
+		bFits = bFits && numVertices < kMaxVertices;
+		if (!bFits) return;
+		std::uint32_t slot = slotOf(pVtx);
+		while ((slots[slot].pVtx != nullptr) & (slots[slot].pVtx != pVtx))
+			slot = (slot + 1) % kSlots;
+		const std::uint32_t bNew = slots[slot].pVtx == nullptr;
+		slots[slot] = {pVtx, bNew != 0 ? numVertices : slots[slot].number};
+		usedSlot[numVertices] = slot;
+		numVertices += bNew;
+	}
+
 	/// Adds a tetrahedron whose corner 0 is the inserted vertex.
 	void add(Tet3* pTet)
 	{
@@ -97,11 +112,16 @@ private:
 		std::uint32_t number;
 	};
 
+	/// Fibonacci hashing: the top 8 bits of the product choose one of 256 slots.
+	static std::uint32_t slotOf(const Point3* pVtx)
+	{
+		const auto address = static_cast<std::uint64_t>(reinterpret_cast<std::uintptr_t>(pVtx));
+		return static_cast<std::uint32_t>((address * 0x9E3779B97F4A7C15U) >> 56U);
+	}
+
 	std::uint32_t numberOf(const Point3* pVtx)
 	{
-		// Fibonacci hashing: the top 8 bits of the product choose one of 256 slots.
-		const auto address = static_cast<std::uint64_t>(reinterpret_cast<std::uintptr_t>(pVtx));
-		auto slot = static_cast<std::uint32_t>((address * 0x9E3779B97F4A7C15U) >> 56U);
+		std::uint32_t slot = slotOf(pVtx);
 		while (slots[slot].pVtx != pVtx) {
 			if (slots[slot].pVtx == nullptr) {
 				slots[slot] = {pVtx, numVertices};
