@@ -52,10 +52,12 @@ bool Bbox3::add(const Point3& p)
 
 bool Bbox3::add(const std::vector<Point3>& vPoints)
 {
-	bool bChanged = false;
-	for (const Point3& point : vPoints) {
-		if (add(point)) bChanged = true;
-	}
+	if (vPoints.empty()) return false;
+	bool bChanged = !isValid() && add(vPoints.front());
+	const Bbox3 before(*this);
+	for (const Point3& point : vPoints) treatPointForValidBox(point);
+	bChanged |=
+	    !(before.getMinPoint() == getMinPoint()) || !(before.getMaxPoint() == getMaxPoint());
 	return bChanged;
 }
 

@@ -265,6 +265,7 @@ private:
 	ScratchArray<CavityTet> vCavityStack;
 	ScratchArray<CavityFacet> vCavityFacets;
 	FlatWitness flatWitness;
+	std::size_t numFacetTests = 0; ///< made by walks, since somebody has last looked
 	StarLinker star;               ///< the tetrahedra that the current insertion makes
 	CollisionIndex collisionIndex; ///< finds the partner in a long vHashCollisions
 	Rand15 watchdogRandom;

@@ -14,11 +14,6 @@ namespace TULO3D {
 
 namespace {
 
-std::uintptr_t addressOf(const Point3* p)
-{
-	return reinterpret_cast<std::uintptr_t>(p);
-}
-
 /// The exclusive or of the corners' addresses.
 std::uintptr_t mixOfCorners(const Tet3& tet)
 {
@@ -90,6 +85,7 @@ void Dt3::lookAround(Tet3* pTet, const Point3* pVtx, CavityBorder& border) const
 void Dt3::carveCavity(const Point3* pVtx, Tet3* pStartTet)
 {
 	vCavityFacets.clear();
+	vCavityStack.clear();
 	vCavityStack.makeRoom(1);
 	vCavityStack.push({pStartTet, pStartTet->getCorner(0)}); // the walk has ended in it
 	for (int i = 1; i < 4; ++i) star.announce(pStartTet->getCorner(i));

@@ -82,6 +82,7 @@ void Dt3::doom(Tet3* pTet, std::vector<Tet3*>& vDoomedTets)
 
 void Dt3::growDoomed(const Point3* pVtx, std::vector<Tet3*>& vDoomedTets)
 {
+	vCavityStack.clear();
 	vCavityStack.makeRoom(vDoomedTets.size());
 	for (Tet3* pTet : vDoomedTets) vCavityStack.push({pTet, nullptr});
 	CavityBorder border;

@@ -34,19 +34,10 @@ void distribute(std::uint32_t lo, std::uint32_t hi, std::size_t depth, Stages& s
 	for (; lo < hi; ++lo) stages[depth].push_back(lo);
 }
 
-/// True when the curve does not tell the vertices apart: most share their cell with the next one.
-bool isCrowded(const HC3& hc3, const std::vector<Point3*>& vVertices)
-{
-	constexpr std::size_t kSamples = 256;
-	if (vVertices.size() < 4 * kSamples) return false;
-	const std::size_t step = (vVertices.size() - 1) / kSamples;
-	std::size_t numShared = 0;
-	for (std::size_t n = 0; n < kSamples; ++n) {
-		const Point3* const* pPair = &vVertices[n * step];
-		numShared += hc3.hilbertIndex(*pPair[0]) == hc3.hilbertIndex(*pPair[1]);
-	}
-	return numShared > kSamples * 3 / 4;
-}
+/// A walk from the last vertex of the curve takes some ten facet tests. Several times as many, over
+/// a while, and the curve does not lead from vertex to vertex.
+constexpr std::size_t kWhile = 256;
+constexpr std::size_t kLongWalk = 40;
 
 } // namespace
 
@@ -65,7 +56,7 @@ Point3* Dt3::insert(Point3& p)
 		// The neighbour on the curve may be a vertex that never entered the mesh.
 		if (pLastTet == nullptr) pLastTet = hc3.findNearbyTet(*pVtx);
 		CONDITION_CHECK(!pLastTet->hasBeenVisited);
-		insertVertex(&pVtx, pLastTet);
+		insertVertex(&pVtx, hc3.nearerTet(*pVtx, pLastTet));
 		return pVtx;
 	}
 	pLastTet = startUp();
@@ -124,9 +115,10 @@ void Dt3::triangulate(std::vector<Point3*>& vVertices, Tet3* pLastTet)
 	const int brioLevels = static_cast<int>(std::ceil(std::log(numVertices) / std::log(2.0)) - 4.0);
 	Stages stages(static_cast<std::size_t>(brioLevels > 0 ? brioLevels : 0) + 1);
 	distribute(0, static_cast<std::uint32_t>(vVertices.size()), 0, stages);
-	std::optional<StartFinder> finder;
-	if (isCrowded(hc3, vVertices)) finder.emplace(vVertices);
 
+	std::optional<StartFinder> finder;
+	std::size_t numInserted = 0;
+	numFacetTests = 0;
 	bool bForward = false;
 	for (std::vector<std::uint32_t>& vStage : stages) {
 		if (!bForward) std::reverse(vStage.begin(), vStage.end());
@@ -139,6 +131,10 @@ void Dt3::triangulate(std::vector<Point3*>& vVertices, Tet3* pLastTet)
 			}
 			pLastTet = insertVertex(&pVtx, pLastTet);
 			if (finder) finder->add(i);
+
+			if (++numInserted % kWhile != 0) continue;
+			if (!finder && numFacetTests > kWhile * kLongWalk) finder.emplace(vVertices);
+			numFacetTests = 0;
 		}
 		bForward = !bForward;
 	}

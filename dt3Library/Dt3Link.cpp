@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Tetrahedra are created, recycled and linked. Every facet between two new tetrahedra is offered
-// twice; the first half waits in a small table for the second.
+// Tetrahedra are created, recycled and linked. In a star too large for the linker, every facet
+// between two new tetrahedra is offered twice; the first half waits in a table for the second.
 #include "Dt3.h"
 #include "Dt3Inline.h"
 #include "printing.h"
@@ -13,11 +13,6 @@
 namespace TULO3D {
 
 namespace {
-
-std::uintptr_t addressOf(const Point3* p)
-{
-	return reinterpret_cast<std::uintptr_t>(p);
-}
 
 /// Reports corners that are not in positive order.
 void reportOrientation(

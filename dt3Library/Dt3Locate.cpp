@@ -9,7 +9,7 @@ namespace TULO3D {
 
 namespace {
 
-constexpr int kMaxFacetTests = 10000;
+constexpr std::size_t kMaxFacetTests = 10000;
 constexpr int kMaxWalks = 1000;
 
 } // namespace
@@ -20,9 +20,9 @@ int Dt3::locateConflictTet(Point3* pVtx, Tet3*& pStartTet)
 
 	int f = 0;       // the facet to test next
 	int numLeft = 4; // facets of this tetrahedron still to test
-	int numTests = 0;
+	const std::size_t lastTest = numFacetTests + kMaxFacetTests;
 	while (numLeft > 0) {
-		if (++numTests > kMaxFacetTests) {
+		if (++numFacetTests > lastTest) {
 			// Deliberate: a random step, so that a caller who tries again starts somewhere else.
 			Tet3* pElsewhere = pStartTet->getOppTet(watchdogRandom.next() % 4);
 			if (pElsewhere != nullptr) pStartTet = pElsewhere;
@@ -117,6 +117,7 @@ Tet3* Dt3::locate(const Point3& p)
 	Point3 copy(p);
 	Tet3* pTet = hc3.findNearbyTet(copy);
 	if (pTet == nullptr) return nullptr;
+	pTet = hc3.nearerTet(copy, pTet);
 	const int result = locatePersistently(&copy, pTet);
 	return result == -1 || result == -2 ? pTet : nullptr;
 }

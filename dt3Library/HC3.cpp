@@ -2,7 +2,9 @@
 // The vertex store: folds duplicates, orders a batch, offers a start.
 #include "HC3.h"
 #include "KeySort.h"
+#include "Tet3.h"
 #include "tools.h"
+#include "vectors.h"
 
 #include <iostream>
 #include <limits>
@@ -227,6 +229,29 @@ Tet3* HC3::findNearbyTet(const Point3& point) const
 		if (items[at]->pVtx->getOneTet() != nullptr) return items[at]->pVtx->getOneTet();
 	}
 	return nullptr;
+}
+
+Tet3* HC3::nearerTet(const Point3& point, Tet3* pTet) const
+{
+	constexpr int kWindow = 4; // on either side
+	double least = squaredDistance(point, *pTet->getCorner(0));
+	const auto consider = [&](const Point3& vtx) {
+		const double distance = squaredDistance(point, vtx);
+		if (distance >= least || vtx.getOneTet() == nullptr) return;
+		least = distance;
+		pTet = vtx.getOneTet();
+	};
+	const VertexItems::Position found = items.lowerBound(probeFor(hilbertIndex(point), point));
+	VertexItems::Position at = found;
+	for (int n = 0; n < kWindow && !items.isEnd(at); ++n, at = items.next(at)) {
+		consider(*items[at]->pVtx);
+	}
+	at = found;
+	for (int n = 0; n < kWindow && !items.isBegin(at); ++n) {
+		at = items.previous(at);
+		consider(*items[at]->pVtx);
+	}
+	return pTet;
 }
 
 void HC3::getVertices(std::vector<Point3*>& out) const

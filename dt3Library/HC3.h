@@ -42,6 +42,10 @@ public:
 	/// when no vertex is in the mesh.
 	Tet3* findNearbyTet(const Point3& point) const;
 
+	/// `pTet`, or a tetrahedron of a vertex that is nearer to `point` than its corner 0, among the few
+	/// that surround the point on the curve. The next one on the curve need not be near: it jumps.
+	Tet3* nearerTet(const Point3& point, Tet3* pTet) const;
+
 	/// Appends every vertex, in the order of the curve.
 	void getVertices(std::vector<Point3*>& out) const;
 

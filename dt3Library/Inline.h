@@ -6,6 +6,8 @@
 // its parts must therefore never be functions of their own.
 #if defined(__GNUC__)
 #  define TULO3D_ALWAYS_INLINE inline __attribute__((always_inline))
+#  define TULO3D_INLINE_LAMBDA __attribute__((always_inline)) // behind its parameters
 #else
 #  define TULO3D_ALWAYS_INLINE inline
+#  define TULO3D_INLINE_LAMBDA
 #endif

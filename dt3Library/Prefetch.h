@@ -13,9 +13,10 @@ inline void prefetch([[maybe_unused]] const void* p)
 #endif
 }
 
-/// A record may lie across two cache lines. Null does no harm.
+/// A record may lie across two cache lines; null is passed over.
 inline void prefetchTet(const Tet3* pTet)
 {
+	if (pTet == nullptr) return;
 	prefetch(pTet);
 	prefetch(reinterpret_cast<const char*>(pTet) + sizeof(Tet3) - 1);
 }

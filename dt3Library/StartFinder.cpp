@@ -3,6 +3,7 @@
 #include "StartFinder.h"
 #include "KeySort.h"
 #include "Prefetch.h"
+#include "vectors.h"
 
 #include <algorithm>
 #include <cmath>
@@ -100,12 +101,6 @@ std::vector<std::uint32_t> alongFinerCurve(const std::vector<Point3*>& vVertices
 	return vByRank;
 }
 
-double squaredDistance(const Point3& p, const Point3& q)
-{
-	const double x = p.x() - q.x(), y = p.y() - q.y(), z = p.z() - q.z();
-	return x * x + y * y + z * z;
-}
-
 } // namespace
 
 RankSet::RankSet(std::size_t limit)
@@ -158,6 +153,7 @@ StartFinder::StartFinder(const std::vector<Point3*>& vBatch)
 {
 	for (std::size_t rank = 0; rank < vByRank.size(); ++rank) {
 		vRank[vByRank[rank]] = static_cast<std::uint32_t>(rank);
+		if (vVertices[vByRank[rank]]->getOneTet() != nullptr) inMesh.add(rank);
 	}
 }
 

@@ -36,8 +36,8 @@ private:
 ///
 /// The order of insertion follows the nine levels of the vertex store. They do not tell the vertices
 /// apart when a few lie far out or the box is thin, and then each walk starts anywhere. Where a walk
-/// starts decides how long it takes, never where it ends, so it may start at the vertex of the mesh
-/// that is next on the finer curve.
+/// starts decides how long it takes, and the mesh does not depend on it; so it may start at the vertex
+/// of the mesh that is next on the finer curve.
 class StartFinder
 {
 public:

@@ -13,6 +13,7 @@
 #include <algorithm>
 #include <array>
 #include <iostream>
+#include <iterator>
 
 namespace TULO3D {
 
@@ -168,10 +169,13 @@ void Tet3::reportSelfLink(int ith, [[maybe_unused]] const Tet3* pC) const
 	assert(this!=pC);
 }
 
-void Tet3::stopForNoNeighbour(const Tet3* pT) const
+int Tet3::searchNeighbour(const Tet3* pT) const
 {
+	const auto it = std::find(std::begin(aNeighbours), std::end(aNeighbours), pT);
+	if (it != std::end(aNeighbours)) return static_cast<int>(it - std::begin(aNeighbours));
+
 	std::cout << "Tet3::getIntraTetIndex went wrong: ";
-	if (pT) {
+	if (pT != nullptr) {
 		std::cout << *pT;
 	} else {
 		std::cout << "NULL"; // asked for a hull facet that this tetrahedron does not have

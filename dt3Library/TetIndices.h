@@ -2,7 +2,10 @@
 // The one index table of the mesh. Every other order of corners, facets and edges follows from it.
 #pragma once
 
+#include "tools.h"
+
 #include <array>
+#include <cassert>
 
 namespace TULO3D {
 
@@ -52,9 +55,10 @@ constexpr int edgeTarget(int i, int j)
 }
 
 /// The cyclic successor of a corner index.
-constexpr int nextIndex(int i)
+constexpr int nextIndex(int num)
 {
-	return (i + 1) & 3;
+	assert(range03(num));
+	return (num + 1) & 3;
 }
 
 namespace indexLaws {

@@ -77,10 +77,14 @@ void VertexItems::merge(const std::vector<IdxVtx*>& vSorted)
 
 void VertexItems::assign(const std::vector<IdxVtx*>& vSorted)
 {
-	chunks.clear();
-	numItems = 0;
-	// Not filled to the brim, so that single items still to come do not split every chunk at once.
-	for (IdxVtx* pItem : vSorted) append(pItem, kCapacity - kCapacity / 8);
+	// Built aside, so that running out of memory leaves the set as it was. The chunks are not filled
+	// to the brim, or single items still to come would split every one of them at once.
+	constexpr std::size_t fill = kCapacity - kCapacity / 8;
+	VertexItems filled;
+	filled.chunks.reserve(vSorted.size() / fill + 1);
+	for (IdxVtx* pItem : vSorted) filled.append(pItem, fill);
+	chunks.swap(filled.chunks);
+	numItems = filled.numItems;
 }
 
 void VertexItems::list(std::vector<IdxVtx*>& vOut) const

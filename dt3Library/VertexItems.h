@@ -48,7 +48,6 @@ public:
 	};
 
 	std::size_t size() const { return numItems; }
-	bool empty() const { return numItems == 0; }
 
 	Position begin() const { return {0, 0}; }
 	bool isEnd(Position at) const { return at.chunk == chunks.size(); }

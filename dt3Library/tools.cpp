@@ -64,7 +64,7 @@ void failCondition(const char* conditionText, const char* file, int line)
 {
 	// Deliberate: the prefix brings its own comma, so the printed line has two.
 	printError("Tulo, ", std::string("Condition [ ") + conditionText + " failed ]");
-	std::cout << kIndent << file << ":" << std::dec << line << std::endl;
+	std::cout << kIndent << file << ":" + std::to_string(line) << std::endl;
 	throw TuloException();
 }
 

@@ -29,7 +29,7 @@ std::string nextDebugFilePrefix();
 [[noreturn]] void hardStop();
 
 /// True for the index of a corner, a facet or a neighbour of a tetrahedron.
-inline bool range03(int i)
+constexpr bool range03(int i)
 {
 	return static_cast<unsigned>(i) < 4U;
 }

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
-// The vector arithmetic that normals and circumcentres need, in plain floating point.
+// Vector arithmetic in plain floating point, for normals, circumcentres and distances.
 #pragma once
 
+#include "Point3.h"
 #include "Vector3.h"
 
 namespace TULO3D {
@@ -13,6 +14,12 @@ Vector3 normalize(const Vector3& other);
 inline double dot(const Vector3& a, const Vector3& b)
 {
 	return a.x() * b.x() + a.y() * b.y() + a.z() * b.z();
+}
+
+inline double squaredDistance(const Point3& p, const Point3& q)
+{
+	const Vector3 v = p - q;
+	return dot(v, v);
 }
 
 /// The right-handed cross product a x b.

@@ -114,9 +114,9 @@ public:
 	int getIntraTetIndex(const Tet3* pT) const
 	{
 		// Put together from bits, not searched for: which of the four it is cannot be predicted.
-		const int bThird = aNeighbours[3] == pT;
-		const int i = ((aNeighbours[1] == pT) | bThird) + 2 * ((aNeighbours[2] == pT) | bThird);
-		if (aNeighbours[i] != pT) stopForNoNeighbour(pT);
+		const int bLast = aNeighbours[3] == pT;
+		const int i = ((aNeighbours[1] == pT) | bLast) + 2 * ((aNeighbours[2] == pT) | bLast);
+		if (aNeighbours[i] != pT || pT == nullptr) return searchNeighbour(pT);
 		return i;
 	}
 
@@ -192,7 +192,8 @@ private:
 
 	static bool range03(int i) { return static_cast<unsigned>(i) < 4U; }
 	void reportSelfLink(int ith, const Tet3* pC) const;
-	[[noreturn]] void stopForNoNeighbour(const Tet3* pT) const;
+	/// The first index of `pT`, which may be null, among the neighbours. Ends the process when it is none.
+	int searchNeighbour(const Tet3* pT) const;
 
 	int label;
 	Point3* aVertexPointer[4];
