@@ -2,6 +2,7 @@
 // The two traversals that give the host the mesh.
 #include "Dt3.h"
 #include "PointerSet.h"
+#include "Prefetch.h"
 
 #include <algorithm>
 #include <functional>
@@ -60,9 +61,11 @@ void Dt3::getTetsAroundVertex(Point3* pVtx, std::vector<Tet3*>& vTet)
 	for (std::size_t n = 0; n < vTet.size(); ++n) {
 		const Tet3* pTet = vTet[n];
 		const int i = pTet->getIntraTetIndex(pVtx);
-		for (int j = 0; j < 4; ++j) {
-			Tet3* pNeigh = pTet->getOppTet(j);
-			if (j != i && pNeigh != nullptr && seen.add(pNeigh)) vTet.push_back(pNeigh);
+		for (int step = 1; step < 4; ++step) {
+			Tet3* pNeigh = pTet->getOppTet((i + step) & 3);
+			if (pNeigh == nullptr || !seen.add(pNeigh)) continue;
+			prefetchTet(pNeigh); // its turn comes when the queue has moved on
+			vTet.push_back(pNeigh);
 		}
 	}
 	std::sort(vTet.begin(), vTet.end(), std::less<Tet3*>());

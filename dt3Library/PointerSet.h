@@ -8,47 +8,50 @@
 
 namespace TULO3D {
 
-/// A set of non-null pointers with open addressing. It starts with room for an ordinary star of a
-/// vertex and doubles for the few large ones.
+/// A set of non-null pointers with open addressing. An ordinary star of a vertex fits in where it
+/// stands, on the stack; it doubles for the few large ones.
 class PointerSet
 {
 public:
-	PointerSet() : slots(kFirstSize, nullptr) {}
-
 	/// Adds `p`; false when it was there already.
 	bool add(const void* p)
 	{
-		if (2 * (count + 1) > slots.size()) grow();
-		const void*& slot = findSlot(p);
-		if (slot == p) return false;
-		slot = p;
-		++count;
+		const void** pSlot = findSlot(p);
+		if (*pSlot == p) return false;
+		*pSlot = p;
+		if (2 * ++count > mask) grow();
 		return true;
 	}
 
 private:
 	static constexpr std::size_t kFirstSize = 128;
 
-	const void*& findSlot(const void* p)
+	const void** findSlot(const void* p)
 	{
-		// Records are far apart in memory; a multiplication spreads what differs over the top bits.
-		const auto hash =
-		    (reinterpret_cast<std::uintptr_t>(p) >> 4U) * std::uint64_t{0x9E3779B97F4A7C15};
-		std::size_t i = static_cast<std::size_t>(hash >> 32U) & (slots.size() - 1);
-		while (slots[i] != nullptr && slots[i] != p) i = (i + 1) & (slots.size() - 1);
-		return slots[i];
+		// Fibonacci hashing: the product spreads what differs between two records over its top bits.
+		const auto address = static_cast<std::uint64_t>(reinterpret_cast<std::uintptr_t>(p));
+		auto i = static_cast<std::size_t>((address * 0x9E3779B97F4A7C15U) >> 40U) & mask;
+		while (slots[i] != nullptr && slots[i] != p) i = (i + 1) & mask;
+		return slots + i;
 	}
 
 	void grow()
 	{
-		std::vector<const void*> old(2 * slots.size(), nullptr);
-		old.swap(slots);
-		for (const void* p : old) {
-			if (p != nullptr) findSlot(p) = p;
+		std::vector<const void*> larger(2 * (mask + 1), nullptr);
+		const void** const pOld = slots;
+		const std::size_t oldSize = mask + 1;
+		slots = larger.data();
+		mask = larger.size() - 1;
+		for (std::size_t i = 0; i < oldSize; ++i) {
+			if (pOld[i] != nullptr) *findSlot(pOld[i]) = pOld[i];
 		}
+		many.swap(larger);
 	}
 
-	std::vector<const void*> slots;
+	const void* few[kFirstSize] = {};
+	std::vector<const void*> many;
+	const void** slots = few;
+	std::size_t mask = kFirstSize - 1;
 	std::size_t count = 0;
 };
 

@@ -103,11 +103,13 @@ public:
 	/// The index 0..3 of corner `p`, which must be one.
 	int getIntraTetIndex(const Point3* pp) const
 	{
-		if (aVertexPointer[0] == pp) return 0;
-		if (aVertexPointer[1] == pp) return 1;
-		if (aVertexPointer[2] == pp) return 2;
-		assert(aVertexPointer[3]==pp);
-		return 3;
+		// Counted down, not searched for: which of the four it is cannot be predicted.
+		const int i = 3 - 3 * (aVertexPointer[0] == pp) - 2 * (aVertexPointer[1] == pp) -
+		    (aVertexPointer[2] == pp);
+		if (i == 3) {
+			assert(aVertexPointer[3]==pp);
+		}
+		return i;
 	}
 
 	/// The index 0..3 of neighbour `pT`. Ends the process when it is none.
