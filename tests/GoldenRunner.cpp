@@ -1,7 +1,11 @@
 // SPDX-License-Identifier: MIT
 // Runs one golden input and compares the whole resulting mesh with what is expected of it; the
 // formats are in golden/README.md. Exit status 0 means equal.
+//
+// With the name of a family of points and a size instead: prints a hash of its mesh, written down in
+// the same way.
 #include "Tulo_3D.h"
+#include "points.h"
 
 #include <algorithm>
 #include <array>
@@ -14,15 +18,10 @@
 #include <memory>
 #include <sstream>
 #include <stdexcept>
-#include <string>
-#include <utility>
-#include <vector>
 
 using namespace TULO3D;
 
 namespace {
-
-using Lines = std::vector<std::string>;
 
 const int kFirstLabel = Tet3::runningLabel;
 
@@ -32,61 +31,53 @@ struct Engine
 	std::vector<std::pair<int, std::vector<Point3*>>> handles; // by operation
 };
 
-template <class... T>
-std::string textOf(const T&... values)
-{
-	std::ostringstream stream;
-	(stream << ... << values);
-	return stream.str();
-}
-
 /// Writes what is asked of an engine, its vertices named by their positions in the listing.
-class Writer
+struct Writer
 {
-public:
-	Writer(Engine& theEngine, int theOperation, Lines& theLines)
-	    : engine(theEngine), operation(theOperation), out(theLines)
+	Writer(Engine& theEngine, std::ostream& stream) : engine(theEngine), out(stream)
 	{
 		engine.mesh.getVertices(vVertices);
 		for (const Point3* p : vVertices) place.emplace(p, place.size());
 	}
 
-	void dump(std::size_t number)
+	void dump()
 	{
-		const Tulo_3D& mesh = engine.mesh;
-		out.push_back(textOf("dump ", operation, " engine ", number));
-		out.push_back(textOf("is3D ", mesh.is3D()));
-		out.push_back(textOf("created ", Tet3::runningLabel - kFirstLabel));
-		out.push_back(textOf("vertices ", vVertices.size()));
+		out << "\nis3D " << engine.mesh.is3D() << "\ncreated " << Tet3::runningLabel - kFirstLabel
+		    << "\nvertices " << vVertices.size();
 		for (const Point3* p : vVertices) {
-			out.push_back(textOf("v ", place[p], bits(p->x()), bits(p->y()), bits(p->z()),
-			    p->getOneTet() != nullptr ? " m" : " -"));
+			out << "\nv " << place[p];
+			for (const double d : {p->x(), p->y(), p->z()}) {
+				std::uint64_t bits = 0;
+				std::memcpy(&bits, &d, sizeof d);
+				out << ' ' << std::hex << std::setw(16) << std::setfill('0') << bits << std::dec;
+			}
+			out << (p->getOneTet() != nullptr ? " m" : " -");
 		}
-		for (const auto& [inserted, handles] : engine.handles) {
-			out.push_back(textOf("handles ", inserted));
-			for (const Point3* p : handles) out.back() += textOf(" ", place[p]);
+		for (const auto& [operation, handles] : engine.handles) {
+			out << "\nhandles " << operation;
+			for (const Point3* p : handles) out << ' ' << place[p];
 		}
 		std::vector<Tet3*> vTets;
-		mesh.getTetrahedra(vTets);
-		sort(vTets);
-		out.push_back(textOf("tets ", vTets.size()));
+		engine.mesh.getTetrahedra(vTets);
+		out << "\ntets " << vTets.size();
 		int numHull = 0;
-		for (const Tet3* pTet : vTets) {
-			out.push_back(textOf("t", corners(pTet), " "));
+		for (const Tet3* pTet : sorted(vTets)) {
+			corners(pTet, "\nt ");
+			out << ' ';
 			for (int i = 0; i < 4; ++i) {
 				const Point3* pOpp = pTet->getOppVtxInOppTet(i, true);
 				numHull += pOpp == nullptr;
-				out.back() += pOpp == nullptr ? " -" : textOf(" ", place[pOpp]);
+				out << ' ' << (pOpp == nullptr ? "-" : std::to_string(place[pOpp]));
 			}
 		}
-		out.push_back(textOf("hull ", numHull));
-		out.emplace_back("end");
+		out << "\nhull " << numHull << "\nend\n";
 	}
 
 	void locate(const Point3& p)
 	{
 		const Tet3* pTet = engine.mesh.locate(p);
-		out.push_back(textOf("locate ", operation, pTet == nullptr ? " null" : corners(pTet)));
+		pTet == nullptr ? void(out << " null") : corners(pTet, " ");
+		out << '\n';
 	}
 
 	void star(const Point3& p)
@@ -95,17 +86,9 @@ public:
 		for (Point3* pVtx : vVertices) {
 			if (*pVtx == p) engine.mesh.getTetsAroundVertex(pVtx, vTets);
 		}
-		sort(vTets);
-		out.push_back(textOf("star ", operation, " ", vTets.size()));
-		for (const Tet3* pTet : vTets) out.push_back(" " + corners(pTet));
-	}
-
-private:
-	static std::string bits(double d)
-	{
-		std::uint64_t pattern = 0;
-		std::memcpy(&pattern, &d, sizeof d);
-		return textOf(' ', std::hex, std::setw(16), std::setfill('0'), pattern);
+		out << ' ' << vTets.size();
+		for (const Tet3* pTet : sorted(vTets)) corners(pTet, "\n  ");
+		out << '\n';
 	}
 
 	std::array<std::size_t, 4> tuple(const Tet3* t)
@@ -114,33 +97,32 @@ private:
 		    place[t->getCorner(3)]};
 	}
 
-	std::string corners(const Tet3* pTet)
+	void corners(const Tet3* pTet, const char* before)
 	{
 		const auto [a, b, c, d] = tuple(pTet);
-		return textOf(" ", a, " ", b, " ", c, " ", d);
+		out << before << a << ' ' << b << ' ' << c << ' ' << d;
 	}
 
-	void sort(std::vector<Tet3*>& vTets)
+	std::vector<Tet3*> sorted(std::vector<Tet3*> vTets)
 	{
-		std::sort(vTets.begin(), vTets.end(),
-		    [this](const Tet3* a, const Tet3* b) { return tuple(a) < tuple(b); });
+		std::sort(
+		    vTets.begin(), vTets.end(), [this](auto a, auto b) { return tuple(a) < tuple(b); });
+		return vTets;
 	}
 
 	Engine& engine;
-	int operation;
-	Lines& out;
+	std::ostream& out;
 	std::vector<Point3*> vVertices;
 	std::map<const Point3*, std::size_t> place;
 };
 
-Lines run(std::istream& script)
+void run(std::istream& script, std::ostream& out)
 {
 	const auto readPoint = [&script]() {
 		double x = 0, y = 0, z = 0;
 		script >> x >> y >> z;
 		return Point3(x, y, z);
 	};
-	Lines out;
 	std::vector<std::unique_ptr<Engine>> engines;
 	engines.push_back(std::make_unique<Engine>());
 	std::string word;
@@ -154,21 +136,22 @@ Lines run(std::istream& script)
 		} else if (word == "batch") {
 			int n = 0;
 			script >> n;
-			std::vector<Point3> cloud;
+			points::Cloud cloud;
 			while (n-- > 0) cloud.push_back(readPoint());
 			engine.handles.push_back({operation, {}});
 			engine.mesh.insert(cloud, engine.handles.back().second);
-		} else if (word == "dump") {
-			Writer(engine, operation, out).dump(engines.size() - 1);
-		} else if (word == "locate") {
-			Writer(engine, operation, out).locate(readPoint());
-		} else if (word == "star") {
-			Writer(engine, operation, out).star(readPoint());
 		} else {
-			throw std::runtime_error("no operation " + word);
+			Writer writer(engine, out << word << ' ' << operation);
+			if (word == "dump")
+				out << " engine " << engines.size() - 1, writer.dump();
+			else if (word == "locate")
+				writer.locate(readPoint());
+			else if (word == "star")
+				writer.star(readPoint());
+			else
+				throw std::runtime_error("no operation " + word);
 		}
 	}
-	return out;
 }
 
 /// Equal, or for a `locate` one of the alternatives.
@@ -181,28 +164,47 @@ bool matches(const std::string& found, const std::string& expected)
 	    (" |" + expected.substr(start) + " |").find(" |" + wanted) != std::string::npos;
 }
 
+/// FNV-1a, 64 bits.
+std::uint64_t hashOf(const std::string& text)
+{
+	std::uint64_t hash = 0xcbf29ce484222325;
+	for (const char c : text) hash = (hash ^ static_cast<unsigned char>(c)) * 0x100000001b3;
+	return hash;
+}
+
 } // namespace
 
 int main(int argc, char** argv)
 {
+	std::stringstream found;
+	if (argc == 3) {
+		Engine engine;
+		points::Cloud cloud = points::make(argv[1], std::atoi(argv[2]));
+		const points::Cloud tail(cloud.end() - 20, cloud.end());
+		cloud.resize(cloud.size() - 20);
+		engine.handles.resize(1);
+		engine.mesh.insert(cloud, engine.handles[0].second);
+		for (Point3 p : tail) engine.handles[0].second.push_back(engine.mesh.insert(p));
+		Writer(engine, found).dump();
+		std::cout << std::hex << hashOf(found.str()) << std::endl;
+		return 0;
+	}
 	const std::string name = argc == 2 ? argv[1] : "";
-	std::ifstream script(name);
-	std::ifstream expectation(name.substr(0, name.rfind('.')) + ".expected");
+	std::ifstream script(name), expectation(name.substr(0, name.rfind('.')) + ".expected");
 	if (!script || !expectation) {
 		std::cerr << "usage: GoldenRunner NAME.txt, with NAME.expected beside it\n";
 		return 2;
 	}
-	Lines expected;
-	for (std::string line; std::getline(expectation, line);) expected.push_back(line);
-	const Lines found = run(script);
-	for (std::size_t i = 0; i < std::max(found.size(), expected.size()); ++i) {
-		const std::string f = i < found.size() ? found[i] : "(nothing)",
-		                  e = i < expected.size() ? expected[i] : "(nothing)";
-		if (matches(f, e)) continue;
-		std::cerr << "first difference in line " << i + 1 << "\n  expected " << e << "\n  found    "
-		          << f << "\n";
+	run(script, found);
+	int number = 0;
+	for (std::string f, e;; ++number) {
+		const bool bFound = !std::getline(found, f).fail();
+		const bool bExpected = !std::getline(expectation, e).fail();
+		if (!bFound && !bExpected) break;
+		if (bFound && bExpected && matches(f, e)) continue;
+		std::cerr << "line " << number + 1 << "\n  expected " << e << "\n  found    " << f << "\n";
 		return 1;
 	}
-	std::cout << "equal: " << expected.size() << " lines" << std::endl;
-	return expected.empty() ? 1 : 0;
+	std::cout << "equal: " << number << " lines" << std::endl;
+	return number == 0;
 }

@@ -3,31 +3,11 @@
 // are hard for a walk or a cavity.
 #include "support.h"
 
-#include <algorithm>
-#include <array>
-#include <map>
-
 using namespace TULO3D;
 using points::Cloud;
 using support::Recorded;
 
 namespace {
-
-const Cloud kSimplex = {Point3(0, 0, 0), Point3(1, 0, 0), Point3(0, 1, 0), Point3(0, 0, 1)};
-
-/// The mesh without its addresses: the corners of all tetrahedra by their places in the listing.
-std::vector<std::array<std::size_t, 4>> canonical(const Recorded& mesh)
-{
-	std::map<const Point3*, std::size_t> place;
-	for (const Point3* p : mesh.vertices()) place.emplace(p, place.size());
-	std::vector<std::array<std::size_t, 4>> tuples;
-	for (const Tet3* t : mesh.tets()) {
-		tuples.push_back({place[t->getCorner(0)], place[t->getCorner(1)], place[t->getCorner(2)],
-		    place[t->getCorner(3)]});
-	}
-	std::sort(tuples.begin(), tuples.end());
-	return tuples;
-}
 
 /// Large inputs, for optimised builds only: a sanitizer learns nothing from them in its time.
 struct Heavy : testing::TestWithParam<std::pair<const char*, int>>
@@ -89,54 +69,16 @@ TEST(Insert, KnownPointsGetTheirVerticesAndChangeNothing)
 	mesh.insert(cloud);
 	for (const Point3* p : mesh.vertices()) EXPECT_EQ(p->getCustomIndex(), -1);
 	mesh.handles[2]->setCustomIndex(5);
-	const auto before = canonical(mesh);
+	const auto before = mesh.canonical();
 	const int label = Tet3::runningLabel;
 	mesh.insert(Cloud(cloud.rbegin(), cloud.rend()));
 	for (const Point3& p : cloud) mesh.insert(p);
 	mesh.insert(Point3(-0.0, 1, -0.0));
 	mesh.insert(Cloud());
-	EXPECT_TRUE(canonical(mesh) == before && Tet3::runningLabel == label)
+	EXPECT_TRUE(mesh.canonical() == before && Tet3::runningLabel == label)
 	    << "no tetrahedron was made";
 	EXPECT_EQ(mesh.handles[2]->getCustomIndex(), 5);
 	EXPECT_VALID(mesh);
-}
-
-TEST(Insert, RefusedCoordinatesLeaveNoTrace)
-{
-	const Cloud more = points::make("Uniform", 40, 2);
-	for (const Cloud& start : {Cloud(), points::make("FlatGrid", 9), points::make("Uniform", 30)}) {
-		Recorded spent, mesh, untouched;
-		spent.insert(kSimplex); // takes the first margin of the process
-		mesh.insert(start);
-		untouched.insert(start);
-		for (Point3 bad : points::refused()) {
-			Cloud batch(more);
-			batch.insert(batch.begin() + 20, bad);
-			std::vector<Point3*> handles;
-			const std::string text = "coordinates are finite and at most 1e60 in magnitude";
-			EXPECT_EQ(support::conditionFailedBy([&] { mesh.mesh.insert(bad); }), text);
-			EXPECT_EQ(support::conditionFailedBy([&] { mesh.mesh.insert(batch, handles); }), text);
-			EXPECT_TRUE(handles.empty());
-		}
-		EXPECT_VALID(mesh);
-		mesh.insert(more);
-		untouched.insert(more);
-		EXPECT_VALID(mesh);
-		EXPECT_EQ(canonical(mesh), canonical(untouched));
-	}
-}
-
-TEST(Insert, TheSameInputGivesTheSameMeshWhereverItLies)
-{
-	for (const char* family :
-	    {"Lattice", "IntegerSphereThenCentre", "Uniform", "DuplicatesAndSignedZeros", "Cylinder"}) {
-		Recorded spent, first, second;
-		spent.insert(kSimplex); // takes the first margin of the process
-		first.insert(points::make(family, 500));
-		const std::vector<char> moved(12345); // other addresses for what follows
-		second.insert(points::make(family, 500));
-		EXPECT_EQ(canonical(first), canonical(second)) << family << moved[0];
-	}
 }
 
 TEST_P(Heavy, InputIsMeshedInOneBatch)

@@ -6,7 +6,6 @@
 #include <chrono>
 #include <cmath>
 #include <cstdlib>
-#include <ctime>
 #include <regex>
 #include <thread>
 
@@ -24,12 +23,10 @@ TEST(Instruments, TheStopwatchAlternatesAndPrintsThreeDecimals)
 		EXPECT_EQ(seconds, 0);
 		std::this_thread::sleep_for(std::chrono::milliseconds(15));
 		const std::string text = printedBy(call);
-		EXPECT_GE(seconds, 0.015);
 		const std::regex form("\\*\\*\\* Timer \\[a b\\] stop, elapsed time: \\d+\\.\\d{3} s\n\n");
-		EXPECT_TRUE(std::regex_match(text, form)) << text;
+		EXPECT_TRUE(std::regex_match(text, form) && seconds >= 0.015) << text;
 	}
-	EXPECT_EQ(std::cout.precision(), 6);
-	EXPECT_TRUE(std::cout.flags() & std::ios::fixed); // stays, unlike the precision
+	EXPECT_TRUE(std::cout.precision() == 6 && (std::cout.flags() & std::ios::fixed)); // fixed stays
 	std::cout.unsetf(std::ios::floatfield);
 }
 
@@ -61,24 +58,10 @@ TEST(Generators, ASeedMeansTheClassicNumbersAndTheHostsRandIsLeftAlone)
 	EXPECT_EQ(std::rand(), hosts);
 }
 
-/// The first number of seed 0 at some time since `start`, after `numCalls` earlier calls.
-bool isFirstNumber(double number, std::time_t start, int numCalls)
+TEST(Generators, EmptyRangesThrowAndAppendNothing)
 {
-	for (; start <= std::time(nullptr); ++start) {
-		Rand15 random;
-		random.seed(static_cast<unsigned>(start));
-		for (int i = 0; i < numCalls; ++i) random.seed(static_cast<unsigned>(random.next()));
-		if (number == random.next()) return true;
-	}
-	return false;
-}
-
-TEST(Generators, EmptyRangesThrowAfterTheSeedingAndAppendNothing)
-{
-	const std::time_t start = std::time(nullptr);
-	std::vector<double> v, none;
+	std::vector<double> none;
 	std::vector<Point3> vPoints;
-	generateRandomNumbers(1, 0, 32768, v, 0);
 	for (const auto& [a, b] : {std::pair(1.0, 1.0), {2.0, 1.0}, {NAN, 1.0}, {0.0, NAN}}) {
 		const double min = a, max = b;
 		EXPECT_EQ(support::conditionFailedBy([&] { generateRandomNumbers(3, min, max, none, 0); }),
@@ -88,9 +71,6 @@ TEST(Generators, EmptyRangesThrowAfterTheSeedingAndAppendNothing)
 		    "min<max");
 	}
 	EXPECT_TRUE(none.empty() && vPoints.empty());
-	generateRandomNumbers(1, 0, 32768, v, 0);
-	EXPECT_TRUE(isFirstNumber(v.at(0), start, 0));
-	EXPECT_TRUE(isFirstNumber(v.at(1), start, 5)); // calls in vain count as well
 }
 
 } // namespace

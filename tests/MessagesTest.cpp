@@ -126,6 +126,7 @@ TEST(MessagesDeathTest, StopsEndTheProcess)
 	const auto abnormal = [](int status) { return status != 0; };
 	const auto one = testing::ExitedWithCode(1);
 	// clang-format off
+	EXPECT_EXIT(loudly([&] { s.engine.show("no/such/folder/a.list", nullptr); }), one, "no/such/folder/a.list not open");
 	EXPECT_EXIT(loudly([&] { goToHell("because"); }), abnormal, "      goToHell, ERROR:  reason: because");
 	EXPECT_EXIT(loudly([&] { s.engine.locateConflictTet(s.pVtx, pNull); }), abnormal, " reason: locateConflictTet");
 	EXPECT_EXIT(loudly([&] { s.engine.triangulate(s.handles, nullptr); }), abnormal, " reason: pLastTet==NULL in Dt3::triangulate");

@@ -217,6 +217,18 @@ class Program(ProgramCase):
         self.assertEqual(drawing.count("OFF"), 4 * facts["tetrahedra"])
 
 
+class Shrinker(ProgramCase):
+    def testOnlyTheLinesThatMakeACommandFailAreLeft(self):
+        points, shrunk = self.write("a.xyz", lines(POINTS)), self.folder / "shrunk.xyz"
+        needed = [lines(POINTS[i:i + 1]) for i in (3, 4, 17, 39)]
+        culprit = f"import sys; sys.exit(6 * all(p in open(sys.argv[1]).read() for p in {needed}))"
+        tool = [sys.executable, MESHIO_TOOL.parent / "shrink_points.py", points, shrunk]
+        subprocess.run([*tool, sys.executable, "-c", culprit], check=True, stdout=subprocess.DEVNULL)
+        self.assertEqual(shrunk.read_text(), "".join(needed))
+        refused = subprocess.run([*tool, PROGRAM, "--check"], capture_output=True)
+        self.assertIn(b"does not fail", refused.stderr)
+
+
 class CommaLocale(ProgramCase):
     def testACommaLocaleChangesNothing(self):
         if shutil.which("localedef") is None or subprocess.run(

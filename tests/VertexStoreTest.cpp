@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdlib>
 #include <list>
 #include <map>
 #include <set>
@@ -68,14 +67,6 @@ struct Store : HC3
 		getVertices(listed);
 		ASSERT_EQ(listed, expected);
 		ASSERT_EQ(size(), expected.size());
-	}
-
-	/// The largest difference of the box from the one of the two points.
-	double boxDiffers(const Point3& low, const Point3& high) const
-	{
-		const Vector3 a = bbox.getMinPoint() - low, b = bbox.getMaxPoint() - high;
-		return std::max({std::fabs(a.x()), std::fabs(a.y()), std::fabs(a.z()), std::fabs(b.x()),
-		    std::fabs(b.y()), std::fabs(b.z())});
 	}
 
 	std::vector<Point3*> handles, vNew;
@@ -163,29 +154,6 @@ TEST(VertexStore, OffersTheNearestTetrahedronAlongTheCurve)
 		ASSERT_EQ(store.single(*listed[i]),
 		    pOwn != nullptr ? pOwn : listed[i == 0 ? 1 : i - 1]->getOneTet());
 	}
-}
-
-TEST(VertexStore, BoxGrowsByItsMargins)
-{
-	const Point3 low(0, 0, 0), high(2, 4, 8), wideLow(-1, -2, -4), wideHigh(3, 6, 12);
-	const auto inAFreshProcess = [&] { // because the flag for the first margin is process-wide
-		Store single, first, second;
-		single.single(low);
-		single.single(high); // neither reads nor spends the flag
-		first.batch({});     // an unchanged box does not spend it
-		first.batch({low, high});
-		second.batch({low, high});
-		const bool bNarrow =
-		    first.boxDiffers(Point3(-0.1, -0.2, -0.4), Point3(2.1, 4.2, 8.4)) < 1e-14;
-		const bool bWide =
-		    single.boxDiffers(wideLow, wideHigh) + second.boxDiffers(wideLow, wideHigh) == 0;
-		second.batch({Point3(1, 1, 1), high});
-		second.single(low);
-		std::exit(bNarrow + 2 * bWide +
-		    4 * (second.boxDiffers(wideLow, wideHigh) == 0)); // points within leave it
-	};
-	testing::FLAGS_gtest_death_test_style = "threadsafe";
-	EXPECT_EXIT(inAFreshProcess(), testing::ExitedWithCode(7), "");
 }
 
 TEST(VertexStoreDeathTest, KeysOfAnOddLengthEndTheProcessWithStatusOne)

@@ -8,7 +8,10 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <array>
 #include <iostream>
+#include <map>
 #include <set>
 #include <sstream>
 #include <string>
@@ -111,6 +114,20 @@ struct Recorded
 	std::vector<std::string> violations() const
 	{
 		return verifier::violations(mesh, input, handles, leftOut);
+	}
+
+	/// The mesh without its addresses: the corners of all tetrahedra by their places in the listing.
+	std::vector<std::array<std::size_t, 4>> canonical() const
+	{
+		std::map<const Point3*, std::size_t> place;
+		for (const Point3* p : vertices()) place.emplace(p, place.size());
+		std::vector<std::array<std::size_t, 4>> tuples;
+		for (const Tet3* t : tets()) {
+			tuples.push_back({place[t->getCorner(0)], place[t->getCorner(1)],
+			    place[t->getCorner(2)], place[t->getCorner(3)]});
+		}
+		std::sort(tuples.begin(), tuples.end());
+		return tuples;
 	}
 
 	TULO3D::Tulo_3D mesh;

@@ -1,8 +1,9 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
 # Sets everything up, then builds and tests with g++ and clang, with sanitizers and with fused
-# multiply-add allowed. The last line sums up all runs; the exit status is 0 only if all went well.
-# Usage: tools/test.sh [PRESET...]
+# multiply-add allowed, fuzzes for a moment and compares meshes between compilers and CPUs. The last
+# line sums up all runs; the exit status is 0 only if all went well.
+# Usage: tools/test.sh [PRESET|same_mesh]...
 set -uo pipefail
 
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
@@ -11,7 +12,7 @@ cd "$root" || exit 1
 source tools/packages.sh
 require_packages "${packages_build[@]}" "${packages_test[@]}" || exit 1
 
-(($#)) || set -- release sanitize clang fma
+(($#)) || set -- release sanitize clang fma fuzz same_mesh
 jobs=$(nproc)
 passed=0 failed=0 skipped=0 broken=()
 
@@ -45,7 +46,11 @@ test_preset() {
 
 for preset in "$@"; do
 	SECONDS=0
-	test_preset "$preset" || broken+=("$preset")
+	if [[ $preset == same_mesh ]]; then
+		tools/same_mesh.sh || broken+=("$preset")
+	else
+		test_preset "$preset" || broken+=("$preset")
+	fi
 	echo "== $preset: $SECONDS s"
 done
 

@@ -1,0 +1,67 @@
+// SPDX-License-Identifier: MIT
+// After each failure that a host can cause, an engine is as if nothing had happened.
+#include "support.h"
+
+#include <functional>
+
+using namespace TULO3D;
+using points::Cloud;
+using support::Recorded;
+
+namespace {
+
+/// What fails, and the condition that it names; `bad` is a point that is refused.
+struct Failure
+{
+	const char* condition;
+	std::function<void(Tulo_3D&, Point3& bad, Cloud& badBatch)> action;
+};
+
+const char* const kRange = "coordinates are finite and at most 1e60 in magnitude";
+std::vector<Point3*> handles;
+std::vector<Tet3*> vOne(1);
+std::vector<double> vNumbers;
+// clang-format off
+const Failure kFailures[] = {
+	{kRange, [](Tulo_3D& mesh, Point3& bad, Cloud&) { mesh.insert(bad); }},
+	{kRange, [](Tulo_3D& mesh, Point3&, Cloud& badBatch) { mesh.insert(badBatch); }},
+	{kRange, [](Tulo_3D& mesh, Point3&, Cloud& badBatch) { mesh.insert(badBatch, handles); }},
+	{"vTet.empty()", [](Tulo_3D& mesh, Point3&, Cloud&) { mesh.getTetrahedra(vOne); }},
+	{"min<max", [](Tulo_3D&, Point3&, Cloud& badBatch) { generateRandomPoints(3, 1, 1, badBatch, 1); }},
+	{"min<max", [](Tulo_3D&, Point3&, Cloud&) { generateRandomNumbers(3, 2, 1, vNumbers, 1); }},
+};
+// clang-format on
+
+} // namespace
+
+TEST(AfterFailure, AnEngineIsAsIfNothingHadHappened)
+{
+	for (const Cloud& start : {Cloud(), points::make("FlatGrid", 9), points::make("Uniform", 30)}) {
+		const Cloud more = points::make("Uniform", 40, 2);
+		Recorded spent, mesh, untouched;
+		spent.insert(more); // takes the first margin of the process
+		mesh.insert(start);
+		untouched.insert(start);
+		for (const Failure& failure : kFailures) {
+			for (Point3 bad : points::refused()) {
+				Cloud batch(more);
+				batch.insert(batch.begin() + 20, bad);
+				const auto fail = [&] { failure.action(mesh.mesh, bad, batch); };
+				ASSERT_EQ(support::conditionFailedBy(fail), failure.condition);
+				ASSERT_TRUE(handles.empty() && vNumbers.empty() && vOne.size() == 1);
+			}
+			const support::Capture quiet;
+			EXPECT_VALID(mesh);
+			EXPECT_TRUE(mesh.mesh.checkValidity("x", true));
+			EXPECT_EQ(mesh.canonical(), untouched.canonical());
+			const Point3 p = more[mesh.input.size() % 40];
+			EXPECT_EQ(mesh.mesh.locate(p) == nullptr, untouched.mesh.locate(p) == nullptr);
+			mesh.insert(p);
+			untouched.insert(p);
+		}
+		mesh.insert(more);
+		untouched.insert(more);
+		EXPECT_VALID(mesh);
+		EXPECT_EQ(mesh.canonical(), untouched.canonical());
+	}
+}

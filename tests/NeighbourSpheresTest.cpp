@@ -1,0 +1,54 @@
+// SPDX-License-Identifier: MIT
+// Every variant of the batched in-sphere test against the oracle: what is certain is right, and all
+// variants are certain of the same.
+#include "NeighbourSpheres.h"
+#include "TetIndices.h"
+#include "oracle.h"
+#include "points.h"
+
+#include <gtest/gtest.h>
+
+using namespace TULO3D;
+
+TEST(NeighbourSpheres, NoVariantIsCertainOfAWrongSign)
+{
+	const NeighbourTest variants[] = {testNeighboursPortable, neighbourTestAvx2()};
+	points::Random random(5);
+	int numOf[4] = {}; // undecided, inside, outside, positive
+	for (const points::Family& family : points::families()) {
+		if (family.name == "Denormals") continue; // below the range of exact signs
+		const points::Cloud cloud = family.make(300, 1);
+		for (int round = 0; round < 300; ++round) {
+			Point3 p[9]; // four corners, a point for each facet, the query
+			const int start = random.below(300);
+			for (std::size_t k = 0; k < 9; ++k) {
+				const auto next = (static_cast<std::size_t>(start) + k) % cloud.size();
+				p[k] = round % 2 == 0 ? cloud[next] : random.of(cloud);
+				if (round % 3 == 0) p[k] = random.nudged(p[k]);
+			}
+			const NeighbourBatch batch = {
+			    {&p[0], &p[1], &p[2], &p[3]}, {&p[4], &p[5], &p[6], &p[7]}};
+			const NeighbourVerdicts first = testNeighboursPortable(batch, p[8]);
+			for (const NeighbourTest test : variants) {
+				if (test == nullptr) continue; // not on this CPU
+				const NeighbourVerdicts v = test(batch, p[8]);
+				ASSERT_TRUE(v.inside == first.inside && v.outside == first.outside &&
+				    v.positive == first.positive);
+			}
+			for (int i = 0; i < 4; ++i) {
+				const Point3 &a = p[kOutside[i][0]], &b = p[kOutside[i][1]], &c = p[kOutside[i][2]];
+				// Beyond the facet is where it is seen counter-clockwise.
+				const int sphere = oracle::quickInSphere(a, b, c, p[4 + i], p[8]);
+				const bool bInside = first.inside >> i & 1, bOutside = first.outside >> i & 1,
+				           bPositive = first.positive >> i & 1;
+				ASSERT_TRUE(!bInside || sphere > 0) << family.name << " round " << round;
+				ASSERT_TRUE(!bOutside || sphere <= 0) << family.name << " round " << round;
+				ASSERT_TRUE(!bPositive || oracle::quickOrientation(a, b, c, p[8]) < 0)
+				    << family.name << " round " << round;
+				++numOf[bInside ? 1 : bOutside ? 2 : 0];
+				numOf[3] += bPositive;
+			}
+		}
+	}
+	for (const int n : numOf) EXPECT_GT(n, 1000);
+}

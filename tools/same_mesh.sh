@@ -1,0 +1,44 @@
+#!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
+# The same points give the same mesh, to the last corner, whatever compiled the library and whatever
+# runs it: compares meshes with tests/mesh_hashes.txt, each from a process of its own.
+# Usage: same_mesh.sh RUNNER...    the meshes of a GoldenRunner; the command may be several words
+#        same_mesh.sh              of g++ and clang, without and with optimisation and fused
+#                                  multiply-add, and on 64-bit Arm where it can be built and run
+set -euo pipefail
+root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+
+if (($#)); then
+	while read -r family size hash; do
+		found=$("$@" "$family" "$size" | tail -n 1)
+		[[ $found == "$hash" ]] || { echo "$family $size: $found instead of $hash" && exit 1; }
+	done <"$root/tests/mesh_hashes.txt"
+	exit
+fi
+
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+export root work
+check() { # RUN COMPILER FLAG...: RUN is a command that runs a program
+	local run=$1 program
+	shift
+	program=$(mktemp -p "$work")
+	"$@" -std=c++17 -ffp-contract=off -I "$root/include" -I "$root/dt3Library" -DTULO3D_BUILDING \
+		-DTULO3D_VERSION_{MAJOR,MINOR,REVISION}=0 "$root"/dt3Library/*.cpp \
+		"$root"/tests/{points,GoldenRunner}.cpp -o "$program" &&
+		"$root/tools/same_mesh.sh" "$run" "$program" && echo "same mesh: $*"
+}
+export -f check
+
+{
+	for flags in -O0 -O3 "-O3 -march=haswell"; do
+		[[ $flags != *march* ]] || grep -qsw fma /proc/cpuinfo || continue
+		for compiler in g++ clang++; do echo env $compiler "$flags"; done
+	done
+	arm=aarch64-linux-gnu-g++
+	if command -v "$arm" >/dev/null && command -v qemu-aarch64 >/dev/null; then
+		for flag in -O0 -O3; do echo qemu-aarch64 "$arm" -static "$flag"; done
+	else
+		echo "not on Arm: no $arm or no qemu-aarch64 (Debian: g++-aarch64-linux-gnu qemu-user)" >&2
+	fi
+} | xargs -P "$(nproc)" -I '{}' bash -c 'check {}'
