@@ -90,10 +90,9 @@ TEST_F(Drawing, GeomviewReadsDrawingsWithoutAComplaint)
 	drawMembers(*std::make_unique<Visualizer3>("members.list"));
 	std::ofstream("broken.list") << "LIST\n{\n{\nVECT\n1 2 1\n2\n1\n0 0 0\n1 0 0 1\n}\n}\n";
 	for (const std::string name : {"mesh", "members", "broken"}) {
-		const int status = std::system(("exec 2>" + name +
-		    ".log; '" TULO3D_TEST_FOLDER "/../tools/render_list.sh' --size 200x150 " + name +
-		    ".list " + name + ".png")
-		                                   .c_str());
+		const std::string script = TULO3D_TEST_FOLDER "/../tools/render_list.sh",
+		                  files = name + ".list " + name + ".png 2>" + name + ".log";
+		const int status = std::system(("'" + script + "' --size 200x150 " + files).c_str());
 		if (status == 77 << 8) GTEST_SKIP() << "Geomview, xvfb-run or netpbm is not installed";
 		EXPECT_EQ(status == 0, name != "broken") << name << ": " << fileText(name + ".log");
 	}
