@@ -3,7 +3,7 @@
 // missing are simply not linked.
 #pragma once
 
-#include "../tests/points.h"
+#include "../inputs/points.h"
 
 #include <cstddef>
 #include <functional>

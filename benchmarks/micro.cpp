@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // How long the small operations inside take, each by itself and with everything in the cache.
-#include "../tests/points.h"
+#include "../inputs/points.h"
 #include "AdaptiveStages.h"
 #include "Dt3.h"
 

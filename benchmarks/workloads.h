@@ -2,7 +2,7 @@
 // The points that the benchmarks are run on: the same for every library and on every machine.
 #pragma once
 
-#include "../tests/points.h"
+#include "../inputs/points.h"
 
 #include <cstddef>
 #include <string>

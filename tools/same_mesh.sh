@@ -23,9 +23,9 @@ check() { # RUN COMPILER FLAG...: RUN is a command that runs a program
 	local run=$1 program
 	shift
 	program=$(mktemp -p "$work")
-	"$@" -std=c++17 -ffp-contract=off -I "$root/include" -I "$root/dt3Library" -DTULO3D_BUILDING \
+	"$@" -std=c++17 -ffp-contract=off -I "$root/include" -I "$root/dt3Library" -I "$root/inputs" -DTULO3D_BUILDING \
 		-DTULO3D_VERSION_{MAJOR,MINOR,REVISION}=0 "$root"/dt3Library/*.cpp \
-		"$root"/tests/{points,GoldenRunner}.cpp -o "$program" &&
+		"$root"/{inputs/points,tests/GoldenRunner}.cpp -o "$program" &&
 		"$root/tools/same_mesh.sh" "$run" "$program" && echo "same mesh: $*"
 }
 export -f check
