@@ -6,7 +6,8 @@
 
 namespace TULO3D {
 
-/// A sphere given by its centre and its squared radius.
+/// A sphere given by its centre and its squared radius, in the unit of its points and its square.
+/// Nothing is checked: a negative squared radius is kept.
 class TULO3D_API Ball3
 {
 public:
@@ -19,9 +20,12 @@ public:
 	/// Copies the coordinates and the custom index of `rCenter`, not its tetrahedron.
 	Ball3(const Point3& rCenter, double squaredRadius) : center(rCenter), sqRadius(squaredRadius) {}
 
+	/// A copy, never part of a mesh.
 	Point3 getCenter() const { return center; }
+	/// As given.
 	double getSqRadius() const { return sqRadius; }
-	/// The square root of the squared radius, computed on each call.
+	/// The square root of the squared radius, computed on each call; not a number when that is
+	/// negative.
 	double getRadius() const;
 
 	/// Prints the sphere on a line of standard output.

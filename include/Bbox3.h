@@ -9,10 +9,11 @@
 
 namespace TULO3D {
 
-/// An axis-aligned bounding box; empty until a first point is added.
+/// An axis-aligned bounding box, in the unit of its points; empty until a first point is added.
 class TULO3D_API Bbox3
 {
 public:
+	/// An empty box.
 	Bbox3() = default;
 
 	/// The box of `vPoints`; empty when there are none.
@@ -30,21 +31,30 @@ public:
 	/// Deliberate: widens this box itself to contain `other`, and returns a copy of the result.
 	Bbox3 operator+(Bbox3& other);
 
+	///@{
+	/// Two opposite corners, made of the bounds.
 	Point3 getMinPoint() const { return Point3(minX, minY, minZ); }
 	Point3 getMaxPoint() const { return Point3(maxX, maxY, maxZ); }
+	///@}
 
+	///@{
+	/// A bound of one axis; of an empty box `DBL_MAX` for a minimum, `-DBL_MAX` for a maximum.
 	double getMinX() const { return minX; }
 	double getMinY() const { return minY; }
 	double getMinZ() const { return minZ; }
 	double getMaxX() const { return maxX; }
 	double getMaxY() const { return maxY; }
 	double getMaxZ() const { return maxZ; }
+	///@}
 
+	///@{
+	/// The length of one side; minus infinity for an empty box.
 	double getRangeX() const { return maxX - minX; }
 	double getRangeY() const { return maxY - minY; }
 	double getRangeZ() const { return maxZ - minZ; }
+	///@}
 
-	/// The length of the longest side.
+	/// The length of the longest side; minus infinity for an empty box.
 	double getMaxRange() const;
 	/// The smallest of the three minima.
 	double getMinCoord() const;

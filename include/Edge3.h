@@ -18,23 +18,32 @@ public:
 	/// The edge of `pT` that avoids the corners opp3 and opp2, which must differ.
 	Edge3(Tet3* pT, int opp3, int opp2);
 
+	/// The tetrahedron through which the edge is named; one of those around it.
 	Tet3* getTet() const { return pTet; }
-	/// The two corner indices that are not on the edge.
+	///@{
+	/// A corner index, 0..3, that is not on the edge.
 	int getOpp3Index() const { return opp3ICI; }
 	int getOpp2Index() const { return opp2ICI; }
+	///@}
 
-	/// The corner indices of the two ends.
+	///@{
+	/// The corner index, 0..3, of one end; -99 when the two indices name no edge.
 	int getSourceIndex() const;
 	int getTargetIndex() const;
-	/// The two ends.
+	///@}
+
+	///@{
+	/// One end.
 	Point3* getSourceVtx() const { return pTet->getCorner(getSourceIndex()); }
 	Point3* getTargetVtx() const { return pTet->getCorner(getTargetIndex()); }
+	///@}
 
 	/// True when the two edges have the same ends, in either direction.
 	bool operator==(const Edge3& other) const
 	{
 		return pLowerEnd == other.pLowerEnd && pHigherEnd == other.pHigherEnd;
 	}
+	/// True when at least one end differs.
 	bool operator!=(const Edge3& other) const { return !(*this == other); }
 
 	/// An order by the addresses of the ends; the two names of one edge are equivalent.

@@ -13,6 +13,7 @@ public:
 	/// Facet opp3 (0..3, not checked) of `pT`.
 	Facet3(Tet3* pT, int opp3) : pTet(pT), opp3ICI(opp3) {}
 
+	/// The tetrahedron through which the facet is named: one of the two that have it.
 	Tet3* getTet() const { return pTet; }
 	/// The index of the corner opposite the facet.
 	int getOpp3Index() const { return opp3ICI; }
@@ -26,6 +27,7 @@ public:
 
 	/// A facet equals itself named from the other side; a hull facet only itself.
 	bool operator==(const Facet3& other) const;
+	/// True for different facets.
 	bool operator!=(const Facet3& other) const { return !(*this == other); }
 
 private:

@@ -25,6 +25,7 @@ public:
 	/// A point without coordinates: all three are the most negative finite double.
 	Point3() : px(-DBL_MAX), py(-DBL_MAX), pz(-DBL_MAX), pOneTet(nullptr), customIndex(-1) {}
 
+	/// Not part of a mesh, custom index -1. Any doubles will do here; insertion checks them.
 	Point3(double x, double y, double z) : px(x), py(y), pz(z), pOneTet(nullptr), customIndex(-1) {}
 
 	/// Copies coordinates and custom index; a copy is never part of a mesh.
@@ -38,9 +39,12 @@ public:
 
 	~Point3() = default;
 
+	///@{
+	/// A coordinate, exactly as it was given.
 	double x() const { return px; }
 	double y() const { return py; }
 	double z() const { return pz; }
+	///@}
 
 	/// Writes the three coordinates to the arguments.
 	void xyz(double& x, double& y, double& z) const
@@ -72,8 +76,11 @@ public:
 	/// Valid until the next insertion.
 	Tet3* getOneTet() const { return pOneTet; }
 
+	///@{
+	/// The host's index; the library only ever sets it to -1, for a new point or vertex.
 	int getCustomIndex() const { return customIndex; }
 	void setCustomIndex(int index) { customIndex = index; }
+	///@}
 
 	/// True when all three coordinates are equal as numbers (so -0.0 equals +0.0).
 	bool operator==(const Point3& other) const

@@ -37,6 +37,7 @@ public:
 
 	/// Deliberate: prints a line and copies nothing, because tetrahedra are never copied by value.
 	Tet3(const Tet3& other);
+	/// Copies the record with its label and links; no neighbour knows of the copy.
 	Tet3& operator=(const Tet3& other) = default;
 	~Tet3() = default;
 
@@ -147,9 +148,12 @@ public:
 		    *aVertexPointer[3] == p;
 	}
 
-	/// An index that the host may attach; -1 when unset. Gone when the record is reused.
+	///@{
+	/// An index that the host may attach; -1 when unset. The next insertion may drop it with the
+	/// tetrahedron.
 	int getCustomIndex() const { return customIndex; }
 	void setCustomIndex(int index) { customIndex = index; }
+	///@}
 
 	/// A handle of facet ith.
 	Facet3 getFacet(int ith);
@@ -168,8 +172,8 @@ public:
 	/// are printed and the process ends.
 	static bool haveCommonFacet(Tet3* pT0, int i0, Tet3* pT1, int i1);
 
-	/// The centre of the sphere through the four corners, in plain floating point: far away or not a
-	/// number for a nearly flat tetrahedron.
+	/// The centre of the sphere through the four corners, by Cramer's rule in plain floating point:
+	/// inexact, far away or not a number for a nearly flat tetrahedron.
 	Point3 getCircumcenter() const;
 
 	/// Deliberate: a stub that prints a line and returns 0, or -1 without a line on the hull.

@@ -25,6 +25,7 @@ public:
 	    : curEdge(other.curEdge), storedPayload(other.storedPayload)
 	{
 	}
+	/// Copies the parked tetrahedron and the parked index.
 	TetAroundEdgeIterator& operator=(const TetAroundEdgeIterator& other) = default;
 	~TetAroundEdgeIterator() = default;
 
@@ -42,6 +43,7 @@ public:
 
 	/// The edge, named through the current tetrahedron.
 	Edge3 getEdge() const { return curEdge; }
+	/// The facet that the last step crossed, once there has been one.
 	int getOpp3Index() const { return curEdge.getOpp3Index(); }
 	/// The facet that the next step crosses.
 	int getOpp2Index() const { return curEdge.getOpp2Index(); }
@@ -51,6 +53,7 @@ public:
 	{
 		return curEdge == other.curEdge && **this == *other;
 	}
+	/// True at different tetrahedra or around different edges.
 	bool operator!=(const TetAroundEdgeIterator& other) const { return !(*this == other); }
 
 	/// Parks a tetrahedron in the empty slot; the iterator itself never reads it.
@@ -59,6 +62,7 @@ public:
 		assert(storedPayload==NULL);
 		storedPayload = pTet;
 	}
+	/// The parked tetrahedron; there must be one.
 	Tet3* getPayload() const
 	{
 		assert(storedPayload!=NULL);
@@ -71,6 +75,7 @@ public:
 		assert(storedPayloadICI==-1);
 		storedPayloadICI = ici;
 	}
+	/// The parked index; there must be one.
 	int getPayloadICI() const
 	{
 		assert(storedPayloadICI!=-1);

@@ -32,6 +32,7 @@ public:
 		return aNeigs[i];
 	}
 
+	/// Sets neighbour i, which may be null; the neighbour's own link stays as it is.
 	void setNeig(int i, Triangle3* pT)
 	{
 		assert(i>-1 && i<3);
@@ -53,6 +54,7 @@ private:
 	Triangle3* aNeigs[3];
 };
 
+/// Prints address and coordinates of each corner, and the address of the neighbour opposite it.
 TULO3D_API std::ostream& operator<<(std::ostream& stream, const Triangle3& triangle);
 
 } // namespace TULO3D

@@ -41,10 +41,17 @@ class Dt3;
 ///
 /// One object is to be used by one thread at a time, queries included. Because of a few shared
 /// counters, no two objects should be inserted into at the same time either.
+///
+/// Where the algorithms come from: insertion by cavities, A. Bowyer and D. F. Watson, The Computer
+/// Journal 24 (1981); exact signs, J. R. Shewchuk, Discrete & Computational Geometry 18 (1997); the
+/// walk, O. Devillers, S. Pion and M. Teillaud, Symposium on Computational Geometry (2001); the
+/// stages of a batch, N. Amenta, S. Choi and G. Rote, the same symposium (2003), here without chance.
 class TULO3D_API Tulo_3D
 {
 public:
+	/// An empty mesh. Throws `std::bad_alloc` when there is no memory for it.
 	Tulo_3D();
+	/// Frees all vertices and tetrahedra; every pointer and handle into the mesh ends here.
 	~Tulo_3D();
 	Tulo_3D(const Tulo_3D&) = delete;
 	Tulo_3D& operator=(const Tulo_3D&) = delete;
@@ -76,7 +83,8 @@ public:
 	/// Appends every distinct vertex to `v`, in the order of the library's space-filling curve.
 	void getVertices(std::vector<Point3*>& v) const;
 
-	/// Fills the empty vector `v` with all tetrahedra, in ascending address order.
+	/// Fills the empty vector `v` with all tetrahedra, in ascending address order. Throws
+	/// `TuloException` when `v` is not empty.
 	void getTetrahedra(std::vector<Tet3*>& v) const;
 
 	/// Replaces the contents of `v` by all tetrahedra that have `pVtx` as a corner, in ascending
@@ -86,7 +94,8 @@ public:
 	/// Prints every tetrahedron to standard output under the heading `name`.
 	void print(const std::string& name);
 
-	/// Writes all tetrahedra, and `pVtx` unless it is null, as an OOGL drawing to `filename`.
+	/// Writes all tetrahedra, and `pVtx` unless it is null, as an OOGL drawing to `filename`, with six
+	/// digits. Ends the process with status 1 when the file cannot be opened.
 	void show(const std::string& filename, Point3* pVtx);
 
 	/// True when across every facet the neighbour's opposite vertex lies on the far side and, with
@@ -106,10 +115,13 @@ private:
 
 /// False: this is the debug build of the interface.
 TULO3D_API bool isRelease();
+///@{
+/// One of the three numbers of the version.
 TULO3D_API int getMajorVersionNumber();
 TULO3D_API int getMinorVersionNumber();
 TULO3D_API int getRevisionNumber();
-/// Library name, build type and version in one line.
+///@}
+/// Library name, build type of the interface and version, as in "Tulo3D, DEBUG, v1.2.3".
 TULO3D_API std::string getTulo3DVersion();
 
 } // namespace TULO3D

@@ -12,11 +12,15 @@ class Point3;
 class TULO3D_API Vector3
 {
 public:
+	/// Any doubles; nothing is checked.
 	Vector3(double x, double y, double z) : vx(x), vy(y), vz(z) {}
 
+	///@{
+	/// A coordinate.
 	double x() const { return vx; }
 	double y() const { return vy; }
 	double z() const { return vz; }
+	///@}
 
 private:
 	double vx;

@@ -2,6 +2,9 @@
 // Two instruments for a host's own measurements. Not for use from several threads.
 #pragma once
 
+/// @file
+/// A stopwatch and counters for a host's own measurements. Not for use from several threads.
+
 #include "tulo3dExport.h"
 
 #include <string>

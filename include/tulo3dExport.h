@@ -2,6 +2,13 @@
 // TULO3D_API marks what the shared library shows to its host; everything else stays inside.
 #pragma once
 
+/// @file
+/// What the shared library shows.
+
+/// @def TULO3D_API
+/// Marks what the shared library shows to its host; everything else stays inside. On Windows a host
+/// that links the static library has to define `TULO3D_STATIC`; the CMake target does so.
+
 #if defined(TULO3D_STATIC)
 #  define TULO3D_API
 #elif defined(_WIN32)

@@ -50,7 +50,7 @@ protected:
 	std::string expectDump(const std::string& name, const std::string& end) const
 	{
 		const std::string file = files(), text = support::fileText(file);
-		EXPECT_TRUE(std::regex_match(file, std::regex("\\d{5}_" + name))) << file;
+		EXPECT_TRUE(std::regex_match(file, std::regex("\\d{5,}_" + name))) << file;
 		EXPECT_EQ(text.substr(text.size() < end.size() ? 0 : text.size() - end.size()), end);
 		std::filesystem::remove(file);
 		return "Visualizer, writing " + file + "\n  Writing " + file + "\n0";

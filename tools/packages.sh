@@ -5,7 +5,7 @@
 
 # By Debian's names: to build the library and the program; in addition, to run all the tests.
 packages_build=(g++ cmake ninja-build libcli11-dev)
-packages_test=(clang libgtest-dev libgmp-dev pkg-config binutils python3)
+packages_test=(clang libclang-rt-dev libgtest-dev libgmp-dev pkg-config binutils python3)
 
 # Where a package may have come from elsewhere: the command or the header that it is for.
 declare -A package_command=([g++]=g++ [cmake]=cmake [ninja-build]=ninja [clang]=clang++
@@ -21,6 +21,8 @@ has_package() {
 		command -v "${package_command[$name]}" >/dev/null
 	elif [[ -n ${package_header[$name]:-} ]]; then
 		echo "#include <${package_header[$name]}>" | "${CXX:-c++}" -E -x c++ - &>/dev/null
+	elif [[ $name == libclang-rt-dev ]]; then
+		compgen -G "$(clang++ -print-resource-dir 2>/dev/null)/lib/*/libclang_rt.fuzzer*" >/dev/null
 	else
 		return 1
 	fi
