@@ -1,0 +1,36 @@
+# SPDX-License-Identifier: MIT
+# Fails when a quotation in the guide is not in the example that it is said to come from.
+# Indentation does not count.
+cmake_minimum_required(VERSION 3.25)
+
+function(read_flush_left variable file)
+	file(READ ${file} text)
+	string(REGEX REPLACE "\n[ \t]+" "\n" text "${text}")
+	set(${variable} "${text}" PARENT_SCOPE)
+endfunction()
+
+read_flush_left(rest ${CMAKE_CURRENT_LIST_DIR}/guide.md)
+set(quoted "")
+while(rest MATCHES "\nFrom \\[([A-Za-z]+)\\.cpp\\][^\n]*\n\n```cpp\n")
+	set(name ${CMAKE_MATCH_1})
+	string(FIND "${rest}" "${CMAKE_MATCH_0}" start)
+	string(LENGTH "${CMAKE_MATCH_0}" length)
+	math(EXPR start "${start} + ${length}")
+	string(SUBSTRING "${rest}" ${start} -1 rest)
+	string(FIND "${rest}" "```" end)
+	string(SUBSTRING "${rest}" 0 ${end} quotation)
+	read_flush_left(example ${CMAKE_CURRENT_LIST_DIR}/../examples/${name}.cpp)
+	string(FIND "${example}" "\n${quotation}" place)
+	if(place EQUAL -1)
+		message(SEND_ERROR "The guide quotes ${name}.cpp wrongly:\n${quotation}")
+	endif()
+	list(APPEND quoted ${name})
+endwhile()
+
+file(GLOB examples ${CMAKE_CURRENT_LIST_DIR}/../examples/*.cpp)
+foreach(example IN LISTS examples)
+	cmake_path(GET example STEM name)
+	if(NOT name IN_LIST quoted)
+		message(SEND_ERROR "The guide does not quote ${name}.cpp")
+	endif()
+endforeach()

@@ -1,0 +1,8 @@
+# SPDX-License-Identifier: MIT
+# Turns a document as it is read in the source tree into a page of the site: a table of contents
+# under the title, and links to sources that lead to the site's own copies.
+1a\
+\
+[TOC]\
+
+s,](\.\./examples/\([A-Za-z]*\)\.cpp),](\1_8cpp-example.html),g
