@@ -187,13 +187,13 @@ void insphereTest(State& state, Kind kind)
 }
 
 /// The four neighbours of a tetrahedron at once: the opposite corners are those of other cases.
-void neighbourTest(State& state, Kind kind, NeighbourTest test)
+void neighbourTest(State& state, Kind kind, const BatchTests* pTests)
 {
-	if (test == nullptr) {
+	if (pTests == nullptr) {
 		state.SkipWithError("not on this CPU");
 		return;
 	}
-	const std::vector<Case> vCases = makeCases(kind);
+	std::vector<Case> vCases = makeCases(kind);
 	points::Random random(2);
 	std::vector<NeighbourBatch> vBatches(kNumCases);
 	for (std::size_t i = 0; i < kNumCases; ++i) {
@@ -205,7 +205,7 @@ void neighbourTest(State& state, Kind kind, NeighbourTest test)
 	}
 	std::size_t i = 0;
 	for (auto _ : state) {
-		benchmark::DoNotOptimize(test(vBatches[i], vCases[i][4]));
+		benchmark::DoNotOptimize(pTests->neighbours(vBatches[i], vCases[i][4]));
 		i = (i + 1) % kNumCases;
 	}
 	state.SetItemsProcessed(4 * state.iterations());
@@ -223,13 +223,12 @@ BENCHMARK_CAPTURE(insphereFast, random, Kind::kRandom);
 BENCHMARK_KINDS(insphereStageB);
 BENCHMARK_KINDS(insphereExact);
 BENCHMARK_KINDS(insphereTest);
-BENCHMARK_CAPTURE(neighbourTest, portableRandom, Kind::kRandom, testNeighboursPortable);
-BENCHMARK_CAPTURE(neighbourTest, portableCospherical, Kind::kOnSphere, testNeighboursPortable);
-BENCHMARK_CAPTURE(
-    neighbourTest, portableNearlyCospherical, Kind::kNearSphere, testNeighboursPortable);
-BENCHMARK_CAPTURE(neighbourTest, avx2Random, Kind::kRandom, neighbourTestAvx2());
-BENCHMARK_CAPTURE(neighbourTest, avx2Cospherical, Kind::kOnSphere, neighbourTestAvx2());
-BENCHMARK_CAPTURE(neighbourTest, avx2NearlyCospherical, Kind::kNearSphere, neighbourTestAvx2());
+BENCHMARK_CAPTURE(neighbourTest, portableRandom, Kind::kRandom, &kPortableTests);
+BENCHMARK_CAPTURE(neighbourTest, portableCospherical, Kind::kOnSphere, &kPortableTests);
+BENCHMARK_CAPTURE(neighbourTest, portableNearlyCospherical, Kind::kNearSphere, &kPortableTests);
+BENCHMARK_CAPTURE(neighbourTest, avx2Random, Kind::kRandom, avx2Tests());
+BENCHMARK_CAPTURE(neighbourTest, avx2Cospherical, Kind::kOnSphere, avx2Tests());
+BENCHMARK_CAPTURE(neighbourTest, avx2NearlyCospherical, Kind::kNearSphere, avx2Tests());
 
 // Records, order and links ------------------------------------------------------------------------
 

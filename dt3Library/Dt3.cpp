@@ -16,11 +16,11 @@ Dt3::Dt3(Tulo_3D* pFacade)
       bFullDimensional(false),
       pOwner(pFacade),
       bVerbose(false),
-      neighbourTest(bestNeighbourTest())
+      batchTests(bestTests())
 {
 	vTwoTetSlots.assign(kFacetSlots, nullptr);
-	twoTetPool.init(1024, 512, twoTetPool.kMaxBlock);
-	tetPool.init(28, -1, tetPool.kMaxBlock);
+	twoTetPool.init(1024, 512, SimplePool<TwoTetStruct>::kMaxBlock);
+	tetPool.init(28, -1, SimplePool<Tet3>::kMaxBlock);
 	vDeadTets.reserve(kUsualCavity);
 	vRecycledTets.reserve(kUsualCavity);
 }

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "ArdoTest3.h"
+#include "CavityBorder.h"
 #include "CollisionIndex.h"
 #include "Edge3.h"
 #include "HC3.h"
@@ -36,39 +37,18 @@ struct Surface3
 {
 };
 
-/// On which sides of a tetrahedron's facets a point lies, as the walk sees it at a coplanar facet.
-struct FacetSides
-{
-	int numPositive = 0;
-	int numNegative = 0;
-	int numCoplanar = 0;
-	int outIndex = -1; ///< a coplanar facet on the hull
-	int opp2ICI = -1;  ///< a coplanar facet other than the one being tested
-};
-
-/// What lies around a tetrahedron of the cavity; in the sets, bit i stands for neighbour i.
-struct CavityBorder
-{
-	Tet3* pNeigh[4];      ///< the tetrahedron itself stands in where there is none
-	NeighbourBatch batch; ///< its corners, and those of the neighbours beyond its facets
-	unsigned conflict;    ///< neighbours that are to join the cavity
-	unsigned boundary;    ///< facets between the cavity and what stays, or the hull
-	unsigned positive; ///< facets that are known to have the vertex strictly on the cavity's side
-};
-
 /// A tetrahedron of the cavity whose neighbours are still to be tested.
 struct CavityTet
 {
 	Tet3* pTet;
-	const Point3* pApex; ///< its corner beyond the facet through which it was found
+	Point3* pApex; ///< its corner beyond the facet through which it was found
 };
 
 /// A facet between the cavity and what stays, or the hull.
 struct CavityFacet
 {
-	Tet3* pTet; ///< in the cavity
-	int ith;
-	bool bPositive; ///< the vertex is known to lie strictly on the cavity's side
+	Tet3* pTet;    ///< in the cavity
+	unsigned code; ///< the index of the facet in bits 0 and 1, the border's positive ones above
 };
 
 /// What is known of the vertices while they are all coplanar: up to three of them that span their
@@ -232,16 +212,22 @@ private:
 	// Dt3Locate.cpp
 	/// locateConflictTet, taken up again a bounded number of times where the watchdog stops it.
 	int locatePersistently(Point3* pVtx, Tet3*& pStartTet);
-	FacetSides classifyFacets(const Tet3* pTet, int f, const Point3* pVtx) const;
+	/// On which sides of the facets the vertex lies, exactly: in the plane where both are clear.
+	FacetSides sidesOf(const Tet3& tet, const Point3& vtx) const;
+	/// The end of a walk in the plane of facet f, beyond no facet; results as of locateConflictTet.
+	int stopInPlane(Tet3*& pTet, int f, const FacetSides& sides, const Point3& vtx) const;
 	/// Circulates around the edge that avoids f and opp2ICI: -1 for an inner edge, else the hull
 	/// facet at the end, and pTet becomes its owner.
 	int stopAtHullEdge(Tet3*& pTet, int f, int opp2ICI) const;
 	// Dt3Cavity.cpp
 	Tet3* replaceCavity(Point3* pVtx, Tet3* pStartTet);
 	/// Fills vCavityFacets; all tetrahedra in conflict with pVtx that hang together with pStartTet die.
-	void carveCavity(const Point3* pVtx, Tet3* pStartTet);
-	/// Tests all neighbours of a tetrahedron of the cavity; the tests do not depend on one another.
-	void lookAround(Tet3* pTet, const Point3* pVtx, CavityBorder& border) const;
+	template <typename Lanes>
+	void carve(const Point3* pVtx, Tet3* pStartTet);
+	void carvePortable(const Point3* pVtx, Tet3* pStartTet);
+	void carveAvx2(const Point3* pVtx, Tet3* pStartTet);
+	/// With all stages of the in-sphere test.
+	CavityBorder lookAroundThoroughly(Tet3* pTet, const Point3* pVtx) const;
 	/// A new tetrahedron over a facet of the cavity, linked to the neighbour that stays.
 	Tet3* closeFacet(const CavityFacet& facet, Point3* pVtx);
 	// Dt3Hull.cpp
@@ -261,12 +247,12 @@ private:
 	void storeCollision(TwoTetStruct* pHalf);
 	TwoTetStruct* takeCollision(const Tet3* pTet, const Point3* key0, const Point3* key1);
 
-	NeighbourTest neighbourTest; ///< the variant for this CPU
+	const BatchTests& batchTests; ///< the variant for this CPU
 	ScratchArray<CavityTet> vCavityStack;
 	ScratchArray<CavityFacet> vCavityFacets;
 	FlatWitness flatWitness;
 	std::size_t numFacetTests = 0; ///< made by walks, since somebody has last looked
-	StarLinker star;               ///< the tetrahedra that the current insertion makes
+	StarLinker star;               ///< what the current insertion makes
 	CollisionIndex collisionIndex; ///< finds the partner in a long vHashCollisions
 	Rand15 watchdogRandom;
 };

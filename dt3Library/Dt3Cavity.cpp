@@ -6,29 +6,9 @@
 // Delaunay tessellation, both The Computer Journal 24, 1981.
 #include "Dt3.h"
 #include "Dt3Inline.h"
-#include "Prefetch.h"
-
-#include <cstdint>
+#include "FacetLanes.h"
 
 namespace TULO3D {
-
-namespace {
-
-/// The exclusive or of the corners' addresses.
-std::uintptr_t mixOfCorners(const Tet3& tet)
-{
-	return addressOf(tet.getCorner(0)) ^ addressOf(tet.getCorner(1)) ^ addressOf(tet.getCorner(2)) ^
-	    addressOf(tet.getCorner(3));
-}
-
-/// The corner of `tet` that is left when the three of a facet, given by their mix, drop out: it is
-/// there at once, where a search would guess wrong three times in four.
-const Point3* cornerBeyond(std::uintptr_t mixOfFacet, const Tet3& tet)
-{
-	return reinterpret_cast<const Point3*>(mixOfFacet ^ mixOfCorners(tet));
-}
-
-} // namespace
 
 Tet3* Dt3::insertVertex(Point3** ppVtx, Tet3* pStartTet)
 {
@@ -51,77 +31,82 @@ Tet3* Dt3::insertVertex(Point3** ppVtx, Tet3* pStartTet)
 	return replaceCavity(*ppVtx, pCurTet);
 }
 
-void Dt3::lookAround(Tet3* pTet, const Point3* pVtx, CavityBorder& border) const
+CavityBorder Dt3::lookAroundThoroughly(Tet3* pTet, const Point3* pVtx) const
 {
-	NeighbourBatch& batch = border.batch;
-	const std::uintptr_t corners = mixOfCorners(*pTet);
-	unsigned exists = 0;
-	unsigned visited = 0;
-	for (int i = 0; i < 4; ++i) {
-		Tet3* pNeigh = pTet->getOppTet(i);
-		batch.corner[i] = pTet->getCorner(i);
-		batch.opposite[i] = batch.corner[i];
-		border.pNeigh[i] = pTet;
-		if (pNeigh == nullptr) continue;
-		// A visited neighbour is tested along: that is cheaper than guessing which ones are.
-		border.pNeigh[i] = pNeigh;
-		batch.opposite[i] = cornerBeyond(corners ^ addressOf(pTet->getCorner(i)), *pNeigh);
-		exists |= 1U << i;
-		visited |= static_cast<unsigned>(pNeigh->hasBeenVisited) << i;
-	}
-	const NeighbourVerdicts verdicts = neighbourTest(batch, *pVtx);
-	const unsigned toTest = exists & ~visited;
-	border.conflict = verdicts.inside & toTest;
-	border.positive = verdicts.positive;
-	const unsigned undecided = toTest & ~(verdicts.inside | verdicts.outside);
-	for (int i = 0; undecided >> i != 0; ++i) {
-		if ((undecided >> i & 1U) == 0) continue;
+	CavityBorder border = lookAround(pTet, *pVtx, batchTests.neighbours);
+	for (int i = 0; border.undecided >> i != 0; ++i) {
+		if ((border.undecided >> i & 1U) == 0) continue;
 		if (predicates.sphereInclusionTest(border.pNeigh[i], pVtx) == SIC_OUTSIDE) continue;
 		border.conflict |= 1U << i;
 	}
-	border.boundary = ~visited & ~border.conflict;
+	border.undecided = 0;
+	return border;
 }
 
-void Dt3::carveCavity(const Point3* pVtx, Tet3* pStartTet)
+template <typename Lanes>
+TULO3D_ALWAYS_INLINE void Dt3::carve(const Point3* pVtx, Tet3* pStartTet)
 {
 	vCavityFacets.clear();
 	vCavityStack.clear();
 	vCavityStack.makeRoom(1);
 	vCavityStack.push({pStartTet, pStartTet->getCorner(0)}); // the walk has ended in it
-	for (int i = 1; i < 4; ++i) star.announce(pStartTet->getCorner(i));
+	for (int i = 1; i < 4; ++i) star.vCorners.add(pStartTet->getCorner(i));
 	// The mark is never cleared on a dead record; setProperties does that when it is reused.
 	pStartTet->hasBeenVisited = true;
 
 	// Depth first and facets 3 to 0: this fixes the order in which the new tetrahedra are made.
-	CavityBorder border;
 	while (!vCavityStack.empty()) {
 		const auto [pTet, pApex] = vCavityStack.pop();
 		markTetDead(pTet);
-		star.announce(pApex);
-		if (!vCavityStack.empty()) prefetchNeighbours(*vCavityStack.top().pTet);
-		lookAround(pTet, pVtx, border);
-		vCavityStack.makeRoom(4);
-		vCavityFacets.makeRoom(4);
-		for (int i = 3; i >= 0; --i) {
-			const bool bJoins = (border.conflict >> i & 1U) != 0;
-			const bool bStays = (border.boundary >> i & 1U) != 0;
-			border.pNeigh[i]->hasBeenVisited |= bJoins;
-			vCavityStack.pushIf(bJoins, {border.pNeigh[i], border.batch.opposite[i]});
-			vCavityFacets.pushIf(bStays, {pTet, i, (border.positive >> i & 1U) != 0});
+		star.vCorners.add(pApex);
+		CavityBorder border = lookAround(pTet, *pVtx, Lanes::verdicts);
+		if (border.undecided != 0) {
+			const CavityBorder thorough = lookAroundThoroughly(pTet, pVtx);
+			border.conflict = thorough.conflict;
+			border.positive = thorough.positive;
 		}
+		auto joining = vCavityStack.writer(4);
+		auto facets = vCavityFacets.writer(4);
+		for (unsigned i = 4; i-- > 0;) {
+			const bool bJoins = (border.conflict >> i & 1U) != 0;
+			border.pNeigh[i]->hasBeenVisited |= bJoins;
+			joining.pushIf(bJoins, {border.pNeigh[i], border.pApex[i]});
+			facets.pushIf((border.boundary() >> i & 1U) != 0, {pTet, i | border.positive << 2U});
+		}
+		vCavityStack.accept(joining);
+		vCavityFacets.accept(facets);
 	}
 }
 
-Tet3* Dt3::closeFacet(const CavityFacet& facet, Point3* pVtx)
+void Dt3::carvePortable(const Point3* pVtx, Tet3* pStartTet)
 {
-	const auto& [a, b, c] = kOutside[facet.ith];
+	carve<HalfBatches>(pVtx, pStartTet);
+}
+
+#if defined(TULO3D_AVX2)
+TULO3D_AVX2 void Dt3::carveAvx2(const Point3* pVtx, Tet3* pStartTet)
+{
+	carve<WholeBatch>(pVtx, pStartTet);
+}
+#else
+void Dt3::carveAvx2(const Point3* pVtx, Tet3* pStartTet)
+{
+	carvePortable(pVtx, pStartTet);
+}
+#endif
+
+inline Tet3* Dt3::closeFacet(const CavityFacet& facet, Point3* pVtx)
+{
+	const unsigned ith = facet.code & 3U;
+	const bool bPositive = (facet.code >> 2U >> ith & 1U) != 0;
+	const auto& [a, b, c] = kOutside[ith];
 	const Tet3* pTet = facet.pTet;
-	Tet3* pNewTet = facet.bPositive
+	Tet3* pNewTet = bPositive
 	    ? makePositiveTet(pVtx, pTet->getCorner(a), pTet->getCorner(b), pTet->getCorner(c))
 	    : createTet(pVtx, pTet->getCorner(a), pTet->getCorner(b), pTet->getCorner(c));
-	Tet3* pNeigh = pTet->getOppTet(facet.ith);
+	Tet3* pNeigh = pTet->getOppTet(static_cast<int>(ith));
 	if (pNeigh != nullptr) registerTets(pNewTet, 0, pNeigh, pNeigh->getIntraTetIndex(pTet));
-	star.add(pNewTet);
+	star.vTets.add(pNewTet);
 	return pNewTet;
 }
 
@@ -129,7 +114,11 @@ Tet3* Dt3::replaceCavity(Point3* pVtx, Tet3* pStartTet)
 {
 	swapDeadAndRecycled();
 	star.clear();
-	carveCavity(pVtx, pStartTet);
+	if (&batchTests == &kPortableTests) {
+		carvePortable(pVtx, pStartTet);
+	} else {
+		carveAvx2(pVtx, pStartTet);
+	}
 	Tet3* pLastTet = nullptr;
 	for (const CavityFacet& facet : vCavityFacets) pLastTet = closeFacet(facet, pVtx);
 	linkClosedStar();

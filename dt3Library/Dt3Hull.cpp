@@ -85,16 +85,15 @@ void Dt3::growDoomed(const Point3* pVtx, std::vector<Tet3*>& vDoomedTets)
 	vCavityStack.clear();
 	vCavityStack.makeRoom(vDoomedTets.size());
 	for (Tet3* pTet : vDoomedTets) vCavityStack.push({pTet, nullptr});
-	CavityBorder border;
 	while (!vCavityStack.empty()) {
 		Tet3* pCurTet = vCavityStack.pop().pTet;
 		vCavityStack.makeRoom(4);
 		CONDITION_CHECK(pCurTet!=0);
-		lookAround(pCurTet, pVtx, border);
+		const CavityBorder border = lookAroundThoroughly(pCurTet, pVtx);
 		for (int i = 0; i < 4; ++i) {
 			if ((border.conflict >> i & 1U) == 0) continue;
 			doom(border.pNeigh[i], vDoomedTets);
-			vCavityStack.push({border.pNeigh[i], border.batch.opposite[i]});
+			vCavityStack.push({border.pNeigh[i], nullptr});
 		}
 	}
 }
@@ -113,7 +112,7 @@ Tet3* Dt3::createConeTets(const std::vector<Tet3*>& vCHTets, Point3* pVtx)
 			pLastTet =
 			    createTet(pVtx, pCHTet->getCorner(a), pCHTet->getCorner(b), pCHTet->getCorner(c));
 			registerTets(pLastTet, 0, pCHTet, i);
-			star.add(pLastTet);
+			star.addWithCorners(pLastTet);
 		}
 	}
 	return pLastTet;
@@ -139,7 +138,7 @@ Tet3* Dt3::retriangulateDoomedTets(const std::vector<Tet3*>& vDoomedTets, Point3
 				CONDITION_CHECK(!pOppTet->hasBeenVisited);
 				registerTets(pNewTet, 0, pOppTet, pOppTet->getIntraTetIndex(pDoomedTet));
 			}
-			star.add(pNewTet);
+			star.addWithCorners(pNewTet);
 		}
 	}
 	return pNewTet;

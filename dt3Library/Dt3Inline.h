@@ -5,14 +5,7 @@
 
 #include "Dt3.h"
 
-#include <cstdint>
-
 namespace TULO3D {
-
-inline std::uintptr_t addressOf(const Point3* p)
-{
-	return reinterpret_cast<std::uintptr_t>(p);
-}
 
 inline Tet3* Dt3::makePositiveTet(Point3* p0, Point3* p1, Point3* p2, Point3* p3)
 {

@@ -107,11 +107,8 @@ void Dt3::storeOrLinkFacet(unsigned hash, Tet3* pTet, int ith, Point3* key0, Poi
 
 void Dt3::linkClosedStar()
 {
-	if (star.fits() && star.canBeClosed()) {
-		star.linkClosed();
-		return;
-	}
-	for (Tet3* pTet : star.tets()) offerInnerFacets(pTet);
+	if (star.linkClosed()) return;
+	for (Tet3* pTet : star.vTets) offerInnerFacets(pTet);
 	flushHashCollisions();
 	if (numStoredTCS != 0) {
 		std::cout << "numStoredTCS after insertVertex: " << numStoredTCS << std::endl;
@@ -121,11 +118,8 @@ void Dt3::linkClosedStar()
 
 void Dt3::linkOpenStar()
 {
-	if (star.fits()) {
-		star.linkOpen();
-		return;
-	}
-	for (Tet3* pTet : star.tets()) offerInnerFacets(pTet);
+	if (star.linkOpen()) return;
+	for (Tet3* pTet : star.vTets) offerInnerFacets(pTet);
 	// The halves along the border of what the vertex sees have no partner: they are the new hull.
 	flushHashCollisions();
 	resetFacetHash();

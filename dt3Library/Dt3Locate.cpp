@@ -3,6 +3,7 @@
 #include "Dt3.h"
 #include "TetAroundEdgeIterator.h"
 
+#include <cstdint>
 #include <iostream>
 
 namespace TULO3D {
@@ -11,6 +12,13 @@ namespace {
 
 constexpr std::size_t kMaxFacetTests = 10000;
 constexpr int kMaxWalks = 1000;
+
+/// How many facets come before the first one of the set, in cyclic order from facet f.
+int firstFrom(int f, unsigned set)
+{
+	constexpr std::uint8_t kLowestBit[16] = {4, 0, 1, 0, 2, 0, 1, 0, 3, 0, 1, 0, 2, 0, 1, 0};
+	return kLowestBit[(set >> f | set << (4 - f)) & 0xFU];
+}
 
 } // namespace
 
@@ -21,69 +29,77 @@ int Dt3::locateConflictTet(Point3* pVtx, Tet3*& pStartTet)
 	int f = 0;       // the facet to test next
 	int numLeft = 4; // facets of this tetrahedron still to test
 	const std::size_t lastTest = numFacetTests + kMaxFacetTests;
-	while (numLeft > 0) {
-		if (++numFacetTests > lastTest) {
+	FacetSides sides;
+	for (;;) {
+		// All four sides at once cost less than one after the other and a wrong guess about each. What
+		// counts is the first facet with the point beyond it, else the first one in its plane.
+		sides = sidesOf(*pStartTet, *pVtx);
+		const unsigned stops = sides.negative != 0 ? sides.negative : ~sides.positive & 0xFU;
+		const int passed = stops != 0 ? firstFrom(f, stops) : numLeft - 1;
+		numFacetTests += static_cast<std::size_t>(passed) + 1;
+		if (numFacetTests > lastTest) {
 			// Deliberate: a random step, so that a caller who tries again starts somewhere else.
 			Tet3* pElsewhere = pStartTet->getOppTet(watchdogRandom.next() % 4);
 			if (pElsewhere != nullptr) pStartTet = pElsewhere;
 			std::cout << "watchDog: bad point" << std::endl;
 			return -99;
 		}
+		if (stops == 0) break;
+		f = (f + passed) & 3;
+		if (sides.negative == 0) return stopInPlane(pStartTet, f, sides, *pVtx);
 
-		switch (predicates.getOrientation3(pStartTet, f, pVtx)) {
-		case ORIENTATION3_NEGATIVE: {
-			Tet3* pNext = pStartTet->getOppTet(f);
-			if (pNext == nullptr) return f;
-			// The point is known to be on this side of the facet through which the walk enters.
-			f = nextIndex(pNext->getIntraTetIndex(pStartTet));
-			numLeft = 3;
-			pStartTet = pNext;
-			continue;
-		}
-		case ORIENTATION3_COPLANAR: {
-			if (pStartTet->hasVertex(*pVtx)) return -2;
-			const FacetSides sides = classifyFacets(pStartTet, f, pVtx);
-			if (sides.numNegative > 0) break;
-			if (sides.numPositive == 3) return sides.outIndex;
-			CONDITION_CHECK_AS(sides.numPositive == 2, "numPositive==2");
-			CONDITION_CHECK_AS(sides.numCoplanar == 2, "numCoplanar==2");
-			CONDITION_CHECK_AS(sides.opp2ICI >= 0, "opp2ICI>=0");
-			return stopAtHullEdge(pStartTet, f, sides.opp2ICI);
-		}
-		case ORIENTATION3_POSITIVE:
-			break;
-		}
-		f = nextIndex(f);
-		--numLeft;
+		Tet3* pNext = pStartTet->getOppTet(f);
+		if (pNext == nullptr) return f;
+		// The point is known to be on this side of the facet through which the walk enters.
+		f = nextIndex(pNext->getIntraTetIndex(pStartTet));
+		numLeft = 3;
+		pStartTet = pNext;
 	}
 
-	CONDITION_CHECK(predicates.getOrientation3(pStartTet,0,pVtx)==ORIENTATION3_POSITIVE);
-	CONDITION_CHECK(predicates.getOrientation3(pStartTet,1,pVtx)==ORIENTATION3_POSITIVE);
-	CONDITION_CHECK(predicates.getOrientation3(pStartTet,2,pVtx)==ORIENTATION3_POSITIVE);
-	CONDITION_CHECK(predicates.getOrientation3(pStartTet,3,pVtx)==ORIENTATION3_POSITIVE);
+	const auto isPositive = [&sides](int i) { return (sides.positive >> i & 1U) != 0; };
+	CONDITION_CHECK_AS(
+	    isPositive(0), "predicates.getOrientation3(pStartTet,0,pVtx)==ORIENTATION3_POSITIVE");
+	CONDITION_CHECK_AS(
+	    isPositive(1), "predicates.getOrientation3(pStartTet,1,pVtx)==ORIENTATION3_POSITIVE");
+	CONDITION_CHECK_AS(
+	    isPositive(2), "predicates.getOrientation3(pStartTet,2,pVtx)==ORIENTATION3_POSITIVE");
+	CONDITION_CHECK_AS(
+	    isPositive(3), "predicates.getOrientation3(pStartTet,3,pVtx)==ORIENTATION3_POSITIVE");
 	CONDITION_CHECK(predicates.sphereInclusionTest(pStartTet,pVtx)==SIC_INSIDE);
 	return -1;
 }
 
-FacetSides Dt3::classifyFacets(const Tet3* pTet, int f, const Point3* pVtx) const
+FacetSides Dt3::sidesOf(const Tet3& tet, const Point3& vtx) const
 {
-	FacetSides sides;
-	for (int i = 0; i < 4; ++i) {
-		switch (predicates.getOrientation3(pTet, i, pVtx)) {
-		case ORIENTATION3_POSITIVE:
-			++sides.numPositive;
-			break;
-		case ORIENTATION3_NEGATIVE:
-			++sides.numNegative;
-			break;
-		case ORIENTATION3_COPLANAR:
-			++sides.numCoplanar;
-			if (pTet->getOppTet(i) == nullptr) sides.outIndex = i;
-			if (i != f) sides.opp2ICI = i;
-			break;
-		}
+	const Point3* const corner[4] = {
+	    tet.getCorner(0), tet.getCorner(1), tet.getCorner(2), tet.getCorner(3)};
+	FacetSides sides = batchTests.facets(corner, vtx);
+	const unsigned undecided = ~(sides.positive | sides.negative) & 0xFU;
+	for (int i = 0; undecided >> i != 0; ++i) {
+		if ((undecided >> i & 1U) == 0) continue;
+		const Orientation3 side = predicates.getOrientation3(&tet, i, &vtx);
+		sides.positive |= static_cast<unsigned>(side == ORIENTATION3_POSITIVE) << i;
+		sides.negative |= static_cast<unsigned>(side == ORIENTATION3_NEGATIVE) << i;
 	}
 	return sides;
+}
+
+int Dt3::stopInPlane(Tet3*& pTet, int f, const FacetSides& sides, const Point3& vtx) const
+{
+	if (pTet->hasVertex(vtx)) return -2;
+	int numPositive = 0;
+	int numCoplanar = 0;
+	int opp2ICI = -1; // a coplanar facet other than f
+	for (int i = 0; i < 4; ++i) {
+		const bool bPositive = (sides.positive >> i & 1U) != 0;
+		(bPositive ? numPositive : numCoplanar) += 1;
+		if (!bPositive && i != f) opp2ICI = i;
+	}
+	if (numPositive == 3) return pTet->getOppTet(f) == nullptr ? f : -1;
+	CONDITION_CHECK_AS(numPositive == 2, "numPositive==2");
+	CONDITION_CHECK_AS(numCoplanar == 2, "numCoplanar==2");
+	CONDITION_CHECK_AS(opp2ICI >= 0, "opp2ICI>=0");
+	return stopAtHullEdge(pTet, f, opp2ICI);
 }
 
 int Dt3::stopAtHullEdge(Tet3*& pTet, int f, int opp2ICI) const

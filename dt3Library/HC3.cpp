@@ -71,8 +71,8 @@ struct HC3::Batch
 
 HC3::HC3(unsigned bits) : numBits(bits)
 {
-	vertexPool.init(4, -1, vertexPool.kMaxBlock);
-	itemPool.init(4, -1, itemPool.kMaxBlock);
+	vertexPool.init(4, -1, SimplePool<Point3>::kMaxBlock);
+	itemPool.init(4, -1, SimplePool<IdxVtx>::kMaxBlock);
 	if (numBits >= 33 || numBits % 3 != 0) {
 		std::cout << "HC3::HC3(..): invalid bitlength" << std::endl;
 		hardStop();

@@ -11,3 +11,8 @@
 #  define TULO3D_ALWAYS_INLINE inline
 #  define TULO3D_INLINE_LAMBDA
 #endif
+
+// A function for CPUs that have AVX2; whoever calls it has asked.
+#if defined(__GNUC__) && defined(__x86_64__)
+#  define TULO3D_AVX2 __attribute__((target("avx2")))
+#endif

@@ -1,85 +1,17 @@
 // SPDX-License-Identifier: MIT
-// The in-sphere tests of a cavity, four at a time, in three stages: doubles, doubles that are found
-// to be exact, and double-doubles. SphereDeterminant.h has the formula and the bounds.
+// The batched tests as functions, and the stages behind the first one: doubles with a sharper bound,
+// doubles that are found to be exact, and double-doubles.
 #include "NeighbourSpheres.h"
-#include "Expansion.h"
-#include "SphereDeterminant.h"
-#include "TetIndices.h"
+#include "FacetLanes.h"
 
+#include <cstddef>
 #include <cstdint>
 
 namespace TULO3D {
 
 namespace {
 
-// The corners of facet i stand in lane i of these columns. They are the rows of kOutside, each
-// turned so that a register of corners 0 1 2 3 becomes a column by swapping pairs or halves.
-constexpr int kColumnA[4] = {1, 0, 3, 2};
-constexpr int kColumnB[4] = {2, 3, 0, 1};
-constexpr int kColumnC[4] = {3, 2, 1, 0};
-
-constexpr bool columnsAreTheFacets()
-{
-	for (int i = 0; i < 4; ++i) {
-		const int turn = placeInFacet(i, kColumnA[i]);
-		if (kOutside[i][(turn + 1) % 3] != kColumnB[i]) return false;
-		if (kOutside[i][(turn + 2) % 3] != kColumnC[i]) return false;
-	}
-	return true;
-}
-static_assert(columnsAreTheFacets(), "a lane would test another facet");
-
 #if defined(__GNUC__)
-#  pragma GCC diagnostic ignored "-Wpsabi" // no lane ever crosses a real call
-
-// A register holds the facets of a batch side by side: all four, or the two of one half. A CPU whose
-// registers are shorter than the type would be slowed down rather than helped.
-typedef double Lanes2 __attribute__((vector_size(16)));
-typedef double Lanes4 __attribute__((vector_size(32)));
-typedef std::int64_t Flags2 __attribute__((vector_size(16))); // all ones or all zeros
-typedef std::int64_t Flags4 __attribute__((vector_size(32)));
-
-template <typename Lanes>
-struct FlagsOf;
-template <>
-struct FlagsOf<Lanes2>
-{
-	using Type = Flags2;
-};
-template <>
-struct FlagsOf<Lanes4>
-{
-	using Type = Flags4;
-};
-template <typename Lanes>
-using Flags = typename FlagsOf<Lanes>::Type;
-
-TULO3D_ALWAYS_INLINE Lanes2 swapPairs(const Lanes2& v)
-{
-	return __builtin_shufflevector(v, v, 1, 0);
-}
-
-TULO3D_ALWAYS_INLINE Lanes4 swapPairs(const Lanes4& v)
-{
-	return __builtin_shufflevector(v, v, 1, 0, 3, 2);
-}
-
-TULO3D_ALWAYS_INLINE Lanes4 swapHalves(const Lanes4& v)
-{
-	return __builtin_shufflevector(v, v, 2, 3, 0, 1);
-}
-
-template <typename Lanes>
-TULO3D_ALWAYS_INLINE DoubleDouble<Lanes> swapPairs(const DoubleDouble<Lanes>& v)
-{
-	return {swapPairs(v.hi), swapPairs(v.lo)};
-}
-
-template <typename N>
-TULO3D_ALWAYS_INLINE SphereRow<N> swapPairs(const SphereRow<N>& r)
-{
-	return {swapPairs(r.x), swapPairs(r.y), swapPairs(r.z), swapPairs(r.l)};
-}
 
 template <typename Lanes>
 TULO3D_ALWAYS_INLINE Lanes maskedWith(const Lanes& v, std::int64_t mask)
@@ -91,25 +23,6 @@ template <typename Lanes>
 TULO3D_ALWAYS_INLINE Lanes magnitude(const Lanes& v)
 {
 	return maskedWith(v, 0x7fffffffffffffff);
-}
-
-/// Points side by side, by their coordinates.
-template <typename Lanes>
-struct Points
-{
-	Lanes x, y, z;
-};
-
-TULO3D_ALWAYS_INLINE Points<Lanes2> gather(const Point3* pP, const Point3* pQ)
-{
-	return {Lanes2{pP->x(), pQ->x()}, Lanes2{pP->y(), pQ->y()}, Lanes2{pP->z(), pQ->z()}};
-}
-
-TULO3D_ALWAYS_INLINE Points<Lanes4> gather(const Point3* const (&p)[4])
-{
-	return {Lanes4{p[0]->x(), p[1]->x(), p[2]->x(), p[3]->x()},
-	    Lanes4{p[0]->y(), p[1]->y(), p[2]->y(), p[3]->y()},
-	    Lanes4{p[0]->z(), p[1]->z(), p[2]->z(), p[3]->z()}};
 }
 
 /// The facets of a batch that are tested side by side: their own corners, those of the other half of
@@ -127,19 +40,13 @@ TULO3D_ALWAYS_INLINE Group<Lanes4> wholeBatch(const NeighbourBatch& batch)
 }
 
 /// Facets 0 and 1, or 2 and 3.
-TULO3D_ALWAYS_INLINE Group<Lanes2> halfBatch(const NeighbourBatch& batch, int half)
+TULO3D_ALWAYS_INLINE Group<Lanes2> halfBatch(const NeighbourBatch& batch, std::size_t half)
 {
 	const Point3* const* own = batch.corner + 2 * half;
 	const Point3* const* other = batch.corner + 2 - 2 * half;
-	const Point3* const* beyond = batch.opposite + 2 * half;
+	Point3* const* beyond = batch.opposite + 2 * half;
 	return {gather(own[0], own[1]), gather(other[0], other[1]), gather(beyond[0], beyond[1])};
 }
-
-template <typename Lanes>
-struct LaneVerdicts
-{
-	Flags<Lanes> inside, outside, positive;
-};
 
 TULO3D_ALWAYS_INLINE bool allOf(const Flags2& flags)
 {
@@ -149,20 +56,6 @@ TULO3D_ALWAYS_INLINE bool allOf(const Flags2& flags)
 TULO3D_ALWAYS_INLINE bool allOf(const Flags4& flags)
 {
 	return (flags[0] & flags[1] & flags[2] & flags[3]) != 0;
-}
-
-/// Over the three corners of a facet: columns A, B and C of the table above.
-template <typename Lanes>
-TULO3D_ALWAYS_INLINE Lanes sumOverFacet(const Lanes& own, const Lanes& other)
-{
-	return swapPairs(own) + other + swapPairs(other);
-}
-
-template <typename N>
-TULO3D_ALWAYS_INLINE SphereDeterminant<N> determinants(
-    const SphereRow<N>& own, const SphereRow<N>& other, const SphereRow<N>& beyond)
-{
-	return sphereDeterminant(swapPairs(own), other, swapPairs(other), beyond);
 }
 
 /// What the stages have in common: the rows and determinants in doubles, and the bounds before
@@ -179,13 +72,10 @@ struct LaneStage
 template <typename Lanes>
 TULO3D_ALWAYS_INLINE LaneStage<Lanes> laneStage(const Group<Lanes>& group, const Point3& query)
 {
-	const auto rows = [&query](const Points<Lanes>& p) TULO3D_INLINE_LAMBDA {
-		return sphereRow<Lanes>(p.x - query.x(), p.y - query.y(), p.z - query.z());
-	};
 	LaneStage<Lanes> s;
-	s.own = rows(group.own);
-	s.other = rows(group.other);
-	s.beyond = rows(group.beyond);
+	s.own = rowsOf(group.own, query);
+	s.other = rowsOf(group.other, query);
+	s.beyond = rowsOf(group.beyond, query);
 	s.d = determinants(s.own, s.other, s.beyond);
 
 	const Lanes sumX = sumOverFacet(magnitude(s.own.x), magnitude(s.other.x));
@@ -265,14 +155,7 @@ TULO3D_ALWAYS_INLINE void doubleDoubleStage(const Group<Lanes>& group, const Poi
 	verdicts.outside |= (Flags<Lanes>)(det > bound);
 }
 
-/// The first stage, which nearly always settles everything.
-template <typename Lanes>
-TULO3D_ALWAYS_INLINE LaneVerdicts<Lanes> testLanes(const Group<Lanes>& group, const Point3& query)
-{
-	return fastStage(laneStage(group, query));
-}
-
-/// All stages, for a group with a lane in doubt.
+/// The other stages, for a group with a lane in doubt.
 template <typename Lanes>
 TULO3D_ALWAYS_INLINE LaneVerdicts<Lanes> settleLanes(const Group<Lanes>& group, const Point3& query)
 {
@@ -284,81 +167,75 @@ TULO3D_ALWAYS_INLINE LaneVerdicts<Lanes> settleLanes(const Group<Lanes>& group, 
 	return verdicts;
 }
 
-// What follows stands once for each kind of CPU. Settling is kept out of line, or its registers
-// would burden the ordinary case.
+// Settling is kept out of line, or its registers would burden the ordinary case.
 
-__attribute__((noinline)) LaneVerdicts<Lanes2> settleHalf(
-    const NeighbourBatch& batch, int half, const Point3& query)
+__attribute__((noinline)) NeighbourVerdicts settleHalves(
+    const NeighbourBatch& batch, const Point3& query)
 {
-	return settleLanes(halfBatch(batch, half), query);
+	return unpacked(
+	    settleLanes(halfBatch(batch, 0), query), settleLanes(halfBatch(batch, 1), query));
 }
 
-/// The bits of facets 0 and 1, or 2 and 3.
-void testHalf(
-    const NeighbourBatch& batch, int half, const Point3& query, NeighbourVerdicts& verdicts)
-{
-	LaneVerdicts<Lanes2> lanes = testLanes(halfBatch(batch, half), query);
-	if (!allOf(lanes.inside | lanes.outside)) lanes = settleHalf(batch, half, query);
-	const auto bits = [half](const Flags2& flags) {
-		return static_cast<unsigned>((flags[0] & 1) | (flags[1] & 2)) << 2 * half;
-	};
-	verdicts.inside |= bits(lanes.inside);
-	verdicts.outside |= bits(lanes.outside);
-	verdicts.positive |= bits(lanes.positive);
-}
-
-#  if defined(__x86_64__)
-#	define TULO3D_AVX2 __attribute__((target("avx2")))
-
-TULO3D_AVX2 inline __attribute__((always_inline)) NeighbourVerdicts packAvx2(
-    const LaneVerdicts<Lanes4>& lanes)
-{
-	return {static_cast<unsigned>(__builtin_ia32_movmskpd256((Lanes4)lanes.inside)),
-	    static_cast<unsigned>(__builtin_ia32_movmskpd256((Lanes4)lanes.outside)),
-	    static_cast<unsigned>(__builtin_ia32_movmskpd256((Lanes4)lanes.positive))};
-}
+#  if defined(TULO3D_AVX2)
 
 TULO3D_AVX2 __attribute__((noinline)) NeighbourVerdicts settleAvx2(
     const NeighbourBatch& batch, const Point3& query)
 {
-	return packAvx2(settleLanes(wholeBatch(batch), query));
+	return unpacked(settleLanes(wholeBatch(batch), query));
 }
 
 TULO3D_AVX2 NeighbourVerdicts testNeighboursAvx2(const NeighbourBatch& batch, const Point3& query)
 {
-	const NeighbourVerdicts verdicts = packAvx2(testLanes(wholeBatch(batch), query));
-	if ((verdicts.inside | verdicts.outside) == 0xfU) return verdicts;
+	const NeighbourVerdicts verdicts = WholeBatch::verdicts(batch, query);
+	if ((verdicts.inside | verdicts.outside) == 0xFU) return verdicts;
 	return settleAvx2(batch, query);
 }
+
+TULO3D_AVX2 FacetSides testFacetsAvx2(const Point3* const (&corner)[4], const Point3& query)
+{
+	return WholeBatch::sides(corner, query);
+}
+
 #  endif
 
+#else
+
+NeighbourVerdicts settleHalves(const NeighbourBatch&, const Point3&)
+{
+	return {0, 0, 0};
+}
+
 #endif
+
+NeighbourVerdicts testNeighboursPortable(const NeighbourBatch& batch, const Point3& query)
+{
+	const NeighbourVerdicts verdicts = HalfBatches::verdicts(batch, query);
+	if ((verdicts.inside | verdicts.outside) == 0xFU) return verdicts;
+	return settleHalves(batch, query);
+}
+
+FacetSides testFacetsPortable(const Point3* const (&corner)[4], const Point3& query)
+{
+	return HalfBatches::sides(corner, query);
+}
 
 } // namespace
 
-NeighbourVerdicts testNeighboursPortable(
-    [[maybe_unused]] const NeighbourBatch& batch, [[maybe_unused]] const Point3& query)
-{
-	NeighbourVerdicts verdicts = {0, 0, 0};
-#if defined(__GNUC__) // without vector types nothing is certain here; the adaptive tests decide
-	testHalf(batch, 0, query, verdicts);
-	testHalf(batch, 1, query, verdicts);
-#endif
-	return verdicts;
-}
+const BatchTests kPortableTests = {testNeighboursPortable, testFacetsPortable};
 
-NeighbourTest neighbourTestAvx2()
+const BatchTests* avx2Tests()
 {
-#if defined(__GNUC__) && defined(__x86_64__)
-	if (__builtin_cpu_supports("avx2")) return testNeighboursAvx2;
+#if defined(TULO3D_AVX2)
+	static const BatchTests tests = {testNeighboursAvx2, testFacetsAvx2};
+	if (__builtin_cpu_supports("avx2")) return &tests;
 #endif
 	return nullptr;
 }
 
-NeighbourTest bestNeighbourTest()
+const BatchTests& bestTests()
 {
-	const NeighbourTest avx2 = neighbourTestAvx2();
-	return avx2 != nullptr ? avx2 : testNeighboursPortable;
+	const BatchTests* avx2 = avx2Tests();
+	return avx2 != nullptr ? *avx2 : kPortableTests;
 }
 
 } // namespace TULO3D

@@ -12,7 +12,7 @@ namespace TULO3D {
 struct NeighbourBatch
 {
 	const Point3* corner[4];
-	const Point3* opposite[4];
+	Point3* opposite[4];
 };
 
 /// What is certain, one bit for each facet. A bit that is set is the exact sign; where neither
@@ -27,13 +27,30 @@ struct NeighbourVerdicts
 /// A variant of the test. Variants may differ in what they leave undecided, never in a sign.
 using NeighbourTest = NeighbourVerdicts (*)(const NeighbourBatch& batch, const Point3& query);
 
+/// On which sides of a tetrahedron's facets a point lies, one bit for each facet; exact where set.
+/// Where both are clear it is in the plane of the facet, or too close to tell.
+struct FacetSides
+{
+	unsigned positive; ///< strictly on the tetrahedron's own side
+	unsigned negative; ///< strictly beyond the facet
+};
+
+using FacetTest = FacetSides (*)(const Point3* const (&corner)[4], const Point3& query);
+
+/// The tests of one variant.
+struct BatchTests
+{
+	NeighbourTest neighbours;
+	FacetTest facets;
+};
+
 /// For any CPU.
-NeighbourVerdicts testNeighboursPortable(const NeighbourBatch& batch, const Point3& query);
+extern const BatchTests kPortableTests;
 
 /// With four doubles to a register; null where the CPU or the compiler has none such.
-NeighbourTest neighbourTestAvx2();
+const BatchTests* avx2Tests();
 
 /// The fastest variant for this CPU.
-NeighbourTest bestNeighbourTest();
+const BatchTests& bestTests();
 
 } // namespace TULO3D

@@ -12,13 +12,40 @@ namespace TULO3D {
 /// A growable array of plain values that outlives its contents: clearing keeps the memory, as the
 /// work of one insertion is followed by that of the next.
 ///
-/// `pushIf` always writes and only moves the end when told so. In a cavity one neighbour in two is
+/// A `Writer` always writes and only moves its end when told so. In a cavity one neighbour in two is
 /// taken, and no CPU predicts which; a wasted write costs far less than a wrong guess.
 template <typename T>
 class ScratchArray
 {
 public:
-	/// Makes sure that `count` more elements fit; `push` and `pushIf` rely on it.
+	/// The end of an array, taken out of it for a few writes, so that it can stay in a register: the
+	/// compiler must expect that a write changes the array itself.
+	class Writer
+	{
+	public:
+		explicit Writer(T* pEnd) : pNext(pEnd) {}
+
+		void pushIf(bool bTake, const T& value)
+		{
+			*pNext = value;
+			pNext += bTake;
+		}
+
+	private:
+		friend class ScratchArray;
+		T* pNext;
+	};
+
+	/// For up to `count` more elements, which belong to the array after `accept`.
+	Writer writer(std::size_t count)
+	{
+		makeRoom(count);
+		return Writer(pEnd);
+	}
+
+	void accept(const Writer& writer) { pEnd = writer.pNext; }
+
+	/// Makes sure that `count` more elements fit; `push` relies on it.
 	void makeRoom(std::size_t count)
 	{
 		if (static_cast<std::size_t>(pLimit - pEnd) < count) grow(2 * (size() + count));
@@ -26,10 +53,11 @@ public:
 
 	void push(const T& value) { *pEnd++ = value; }
 
-	void pushIf(bool bTake, const T& value)
+	/// With room for itself.
+	void add(const T& value)
 	{
-		*pEnd = value;
-		pEnd += bTake;
+		makeRoom(1);
+		push(value);
 	}
 
 	T pop() { return *--pEnd; }

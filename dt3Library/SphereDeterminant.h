@@ -17,6 +17,15 @@
 // 18 u leaves room for the second order and for the rounding of the bound itself. Likewise 8 u for
 // |xyz|, and 9 u.
 //
+// The quick bound. Let S be the sum of the four lifts, x(i)^2 + y(i)^2 + z(i)^2. A column sum of n
+// magnitudes is at most the root of n times its sum of squares, by Cauchy and Schwarz, and the
+// product of the three sums of squares at most (S / 3)^3, that of their means. So the three column
+// sums of magnitudes multiply to at most 4^(3/2) * (S / 3)^(3/2) < 1.54 * S^(3/2), all four to less
+// than 1.54 * S^(5/2), and 18 u becomes 28 u: 32 u leaves room for the rounding of S and its powers.
+// For |xyz|, over three rows, the factor is 3^(3/2) / 3^(3/2) = 1, and S over the three is at most
+// that over four: 9 u, and 16 u. The bound needs no magnitudes, and what it decides the sharper ones
+// decide as well.
+//
 // The bound in double-doubles. The differences are exact. A lift costs 7 + 2 * 4 u^2, a 2 x 2 minor
 // 7 + 4, a 3 x 3 minor 7 + 2 * 4, the last line 7 + 3 * 4: 60 u^2 of each product, and 128 u^2 =
 // 2^-99 is twice as much.
@@ -30,6 +39,8 @@
 namespace TULO3D {
 
 constexpr double kSphereBound = 18.0 * 0x1p-53;
+constexpr double kQuickSphereBound = 32.0 * 0x1p-53;
+constexpr double kQuickFacetBound = 16.0 * 0x1p-53;
 constexpr double kFacetBound = 9.0 * 0x1p-53;
 constexpr double kSphereBoundDoubleDouble = 0x1p-99;
 
@@ -46,7 +57,7 @@ TULO3D_ALWAYS_INLINE SphereRow<N> sphereRow(const N& x, const N& y, const N& z)
 	return {x, y, z, x * x + y * y + z * z};
 }
 
-/// The determinant, and its minor |xyz|: the volume over the facet a, b, c.
+/// The determinant, and its minor |xyz|.
 template <typename N>
 struct SphereDeterminant
 {

@@ -14,133 +14,131 @@ namespace TULO3D {
 
 /// Pairs the inner facets of a star of ordinary size through a table of directed edges.
 ///
-/// Each new tetrahedron joins the inserted vertex to a triangle, and all triangles are seen from it
-/// in the same sense. So the edge between two triangles runs from a to b in one and from b to a in
-/// the other: a table with a row and a column for each vertex of the star takes one entry for each
-/// directed edge, and a tetrahedron finds its neighbours by looking up its edges reversed. Nothing
-/// is searched for, so no branch is guessed wrong; the table of pending halves, which takes stars
-/// of any size, guesses for every half whether it is the first or the second.
+/// Each new tetrahedron joins the inserted vertex, its corner 0, to a triangle, and all triangles are
+/// seen from there in the same sense. So the edge between two triangles runs from a to b in one and
+/// from b to a in the other: a table with a row and a column for each vertex of the star takes one
+/// entry for each directed edge, and a tetrahedron finds its neighbours by looking up its edges
+/// reversed. Nothing is searched for, so no branch is guessed wrong; the table of pending halves,
+/// which takes stars of any size, guesses for every half whether it is the first or the second.
+///
+/// The rows are found without a search, too: while a star is being linked, each vertex carries its
+/// number in the place of its link to a tetrahedron, and gets the link back at the end.
 class StarLinker
 {
 public:
-	/// Begins a star.
+	/// The tetrahedra of the star, and its vertices in any order, each at least once.
+	ScratchArray<Tet3*> vTets;
+	ScratchArray<Point3*> vCorners;
+
 	void clear()
 	{
-		for (std::uint32_t i = 0; i < numVertices; ++i) slots[usedSlot[i]].pVtx = nullptr;
-		numVertices = 0;
-		bFits = true;
 		vTets.clear();
+		vCorners.clear();
 	}
 
-	/// Announces a vertex of the star. `add` does so itself; but it meets each vertex some five times,
-	/// and whether for the first time it would have to guess, where here nothing hangs on it.
-	void announce(const Point3* pVtx)
+	/// Adds a tetrahedron, and its vertices in case they are not there yet.
+	void addWithCorners(Tet3* pTet)
 	{
-		bFits = bFits && numVertices < kMaxVertices;
-		if (!bFits) return;
-		std::uint32_t slot = slotOf(pVtx);
-		while ((slots[slot].pVtx != nullptr) & (slots[slot].pVtx != pVtx))
-			slot = (slot + 1) % kSlots;
-		const std::uint32_t bNew = slots[slot].pVtx == nullptr;
-		slots[slot] = {pVtx, bNew != 0 ? numVertices : slots[slot].number};
-		usedSlot[numVertices] = slot;
-		numVertices += bNew;
+		vTets.add(pTet);
+		for (int i = 1; i < 4; ++i) vCorners.add(pTet->getCorner(i));
 	}
 
-	/// Adds a tetrahedron whose corner 0 is the inserted vertex.
-	void add(Tet3* pTet)
+	/// Links a star whose triangles close around the vertex. False, with nothing linked, when there
+	/// are too many vertices, or when the triangles cannot form a closed surface: that is a defect.
+	bool linkClosed()
 	{
-		const std::size_t n = vTets.size();
-		vTets.makeRoom(1);
-		vTets.push(pTet);
-		bFits = bFits && numVertices + 3 <= kMaxVertices && n < kMaxTets;
-		if (!bFits) return;
-		triangles[n] = {numberOf(pTet->getCorner(1)), numberOf(pTet->getCorner(2)),
-		    numberOf(pTet->getCorner(3))};
+		// Euler's formula.
+		const bool bLinks = numberVertices() && vTets.size() + 4 == 2 * std::size_t{numVertices};
+		if (bLinks) linkNumbered();
+		giveLinksBack();
+		return bLinks;
 	}
 
-	/// All tetrahedra added since `clear`, in that order.
-	const ScratchArray<Tet3*>& tets() const { return vTets; }
-
-	/// True when the star is small enough for the table.
-	bool fits() const { return bFits; }
-
-	/// True when the triangles can form a closed surface, by Euler's formula: false after a defect.
-	bool canBeClosed() const { return vTets.size() + 4 == 2 * std::size_t{numVertices}; }
-
-	/// Links a star whose triangles close around the vertex: every edge is there in both directions.
-	void linkClosed()
+	/// Links a star that ends at the hull: facets without a partner keep a null neighbour. False,
+	/// with nothing linked, when there are too many vertices.
+	bool linkOpen()
 	{
-		const std::size_t n = vTets.size();
-		Tet3* const* pTets = vTets.begin();
-		for (std::size_t i = 0; i < n; ++i) {
-			const Triangle t = triangles[i];
-			edges[t.a][t.b] = edges[t.b][t.c] = edges[t.c][t.a] = pTets[i];
+		const bool bLinks = numberVertices();
+		if (bLinks) {
+			for (std::uint32_t i = 0; i < numVertices; ++i) {
+				Tet3** pRow = edges + std::size_t{i} * kMaxVertices;
+				std::fill(pRow, pRow + numVertices, nullptr);
+			}
+			linkNumbered();
 		}
-		for (std::size_t i = 0; i < n; ++i) {
-			const Triangle t = triangles[i];
-			pTets[i]->setOppTet(1, edges[t.c][t.b]);
-			pTets[i]->setOppTet(2, edges[t.a][t.c]);
-			pTets[i]->setOppTet(3, edges[t.b][t.a]);
-		}
-	}
-
-	/// Links a star that ends at the hull: facets without a partner keep a null neighbour.
-	void linkOpen()
-	{
-		for (std::uint32_t i = 0; i < numVertices; ++i) {
-			std::fill(edges[i], edges[i] + numVertices, nullptr);
-		}
-		linkClosed();
+		giveLinksBack();
+		return bLinks;
 	}
 
 private:
 	static constexpr std::uint32_t kMaxVertices = 64; // an ordinary star has 15
-	static constexpr std::size_t kMaxTets = 2 * kMaxVertices;
-	static constexpr unsigned kSlots = 256;
+	static constexpr std::size_t kMaxTets = 2 * std::size_t{kMaxVertices};
 
-	/// The numbers of corners 1, 2 and 3 in this star.
-	struct Triangle
+	/// Where the table has the neighbours across facets 1, 2 and 3.
+	struct Places
 	{
-		std::uint32_t a, b, c;
+		std::uint32_t facet1, facet2, facet3;
 	};
 
-	/// A vertex of the star and its number; the vertex is null where the slot is free.
-	struct Slot
+	struct Vertex
 	{
-		const Point3* pVtx;
-		std::uint32_t number;
+		Point3* pVtx;
+		Tet3* pOneTet;
 	};
 
-	/// Fibonacci hashing: the top 8 bits of the product choose one of 256 slots.
-	static std::uint32_t slotOf(const Point3* pVtx)
+	/// Gives each vertex a number; false when there are too many.
+	bool numberVertices()
 	{
-		const auto address = static_cast<std::uint64_t>(reinterpret_cast<std::uintptr_t>(pVtx));
-		return static_cast<std::uint32_t>((address * 0x9E3779B97F4A7C15U) >> 56U);
-	}
-
-	std::uint32_t numberOf(const Point3* pVtx)
-	{
-		std::uint32_t slot = slotOf(pVtx);
-		while (slots[slot].pVtx != pVtx) {
-			if (slots[slot].pVtx == nullptr) {
-				slots[slot] = {pVtx, numVertices};
-				usedSlot[numVertices] = slot;
-				return numVertices++;
-			}
-			slot = (slot + 1) % kSlots;
+		std::uintptr_t n = 0;
+		for (Point3* pVtx : vCorners) {
+			// A number given before is below n, an address above it. That the vertex has been here already
+			// decides what is kept, not what is done.
+			Tet3* const pLink = pVtx->getOneTet();
+			const auto link = reinterpret_cast<std::uintptr_t>(pLink);
+			vertices[n] = {pVtx, pLink};
+			pVtx->setOneTet(reinterpret_cast<Tet3*>(std::min(link, n)));
+			n += link > n;
+			if (n > kMaxVertices) break;
 		}
-		return slots[slot].number;
+		numVertices = static_cast<std::uint32_t>(n);
+		return n <= kMaxVertices && vTets.size() <= kMaxTets;
 	}
 
-	ScratchArray<Tet3*> vTets;
-	Triangle triangles[kMaxTets];
-	Tet3* edges[kMaxVertices]
-	           [kMaxVertices]; // the tetrahedron whose triangle runs from row to column
+	static std::uint32_t numberOf(const Point3* pVtx)
+	{
+		return static_cast<std::uint32_t>(reinterpret_cast<std::uintptr_t>(pVtx->getOneTet()));
+	}
+
+	void giveLinksBack()
+	{
+		for (std::uint32_t i = 0; i < numVertices; ++i) {
+			vertices[i].pVtx->setOneTet(vertices[i].pOneTet);
+		}
+	}
+
+	void linkNumbered()
+	{
+		Places* pPlaces = places;
+		for (Tet3* pTet : vTets) {
+			const std::uint32_t a = numberOf(pTet->getCorner(1));
+			const std::uint32_t b = numberOf(pTet->getCorner(2));
+			const std::uint32_t c = numberOf(pTet->getCorner(3));
+			const std::uint32_t rowA = a * kMaxVertices, rowB = b * kMaxVertices,
+			                    rowC = c * kMaxVertices;
+			edges[rowA + b] = edges[rowB + c] = edges[rowC + a] = pTet;
+			*pPlaces++ = {rowC + b, rowA + c, rowB + a};
+		}
+		pPlaces = places;
+		for (Tet3* pTet : vTets) {
+			const Places at = *pPlaces++;
+			pTet->linkInside(edges[at.facet1], edges[at.facet2], edges[at.facet3]);
+		}
+	}
+
 	std::uint32_t numVertices = 0;
-	bool bFits = true;
-	Slot slots[kSlots] = {}; // vertices by their hash
-	std::uint32_t usedSlot[kMaxVertices];
+	Vertex vertices[kMaxVertices + 1]; // with room for one that is not kept
+	Places places[kMaxTets];
+	Tet3* edges[kMaxVertices * kMaxVertices]; // whose triangle runs from row to column
 };
 
 } // namespace TULO3D

@@ -41,8 +41,8 @@ private:
 class StartFinder
 {
 public:
-	/// `vVertices`, in the order of the store, must outlive the finder.
-	explicit StartFinder(const std::vector<Point3*>& vVertices);
+	/// `vBatch`, in the order of the store, must outlive the finder.
+	explicit StartFinder(const std::vector<Point3*>& vBatch);
 
 	/// A tetrahedron near vertex `i` of the batch: pLastTet, or one that is nearer.
 	Tet3* nearerStart(std::size_t i, Tet3* pLastTet) const;

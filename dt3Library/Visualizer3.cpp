@@ -144,7 +144,7 @@ std::string Visualizer3::getColor()
 
 std::string Visualizer3::getNextColor()
 {
-	const std::string color = getColor();
+	std::string color = getColor();
 	colorIndex = (colorIndex + 1) % kCycledColors;
 	return color;
 }

@@ -13,6 +13,7 @@ namespace TULO3D {
 
 class Facet3;
 class Edge3;
+class StarLinker;
 
 // clang-format off
 /// A tetrahedron of the mesh.
@@ -186,7 +187,16 @@ public:
 	static int runningLabel;
 
 private:
+	friend class StarLinker;
 	friend TULO3D_API std::ostream& operator<<(std::ostream& stream, const Tet3& tet);
+
+	/// Links neighbours 1, 2 and 3 at once, none of which is this tetrahedron.
+	void linkInside(Tet3* p1, Tet3* p2, Tet3* p3)
+	{
+		aNeighbours[1] = p1;
+		aNeighbours[2] = p2;
+		aNeighbours[3] = p3;
+	}
 
 	/// The next label. A very long run uses up all integers; then they start again from below.
 	static int takeLabel()

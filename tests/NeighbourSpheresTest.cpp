@@ -12,9 +12,9 @@ using namespace TULO3D;
 
 TEST(NeighbourSpheres, NoVariantIsCertainOfAWrongSign)
 {
-	const NeighbourTest variants[] = {testNeighboursPortable, neighbourTestAvx2()};
+	const BatchTests* variants[] = {&kPortableTests, avx2Tests()};
 	points::Random random(5);
-	int numOf[4] = {}; // undecided, inside, outside, positive
+	int numOf[6] = {}; // undecided, inside, outside, positive; the same side, beyond
 	for (const points::Family& family : points::families()) {
 		if (family.name == "Denormals") continue; // below the range of exact signs
 		const points::Cloud cloud = family.make(300, 1);
@@ -28,12 +28,15 @@ TEST(NeighbourSpheres, NoVariantIsCertainOfAWrongSign)
 			}
 			const NeighbourBatch batch = {
 			    {&p[0], &p[1], &p[2], &p[3]}, {&p[4], &p[5], &p[6], &p[7]}};
-			const NeighbourVerdicts first = testNeighboursPortable(batch, p[8]);
-			for (const NeighbourTest test : variants) {
-				if (test == nullptr) continue; // not on this CPU
-				const NeighbourVerdicts v = test(batch, p[8]);
+			const NeighbourVerdicts first = kPortableTests.neighbours(batch, p[8]);
+			const FacetSides sides = kPortableTests.facets(batch.corner, p[8]);
+			for (const BatchTests* pTests : variants) {
+				if (pTests == nullptr) continue; // not on this CPU
+				const NeighbourVerdicts v = pTests->neighbours(batch, p[8]);
 				ASSERT_TRUE(v.inside == first.inside && v.outside == first.outside &&
 				    v.positive == first.positive);
+				const FacetSides s = pTests->facets(batch.corner, p[8]);
+				ASSERT_TRUE(s.positive == sides.positive && s.negative == sides.negative);
 			}
 			for (int i = 0; i < 4; ++i) {
 				const Point3 &a = p[kOutside[i][0]], &b = p[kOutside[i][1]], &c = p[kOutside[i][2]];
@@ -43,10 +46,15 @@ TEST(NeighbourSpheres, NoVariantIsCertainOfAWrongSign)
 				           bPositive = first.positive >> i & 1;
 				ASSERT_TRUE(!bInside || sphere > 0) << family.name << " round " << round;
 				ASSERT_TRUE(!bOutside || sphere <= 0) << family.name << " round " << round;
-				ASSERT_TRUE(!bPositive || oracle::quickOrientation(a, b, c, p[8]) < 0)
+				const int beyond = oracle::quickOrientation(a, b, c, p[8]);
+				ASSERT_TRUE(!bPositive || beyond < 0) << family.name << " round " << round;
+				const bool bAbove = sides.positive >> i & 1, bBelow = sides.negative >> i & 1;
+				ASSERT_TRUE((!bAbove || beyond < 0) && (!bBelow || beyond > 0))
 				    << family.name << " round " << round;
 				++numOf[bInside ? 1 : bOutside ? 2 : 0];
 				numOf[3] += bPositive;
+				numOf[4] += bAbove;
+				numOf[5] += bBelow;
 			}
 		}
 	}

@@ -1,0 +1,72 @@
+// SPDX-License-Identifier: MIT
+// What lies around a tetrahedron of the cavity.
+#pragma once
+
+#include "Inline.h"
+#include "NeighbourSpheres.h"
+#include "Tet3.h"
+
+#include <cstdint>
+
+namespace TULO3D {
+
+/// A tetrahedron of the cavity, seen from inside; in the sets, bit i stands for facet i and for the
+/// neighbour beyond it.
+struct CavityBorder
+{
+	Tet3* pNeigh[4];    ///< the tetrahedron itself stands in where there is none
+	Point3* pApex[4];   ///< the corners beyond the facets
+	unsigned open;      ///< the neighbour is not visited, or there is none
+	unsigned conflict;  ///< not visited, and to join the cavity
+	unsigned undecided; ///< not visited, and the test was not certain of it
+	unsigned positive;  ///< the vertex is known to lie strictly on the tetrahedron's side
+
+	/// Facets between the cavity and what stays, or the hull, once nothing is undecided.
+	unsigned boundary() const { return open & ~conflict; }
+};
+
+inline std::uintptr_t addressOf(const Point3* p)
+{
+	return reinterpret_cast<std::uintptr_t>(p);
+}
+
+/// The exclusive or of the corners' addresses. When the three of a facet drop out of it, the fourth
+/// is left: it is there at once, where a search would guess wrong three times in four.
+inline std::uintptr_t mixOfCorners(const Tet3& tet)
+{
+	return addressOf(tet.getCorner(0)) ^ addressOf(tet.getCorner(1)) ^ addressOf(tet.getCorner(2)) ^
+	    addressOf(tet.getCorner(3));
+}
+
+/// Looks around pTet, which is visited. `test` is a NeighbourTest, or a part of one that may be less
+/// certain; it is asked about all four neighbours, whether they exist and are of interest or not:
+/// that is cheaper than to guess.
+template <typename Test>
+TULO3D_ALWAYS_INLINE CavityBorder lookAround(Tet3* pTet, const Point3& vtx, Test test)
+{
+	CavityBorder border;
+	NeighbourBatch batch;
+	const std::uintptr_t corners = mixOfCorners(*pTet);
+	unsigned hull = 0;
+	unsigned visited = 0;
+	for (int i = 0; i < 4; ++i) {
+		Tet3* pNeigh = pTet->getOppTet(i);
+		hull |= static_cast<unsigned>(pNeigh == nullptr) << i;
+		pNeigh = pNeigh == nullptr ? pTet : pNeigh;
+		visited |= static_cast<unsigned>(pNeigh->hasBeenVisited) << i;
+		const std::uintptr_t facet = corners ^ addressOf(pTet->getCorner(i));
+		border.pNeigh[i] = pNeigh;
+		border.pApex[i] = reinterpret_cast<Point3*>(facet ^ mixOfCorners(*pNeigh));
+		batch.corner[i] = pTet->getCorner(i);
+		batch.opposite[i] = border.pApex[i];
+	}
+	const NeighbourVerdicts verdicts = test(batch, vtx);
+	const unsigned toTest = ~visited & 0xFU;
+	border.open = toTest | hull;
+	border.conflict = verdicts.inside & toTest;
+	border.undecided = toTest & ~(verdicts.inside | verdicts.outside);
+	border.positive = verdicts.positive;
+	return border;
+}
+
+} // namespace TULO3D
