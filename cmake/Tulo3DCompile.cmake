@@ -15,8 +15,10 @@ function(tulo3d_compile_options target)
 	endif()
 
 	# A product fused with a sum is rounded once instead of twice, and the error terms of the exact
-	# arithmetic would belong to another sum.
-	target_compile_options(${target} PRIVATE -ffp-contract=off)
+	# arithmetic would belong to another sum. Sums in another order have no error terms at all; where
+	# they are allowed, compilers also link what makes the whole process flush small numbers to zero.
+	target_compile_options(${target} PRIVATE -ffp-contract=off -fno-unsafe-math-optimizations)
+	target_link_options(${target} PRIVATE -fno-unsafe-math-optimizations)
 
 	# The paths that failed checks print are those of the source tree, not of one machine.
 	target_compile_options(${target} PRIVATE "-fmacro-prefix-map=${Tulo3D_SOURCE_DIR}/=")

@@ -2,6 +2,7 @@
 // The machine constants, the fast stage of the in-sphere test, and the names of the results.
 #include "ArdoTest3.h"
 #include "AdaptiveStages.h"
+#include "Underflow.h"
 
 #include <iostream>
 
@@ -77,7 +78,7 @@ ArdoTest3::FastStage ArdoTest3::insphereFast(
 	    (daAbs * cezAbs + acAbs * dezAbs + cdAbs * aezAbs) * blift +
 	    (abAbs * dezAbs + bdAbs * aezAbs + daAbs * bezAbs) * clift +
 	    (bcAbs * aezAbs + acAbs * bezAbs + abAbs * cezAbs) * dlift;
-	return {det, permanent, isperrboundA * permanent};
+	return {det, permanent, isperrboundA * permanent + ispLost};
 }
 
 SphereInclusion ArdoTest3::sphereInclusionTest(const Tet3* pT, const Point3* pVtx) const
@@ -88,10 +89,20 @@ SphereInclusion ArdoTest3::sphereInclusionTest(const Tet3* pT, const Point3* pVt
 	return fast.det > 0.0 ? SIC_OUTSIDE : SIC_INSIDE;
 }
 
+void ArdoTest3::expectUnderflow()
+{
+	bUnderflow = true;
+	o3dLost = kLostInOrient3d;
+	ispLost = kLostInInsphere;
+}
+
 Orientation3 ArdoTest3::orientationInDoubt(
     const Point3& a, const Point3& b, const Point3& c, const Point3& d, double permanent) const
 {
-	const double det = orient3dAdapt(*this, a, b, c, d, permanent);
+	const bool bTiny =
+	    bUnderflow && (mayUnderflow(a) || mayUnderflow(b) || mayUnderflow(c) || mayUnderflow(d));
+	const double det = bTiny ? orient3dSignDespiteUnderflow(a, b, c, d)
+	                         : orient3dAdapt(*this, a, b, c, d, permanent);
 	if (det < 0.0) return ORIENTATION3_POSITIVE;
 	return det > 0.0 ? ORIENTATION3_NEGATIVE : ORIENTATION3_COPLANAR;
 }
@@ -99,11 +110,16 @@ Orientation3 ArdoTest3::orientationInDoubt(
 SphereInclusion ArdoTest3::inclusionInDoubt(
     const Tet3& tet, const Point3& q, double permanent) const
 {
+	const Point3 &a = *tet.getCorner(0), &b = *tet.getCorner(1), &c = *tet.getCorner(2),
+	             &d = *tet.getCorner(3);
+	if (bUnderflow && tet.hasVertex(q)) return SIC_INSIDE; // as if there were no allowance
 	if (tet.hasVertex(&q)) return SIC_VERTEX;
+	if (bUnderflow &&
+	    (mayUnderflow(a) || mayUnderflow(b) || mayUnderflow(c) || mayUnderflow(d) ||
+	        mayUnderflow(q)))
+		return insphereSignDespiteUnderflow(a, b, c, d, q) < 0 ? SIC_INSIDE : SIC_OUTSIDE;
 	// Deliberate: the code 2 of an exact zero counts as outside, so cospherical points never conflict.
-	const int code = insphereAdapt(*this, *tet.getCorner(0), *tet.getCorner(1), *tet.getCorner(2),
-	    *tet.getCorner(3), q, permanent);
-	return code > 0 ? SIC_OUTSIDE : SIC_INSIDE;
+	return insphereAdapt(*this, a, b, c, d, q, permanent) > 0 ? SIC_OUTSIDE : SIC_INSIDE;
 }
 
 std::string ArdoTest3::getOrientationName(Orientation3 orientation)

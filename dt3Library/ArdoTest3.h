@@ -2,6 +2,7 @@
 // The two questions the engine asks: on which side of a plane, and inside the sphere or not.
 #pragma once
 
+#include "ErrorFree.h"
 #include "Point3.h"
 #include "Tet3.h"
 #include "TetIndices.h"
@@ -9,10 +10,6 @@
 
 #include <cmath>
 #include <string>
-
-#if defined(__FAST_MATH__) || (defined(_MSC_VER) && defined(_M_FP_FAST))
-#  error "Exact tests need the rounding of every single operation: build without fast-math."
-#endif
 
 namespace TULO3D {
 
@@ -51,6 +48,11 @@ public:
 	/// conflict; a point with exactly the coordinates of a corner is SIC_INSIDE.
 	SphereInclusion sphereInclusionTest(const Tet3* pT, const Point3* pVtx) const;
 
+	/// To be called before a coordinate comes for which mayUnderflow holds: from now on the bounds of
+	/// the fast stages allow for lost products.
+	void expectUnderflow();
+	bool expectsUnderflow() const { return bUnderflow; }
+
 	/// The name of an orientation as the tetrahedron's print has it.
 	static std::string getOrientationName(Orientation3 orientation);
 
@@ -80,6 +82,8 @@ public:
 	double isperrboundA, isperrboundB, isperrboundC;
 
 private:
+	bool bUnderflow = false;
+	double o3dLost = 0.0, ispLost = 0.0; ///< a part of the fast stages' bounds
 	Orientation3 orientationInDoubt(
 	    const Point3& a, const Point3& b, const Point3& c, const Point3& d, double permanent) const;
 	SphereInclusion inclusionInDoubt(const Tet3& tet, const Point3& q, double permanent) const;
@@ -100,7 +104,7 @@ inline ArdoTest3::FastStage ArdoTest3::orient3dFast(
 	const double permanent = (std::abs(bdxcdy) + std::abs(cdxbdy)) * std::abs(adz) +
 	    (std::abs(cdxady) + std::abs(adxcdy)) * std::abs(bdz) +
 	    (std::abs(adxbdy) + std::abs(bdxady)) * std::abs(cdz);
-	return {det, permanent, o3derrboundA * permanent};
+	return {det, permanent, o3derrboundA * permanent + o3dLost};
 }
 
 inline Orientation3 ArdoTest3::getOrientation3(

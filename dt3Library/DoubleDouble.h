@@ -8,60 +8,22 @@
 // roundings that are not made up for acts on no more than twice that.
 #pragma once
 
-#include "Inline.h"
+#include "ErrorFree.h"
 
 namespace TULO3D {
-
-/// T is double, or a register of doubles that are computed with side by side.
-template <typename T>
-struct DoubleDouble
-{
-	T hi;
-	T lo;
-};
-
-template <typename T>
-TULO3D_ALWAYS_INLINE DoubleDouble<T> fastTwoSumOf(const T& a, const T& b)
-{
-	const T x = a + b;
-	return {x, b - (x - a)};
-}
-
-template <typename T>
-TULO3D_ALWAYS_INLINE DoubleDouble<T> twoSumOf(const T& a, const T& b)
-{
-	const T x = a + b;
-	const T bVirtual = x - a;
-	return {x, (a - (x - bVirtual)) + (b - bVirtual)};
-}
 
 /// a - b, exact.
 template <typename T>
 TULO3D_ALWAYS_INLINE DoubleDouble<T> differenceOf(const T& a, const T& b)
 {
-	const T x = a - b;
-	const T bVirtual = a - x;
-	return {x, (a - (x + bVirtual)) + (bVirtual - b)};
-}
-
-/// a * b, exact; by splitting, because the CPU may have no fused operation.
-template <typename T>
-TULO3D_ALWAYS_INLINE DoubleDouble<T> productOf(const T& a, const T& b)
-{
-	constexpr double splitter = 134217729.0; // 2^27 + 1
-	const T aScaled = splitter * a;
-	const T bScaled = splitter * b;
-	const T aHi = aScaled - (aScaled - a), aLo = a - aHi;
-	const T bHi = bScaled - (bScaled - b), bLo = b - bHi;
-	const T x = a * b;
-	return {x, aLo * bLo - (((x - aHi * bHi) - aLo * bHi) - aHi * bLo)};
+	return twoDiff(a, b);
 }
 
 template <typename T>
 TULO3D_ALWAYS_INLINE DoubleDouble<T> operator+(const DoubleDouble<T>& a, const DoubleDouble<T>& b)
 {
-	const DoubleDouble<T> s = twoSumOf(a.hi, b.hi);
-	return fastTwoSumOf(s.hi, s.lo + (a.lo + b.lo));
+	const DoubleDouble<T> s = twoSum(a.hi, b.hi);
+	return fastTwoSum(s.hi, s.lo + (a.lo + b.lo));
 }
 
 template <typename T>
@@ -73,8 +35,9 @@ TULO3D_ALWAYS_INLINE DoubleDouble<T> operator-(const DoubleDouble<T>& a, const D
 template <typename T>
 TULO3D_ALWAYS_INLINE DoubleDouble<T> operator*(const DoubleDouble<T>& a, const DoubleDouble<T>& b)
 {
-	const DoubleDouble<T> p = productOf(a.hi, b.hi);
-	return fastTwoSumOf(p.hi, p.lo + (a.hi * b.lo + a.lo * b.hi));
+	constexpr double splitter = 134217729.0; // 2^27 + 1
+	const DoubleDouble<T> p = twoProduct(splitter, a.hi, b.hi);
+	return fastTwoSum(p.hi, p.lo + (a.hi * b.lo + a.lo * b.hi));
 }
 
 } // namespace TULO3D

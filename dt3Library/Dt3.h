@@ -203,7 +203,8 @@ public:
 private:
 	// Dt3Insert.cpp
 	/// True when the coordinates are finite and so small that no exact test overflows.
-	static bool isInRange(const Point3& p);
+	/// Where products of them may underflow, the exact tests are told so.
+	bool accepts(const Point3& p);
 	// Dt3StartUp.cpp
 	bool isOnLine(const Point3& a, const Point3& b, const Point3& p) const;
 	/// True when the vertices are known to be coplanar, the newest one tested against the witness.

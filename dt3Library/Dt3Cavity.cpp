@@ -33,7 +33,12 @@ Tet3* Dt3::insertVertex(Point3** ppVtx, Tet3* pStartTet)
 
 CavityBorder Dt3::lookAroundThoroughly(Tet3* pTet, const Point3* pVtx) const
 {
-	CavityBorder border = lookAround(pTet, *pVtx, batchTests.neighbours);
+	const auto leaveUndecided = [](const NeighbourBatch&, const Point3&) {
+		return NeighbourVerdicts{0, 0, 0};
+	};
+	CavityBorder border = predicates.expectsUnderflow()
+	    ? lookAround(pTet, *pVtx, leaveUndecided) // the thorough stages lose products, too
+	    : lookAround(pTet, *pVtx, batchTests.neighbours);
 	for (int i = 0; border.undecided >> i != 0; ++i) {
 		if ((border.undecided >> i & 1U) == 0) continue;
 		if (predicates.sphereInclusionTest(border.pNeigh[i], pVtx) == SIC_OUTSIDE) continue;

@@ -2,6 +2,7 @@
 // How points arrive: one, or a batch in stages from coarse to fine.
 #include "Dt3.h"
 #include "StartFinder.h"
+#include "Underflow.h"
 
 #include <algorithm>
 #include <cmath>
@@ -41,15 +42,16 @@ constexpr std::size_t kLongWalk = 40;
 
 } // namespace
 
-bool Dt3::isInRange(const Point3& p)
+bool Dt3::accepts(const Point3& p)
 {
+	if (mayUnderflow(p)) predicates.expectUnderflow();
 	return std::abs(p.x()) <= kMaxCoordinate && std::abs(p.y()) <= kMaxCoordinate &&
 	    std::abs(p.z()) <= kMaxCoordinate; // false for NaN
 }
 
 Point3* Dt3::insert(Point3& p)
 {
-	CONDITION_CHECK_AS(isInRange(p), kRangeText);
+	CONDITION_CHECK_AS(accepts(p), kRangeText);
 	Tet3* pLastTet = nullptr;
 	Point3* pVtx = hc3.insertPoint(p, pLastTet);
 	if (bFullDimensional) {
@@ -79,7 +81,8 @@ void Dt3::insert(std::vector<Point3>& vInputPoints, std::vector<Point3*>& vUserH
 	}
 	std::cout << "numPoints=" << vInputPoints.size() << std::endl;
 	if (vInputPoints.empty()) return;
-	const bool bInRange = std::all_of(vInputPoints.begin(), vInputPoints.end(), isInRange);
+	const auto isAccepted = [this](const Point3& p) { return accepts(p); };
+	const bool bInRange = std::all_of(vInputPoints.begin(), vInputPoints.end(), isAccepted);
 	CONDITION_CHECK_AS(bInRange, kRangeText);
 
 	std::vector<Point3*> vNewVertices;

@@ -129,7 +129,7 @@ int Dt3::locatePersistently(Point3* pVtx, Tet3*& pStartTet)
 
 Tet3* Dt3::locate(const Point3& p)
 {
-	if (!hc3.bValid || !isInRange(p)) return nullptr;
+	if (!hc3.bValid || !accepts(p)) return nullptr;
 	Point3 copy(p);
 	Tet3* pTet = hc3.findNearbyTet(copy);
 	if (pTet == nullptr) return nullptr;

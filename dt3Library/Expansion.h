@@ -6,78 +6,9 @@
 // expansion grow in magnitude, so the last one has the sign of the whole.
 #pragma once
 
-#include <cfloat>
-
-#if defined(__FAST_MATH__) || (defined(_MSC_VER) && defined(_M_FP_FAST))
-#  error "Exact arithmetic needs the rounding of every single operation: build without fast-math."
-#endif
+#include "ErrorFree.h"
 
 namespace TULO3D {
-
-static_assert(FLT_RADIX == 2 && DBL_MANT_DIG == 53, "the error bounds are those of IEEE doubles");
-static_assert(FLT_EVAL_METHOD == 0, "intermediate results must be rounded to double");
-
-/// A rounded result and what the rounding lost: together they are exact.
-struct TwoDoubles
-{
-	double hi;
-	double lo;
-};
-
-/// a + b, provided that |a| >= |b|.
-inline TwoDoubles fastTwoSum(double a, double b)
-{
-	const double x = a + b;
-	const double bVirtual = x - a;
-	return {x, b - bVirtual};
-}
-
-inline TwoDoubles twoSum(double a, double b)
-{
-	const double x = a + b;
-	const double bVirtual = x - a;
-	const double aVirtual = x - bVirtual;
-	return {x, (a - aVirtual) + (b - bVirtual)};
-}
-
-/// What the rounding of x = a - b lost.
-inline double twoDiffTail(double a, double b, double x)
-{
-	const double bVirtual = a - x;
-	const double aVirtual = x + bVirtual;
-	return (a - aVirtual) + (bVirtual - b);
-}
-
-inline TwoDoubles twoDiff(double a, double b)
-{
-	const double x = a - b;
-	return {x, twoDiffTail(a, b, x)};
-}
-
-/// Cuts a double into two halves of at most 26 bits each.
-inline TwoDoubles split(double splitter, double a)
-{
-	const double c = splitter * a;
-	const double big = c - a;
-	const double hi = c - big;
-	return {hi, a - hi};
-}
-
-/// a * b, with b already cut.
-inline TwoDoubles twoProductPresplit(double splitter, double a, double b, const TwoDoubles& bCut)
-{
-	const double x = a * b;
-	const TwoDoubles aCut = split(splitter, a);
-	const double err1 = x - (aCut.hi * bCut.hi);
-	const double err2 = err1 - (aCut.lo * bCut.hi);
-	const double err3 = err2 - (aCut.hi * bCut.lo);
-	return {x, (aCut.lo * bCut.lo) - err3};
-}
-
-inline TwoDoubles twoProduct(double splitter, double a, double b)
-{
-	return twoProductPresplit(splitter, a, b, split(splitter, b));
-}
 
 /// e + f into h, which holds eLength + fLength components; zeros are dropped. Returns the length.
 int fastExpansionSumZeroelim(int eLength, const double* e, int fLength, const double* f, double* h);

@@ -13,6 +13,10 @@ namespace TULO3D {
 
 // The corners of facet i stand in lane i of these columns. They are the rows of kOutside, each
 // turned so that a register of corners 0 1 2 3 becomes a column by swapping pairs or halves.
+// What underflow can take from a determinant whose points are all nearer than 1; where they are not, it
+// is hidden by the bound, which grows with the third or fifth power of their distances.
+constexpr double kLostInQuickStage = 1e-300;
+
 inline constexpr int kColumnA[4] = {1, 0, 3, 2};
 inline constexpr int kColumnB[4] = {2, 3, 0, 1};
 inline constexpr int kColumnC[4] = {3, 2, 1, 0};
@@ -160,9 +164,9 @@ TULO3D_ALWAYS_INLINE LaneVerdicts<Lanes> quickStage(
 	const SphereDeterminant<Lanes> d = determinants(own, other, beyond);
 	const Lanes sumL = sumOverFacet(own.l, other.l) + beyond.l;
 	const Lanes volume = sumL * aboveRoot(sumL);
-	const Lanes bound = kQuickSphereBound * volume * sumL;
+	const Lanes bound = kQuickSphereBound * volume * sumL + kLostInQuickStage;
 	return {(Flags<Lanes>)(d.det < -bound), (Flags<Lanes>)(d.det > bound),
-	    (Flags<Lanes>)(d.xyz > kQuickFacetBound * volume)};
+	    (Flags<Lanes>)(d.xyz > kQuickFacetBound * volume + kLostInQuickStage)};
 }
 
 /// The minor |xyz|: six times the volume between the query point and the facet a, b, c.
@@ -189,7 +193,7 @@ TULO3D_ALWAYS_INLINE LaneSides<Lanes> sidesOfFacets(
 {
 	const Lanes xyz = facetDeterminant(swapPairs(own), other, swapPairs(other));
 	const Lanes sumL = sumOverFacet(own.l, other.l);
-	const Lanes bound = kQuickFacetBound * (sumL * aboveRoot(sumL));
+	const Lanes bound = kQuickFacetBound * (sumL * aboveRoot(sumL)) + kLostInQuickStage;
 	return {(Flags<Lanes>)(xyz > bound), (Flags<Lanes>)(xyz < -bound)};
 }
 

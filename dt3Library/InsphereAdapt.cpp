@@ -22,18 +22,18 @@ InsphereRows::InsphereRows(
       dex(d.x() - e.x()),
       dey(d.y() - e.y()),
       dez(d.z() - e.z()),
-      aexTail(twoDiffTail(a.x(), e.x(), aex)),
-      aeyTail(twoDiffTail(a.y(), e.y(), aey)),
-      aezTail(twoDiffTail(a.z(), e.z(), aez)),
-      bexTail(twoDiffTail(b.x(), e.x(), bex)),
-      beyTail(twoDiffTail(b.y(), e.y(), bey)),
-      bezTail(twoDiffTail(b.z(), e.z(), bez)),
-      cexTail(twoDiffTail(c.x(), e.x(), cex)),
-      ceyTail(twoDiffTail(c.y(), e.y(), cey)),
-      cezTail(twoDiffTail(c.z(), e.z(), cez)),
-      dexTail(twoDiffTail(d.x(), e.x(), dex)),
-      deyTail(twoDiffTail(d.y(), e.y(), dey)),
-      dezTail(twoDiffTail(d.z(), e.z(), dez))
+      aexTail(twoDiff(a.x(), e.x()).lo),
+      aeyTail(twoDiff(a.y(), e.y()).lo),
+      aezTail(twoDiff(a.z(), e.z()).lo),
+      bexTail(twoDiff(b.x(), e.x()).lo),
+      beyTail(twoDiff(b.y(), e.y()).lo),
+      bezTail(twoDiff(b.z(), e.z()).lo),
+      cexTail(twoDiff(c.x(), e.x()).lo),
+      ceyTail(twoDiff(c.y(), e.y()).lo),
+      cezTail(twoDiff(c.z(), e.z()).lo),
+      dexTail(twoDiff(d.x(), e.x()).lo),
+      deyTail(twoDiff(d.y(), e.y()).lo),
+      dezTail(twoDiff(d.z(), e.z()).lo)
 {
 }
 

@@ -17,15 +17,15 @@ Orient3dRows::Orient3dRows(const Point3& a, const Point3& b, const Point3& c, co
       cdx(c.x() - d.x()),
       cdy(c.y() - d.y()),
       cdz(c.z() - d.z()),
-      adxTail(twoDiffTail(a.x(), d.x(), adx)),
-      adyTail(twoDiffTail(a.y(), d.y(), ady)),
-      adzTail(twoDiffTail(a.z(), d.z(), adz)),
-      bdxTail(twoDiffTail(b.x(), d.x(), bdx)),
-      bdyTail(twoDiffTail(b.y(), d.y(), bdy)),
-      bdzTail(twoDiffTail(b.z(), d.z(), bdz)),
-      cdxTail(twoDiffTail(c.x(), d.x(), cdx)),
-      cdyTail(twoDiffTail(c.y(), d.y(), cdy)),
-      cdzTail(twoDiffTail(c.z(), d.z(), cdz))
+      adxTail(twoDiff(a.x(), d.x()).lo),
+      adyTail(twoDiff(a.y(), d.y()).lo),
+      adzTail(twoDiff(a.z(), d.z()).lo),
+      bdxTail(twoDiff(b.x(), d.x()).lo),
+      bdyTail(twoDiff(b.y(), d.y()).lo),
+      bdzTail(twoDiff(b.z(), d.z()).lo),
+      cdxTail(twoDiff(c.x(), d.x()).lo),
+      cdyTail(twoDiff(c.y(), d.y()).lo),
+      cdzTail(twoDiff(c.z(), d.z()).lo)
 {
 }
 

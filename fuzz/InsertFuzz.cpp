@@ -40,7 +40,8 @@ struct Session : support::Recorded
 		return std::ldexp(mantissa, take<std::uint8_t>() - 100);
 	}
 
-	Point3 rawPoint()
+	/// Perhaps with coordinates that are refused.
+	Point3 point()
 	{
 		const int form = take<std::uint8_t>() % 6;
 		if (form < 4) return {coordinate(form), coordinate(form), coordinate(form)};
@@ -49,14 +50,6 @@ struct Session : support::Recorded
 		const Point3 p = random.of(input), q = form == 4 ? p : random.of(input);
 		return random.nudged(
 		    Point3(p.x() / 2 + q.x() / 2, p.y() / 2 + q.y() / 2, p.z() / 2 + q.z() / 2));
-	}
-
-	/// Perhaps with coordinates that are refused, but with none below the range of exact signs.
-	Point3 point()
-	{
-		const Point3 p = rawPoint();
-		const auto cut = [](double v) { return std::fabs(v) < 1e-45 ? 0 : v; };
-		return {cut(p.x()), cut(p.y()), cut(p.z())};
 	}
 
 	void insertAll(points::Cloud cloud)

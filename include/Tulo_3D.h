@@ -36,8 +36,8 @@ class Dt3;
 /// insertion; neither is ever freed by the host. Nothing can be removed.
 ///
 /// Coordinates must be finite and at most 1e60 in magnitude: an insertion with any other throws
-/// before it has stored anything. Signs are exact for magnitudes of 0 or 1e-45 .. 1e60; with
-/// smaller ones nearly degenerate configurations may be judged wrongly.
+/// before it has stored anything. Nonzero ones below 1e-45 make every later test slower, as products of
+/// them may underflow; all signs stay exact.
 ///
 /// One object is to be used by one thread at a time, queries included. Because of a few shared
 /// counters, no two objects should be inserted into at the same time either.
@@ -61,7 +61,8 @@ public:
 	///
 	/// Deliberate: while all points so far are coplanar they are stored; when the first one off
 	/// their plane arrives by this operation, only the four corners of the first tetrahedron enter
-	/// the mesh. Insert a batch when coplanar points may come first.
+	/// the mesh. Insert a batch when coplanar points may come first. A point that was left out enters
+	/// when it is inserted by this operation again, but not as part of a batch.
 	///
 	/// Throws `TuloException` for a coordinate that is not finite or beyond 1e60.
 	Point3* insert(Point3& p);

@@ -243,8 +243,10 @@ const std::vector<Family>& families()
 		{"DuplicatesAndSignedZeros", duplicates},
 		{"Huge", [](int n, R& r) { return joined(mapped(uniform(n / 2, r), Point3(1e60, -1e60, 1e60), kOrigin), mapped(box(2, 2, 2), Point3(2e60, 2e60, 2e60), Point3(-1e60, -1e60, -1e60))); }},
 		{"Tiny", [](int n, R& r) { return mapped(shuffled(lattice(n), r), Point3(1e-45, 1e-45, 1e-45), kOrigin); }},
-		// Heights of a few of the smallest steps over integers: still exact, as no product is cut off.
+		// Heights of a few of the smallest steps over integers, nothing but such steps, and a mixture.
 		{"Denormals", [](int n, R& r) { return each(n, [&](int) { return Point3{1. * r.below(1000), 1. * r.below(1000), r.below(1000) * kLeast}; }); }},
+		{"DenormalsOnly", [](int n, R& r) { return mapped(shuffled(lattice(n), r), Point3(kLeast, kLeast, kLeast), kOrigin); }},
+		{"DenormalsMixedIn", [](int n, R& r) { return each(n, [&](int) { const Point3 p = r.point(-1, 1); const double s[] = {1, 1e-50, 1e-200, 1e-310}; return Point3{p.x() * r.of(s), p.y() * r.of(s), p.z() * r.of(s)}; }); }},
 	};
 	// clang-format on
 	return table;

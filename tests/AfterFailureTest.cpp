@@ -65,3 +65,23 @@ TEST(AfterFailure, AnEngineIsAsIfNothingHadHappened)
 		EXPECT_EQ(mesh.canonical(), untouched.canonical());
 	}
 }
+
+TEST(AfterFailure, MarksThatTheHostLeftAreRefusedAndForgottenOnceCleared)
+{
+	Recorded mesh;
+	mesh.insert(points::make("Uniform", 60));
+	const std::vector<Tet3*> vTets = mesh.tets();
+	vTets[1]->hasBeenVisited = true;
+	EXPECT_EQ(support::conditionFailedBy([&] { mesh.mesh.checkValidity("x", true); }), "false");
+	for (Tet3* pTet : vTets) pTet->hasBeenVisited = true;
+	Point3 p(0.51, 0.52, 0.53);
+	EXPECT_EQ(
+	    support::conditionFailedBy([&] { mesh.mesh.insert(p); }), "!pLastTet->hasBeenVisited");
+	for (Tet3* pTet : vTets) pTet->hasBeenVisited = false;
+	const support::Capture quiet;
+	EXPECT_TRUE(mesh.mesh.checkValidity("x", true));
+	EXPECT_EQ(mesh.tets(), vTets);
+	mesh.insert(p);
+	mesh.insert(points::make("Uniform", 60, 2));
+	EXPECT_VALID(mesh);
+}

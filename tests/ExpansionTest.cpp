@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
-// The expansion arithmetic by its laws, against rational numbers.
+// The error-free steps and what is made of them, by their laws, against rational numbers.
 #include "Expansion.h"
+#include "DoubleDouble.h"
 #include "points.h"
 
 #include <gmpxx.h>
@@ -87,6 +88,28 @@ TEST(Expansion, RoundedResultAndTailAreTogetherExact)
 		ASSERT_LE(numBits(split(kSplitter, cut).hi), 26) << cut;
 		ASSERT_LE(numBits(split(kSplitter, cut).lo), 26) << cut;
 	}
+}
+
+TEST(Expansion, DoubleDoublesKeepTheirBounds)
+{
+	points::Random random(2);
+	const auto value = [](const TwoDoubles& d) { return mpq_class(exact(d.hi) + exact(d.lo)); };
+	const mpq_class u2 = exact(0x1p-106);
+	int numInexact = 0;
+	for (int i = 0; i < 20000; ++i) {
+		const TwoDoubles a = twoDiff(someDouble(random), someDouble(random));
+		const double tail = a.hi * 0x1p-53 * random.in(-1, 1); // nearly the same, to be subtracted
+		const TwoDoubles b = i % 2 == 0 ? twoSum(-a.hi, tail) : twoDiff(someDouble(random), tail);
+		const mpq_class x = value(a), y = value(b);
+		const mpq_class errors[] = {
+		    value(a + b) - (x + y), value(a - b) - (x - y), value(a * b) - x * y};
+		const mpq_class size = abs(x) + abs(y);
+		ASSERT_LE(abs(errors[0]), 4 * u2 * size);
+		ASSERT_LE(abs(errors[1]), 4 * u2 * size);
+		ASSERT_LE(abs(errors[2]), 7 * u2 * abs(x * y));
+		numInexact += errors[0] != 0 && errors[2] != 0;
+	}
+	EXPECT_GT(numInexact, 1000);
 }
 
 TEST(Expansion, SumsAndMultiplesAreExactAndDoNotOverlap)

@@ -44,6 +44,9 @@ TEST(Insert, CoplanarSinglesStayOutUntilTheyComeAgain)
 	EXPECT_EQ(support::printedBy([&] { r.mesh.insert(apex); }),
 	    "Attention: triangulate has got an empty vector\n");
 	EXPECT_EQ(r.tets().size(), 1U);
+	// A batch looks at new vertices only.
+	support::printedBy([&] { r.mesh.insert(r.input); });
+	EXPECT_EQ(r.tets().size(), 1U);
 	for (const Point3& p : Cloud(r.input)) r.insert(p);
 	r.insert(apex);
 	EXPECT_TRUE(r.leftOut.empty());

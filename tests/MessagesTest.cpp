@@ -100,10 +100,16 @@ TEST(Messages, AreLiteral)
 		Stage stage;
 		EXPECT_EQ(support::conditionFailedBy([&] { line.action(stage); }), line.text);
 	}
-	EXPECT_EQ(nextDebugFilePrefix(), "00000_");
-	EXPECT_EQ(nextDebugFilePrefix(), "00001_");
-	for (int i = 2; i < 100000; ++i) nextDebugFilePrefix();
-	EXPECT_EQ(nextDebugFilePrefix(), "100000_");
+}
+
+TEST(MessagesDeathTest, DrawingsOfAProcessAreNumberedFromZero)
+{
+	const auto prefixAfter = [](int number) {
+		for (int i = 0; i < number; ++i) nextDebugFilePrefix();
+		std::cerr << nextDebugFilePrefix();
+	};
+	EXPECT_FRESH_PROCESS_PRINTS(prefixAfter(0); prefixAfter(0);
+	                            prefixAfter(99998), "00000_00001_100000_$");
 }
 
 TEST(Messages, AFailedConditionNamesItselfAndItsPlaceAndThrows)
@@ -125,14 +131,21 @@ TEST(MessagesDeathTest, StopsEndTheProcess)
 	Tet3* pNull = nullptr;
 	const auto abnormal = [](int status) { return status != 0; };
 	const auto one = testing::ExitedWithCode(1);
+	const auto inLines = [](const std::string& expression) {
+#ifdef GTEST_USES_SIMPLE_RE // on Windows, and without groups
+		return expression.substr(0, expression.find_first_of(".\n"));
+#else
+		return expression;
+#endif
+	};
 	// clang-format off
 	EXPECT_EXIT(loudly([&] { s.engine.show("no/such/folder/a.list", nullptr); }), one, "no/such/folder/a.list not open");
 	EXPECT_EXIT(loudly([&] { goToHell("because"); }), abnormal, "      goToHell, ERROR:  reason: because");
 	EXPECT_EXIT(loudly([&] { s.engine.locateConflictTet(s.pVtx, pNull); }), abnormal, " reason: locateConflictTet");
 	EXPECT_EXIT(loudly([&] { s.engine.triangulate(s.handles, nullptr); }), abnormal, " reason: pLastTet==NULL in Dt3::triangulate");
 	EXPECT_EXIT(loudly([&] { s.engine.predicates.getOrientation3(pNull, 0, s.pVtx); }), abnormal, " reason: getOrientation3, pC==NULL");
-	EXPECT_EXIT(loudly([&] { s.pTet->getIntraTetIndex(s.pTet); }), one, "Tet3::getIntraTetIndex went wrong: Tetrahedron .*(\n.*)*, this is Tetrahedron");
+	EXPECT_EXIT(loudly([&] { s.pTet->getIntraTetIndex(s.pTet); }), one, inLines("Tet3::getIntraTetIndex went wrong: Tetrahedron .*(\n.*)*, this is Tetrahedron"));
 	EXPECT_EXIT(loudly([&] { s.pTet->getOppVtxInOppTet(1, false); }), one, "      Tet3::getOppVtxInOppTet, ERROR: no neighbor tet");
-	EXPECT_EXIT(loudly([&] { Tet3::haveCommonFacet(s.pTet, 0, s.pTet, 1); }), one, "Tet3::haveCommonFacet\\(\\) ERROR\n(.*\n)*\\.\\.\\.with index 0\n1,2,3\n(.*\n)*\\.\\.\\.with index 1\n0,3,2");
+	EXPECT_EXIT(loudly([&] { Tet3::haveCommonFacet(s.pTet, 0, s.pTet, 1); }), one, inLines("Tet3::haveCommonFacet\\(\\) ERROR\n(.*\n)*\\.\\.\\.with index 0\n1,2,3\n(.*\n)*\\.\\.\\.with index 1\n0,3,2"));
 	// clang-format on
 }

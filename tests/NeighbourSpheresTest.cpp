@@ -16,7 +16,7 @@ TEST(NeighbourSpheres, NoVariantIsCertainOfAWrongSign)
 	points::Random random(5);
 	int numOf[6] = {}; // undecided, inside, outside, positive; the same side, beyond
 	for (const points::Family& family : points::families()) {
-		if (family.name == "Denormals") continue; // below the range of exact signs
+		if (family.name.rfind("Denormals", 0) == 0) continue; // below the range of exact signs
 		const points::Cloud cloud = family.make(300, 1);
 		for (int round = 0; round < 300; ++round) {
 			Point3 p[9]; // four corners, a point for each facet, the query

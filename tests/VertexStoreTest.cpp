@@ -156,6 +156,31 @@ TEST(VertexStore, OffersTheNearestTetrahedronAlongTheCurve)
 	}
 }
 
+TEST(VertexStoreDeathTest, AMovedBoxGetsItsWholeSizeAsMarginButATenthForTheFirstBatch)
+{
+	const auto insertAll = [] {
+		Store store, other;
+		const auto expectBox = [](const Store& s) {
+			std::cerr << s.bbox.getMinX() << ".." << s.bbox.getMaxX() << " ";
+			if (s.extentX != s.bbox.getRangeX()) std::cerr << "extent " << s.extentX;
+		};
+		const Point3 unmoved(1, 1, 2);
+		for (const Point3& p : {Point3(0, 0, 0), Point3(2, 4, 8), Point3(3, 5, 9), unmoved}) {
+			store.single(p);
+			expectBox(store);
+		}
+		for (const Cloud& batch : {Cloud{unmoved, Point3(-1, 0, 0)}, Cloud{Point3(19, 1, 1)},
+		         Cloud{Point3(20, 1, 1)}, Cloud{Point3(-3, 1, 1), unmoved}}) {
+			store.batch(batch);
+			expectBox(store);
+		}
+		other.batch({Point3(0, 0, 0), Point3(2, 2, 2)});
+		expectBox(other);
+	};
+	EXPECT_FRESH_PROCESS_PRINTS(
+	    insertAll(), "^0..0 -1..3 -1..3 -1..3 -1..3 -2..20 -2..20 -14.5..31.5 -1..3 $");
+}
+
 TEST(VertexStoreDeathTest, KeysOfAnOddLengthEndTheProcessWithStatusOne)
 {
 	for (const unsigned bits : {28U, 33U, 36U}) {

@@ -83,13 +83,12 @@ int exactSign(Rows rows)
 	mpz_class large[5][3];
 	for (std::size_t i = 0; i < 3 * n; ++i) {
 		int exponent = 0;
-		const auto mantissa =
-		    static_cast<long>(std::ldexp(std::frexp(c[i / 3][i % 3], &exponent), 53));
+		const double mantissa = std::ldexp(std::frexp(c[i / 3][i % 3], &exponent), 53);
 		const int shift = mantissa == 0 ? 0 : exponent - 53 - lowest; // negative for trailing zeros
 		if (bSmall) {
 			small[i / 3][i % 3] = static_cast<long long>(std::ldexp(mantissa, shift));
 		} else {
-			mpz_class& m = large[i / 3][i % 3] = mantissa;
+			mpz_class& m = large[i / 3][i % 3] = mpz_class(mantissa);
 			m = shift < 0 ? mpz_class(m >> static_cast<unsigned>(-shift))
 			              : mpz_class(m << static_cast<unsigned>(shift));
 		}

@@ -13,7 +13,7 @@ namespace support {
 
 inline std::string fileText(const std::string& name)
 {
-	std::ifstream file(name, std::ios::binary);
+	std::ifstream file(name); // whatever ends a line here
 	return {std::istreambuf_iterator<char>(file), {}};
 }
 

@@ -70,6 +70,17 @@ void loudly(F f)
 	f();
 }
 
+/// For what is counted over the life of a process: expects `text`, a regular expression, in what
+/// `statement` prints in a process that has done nothing before. Must come first in its test.
+#define EXPECT_FRESH_PROCESS_PRINTS(statement, text) \
+  testing::FLAGS_gtest_death_test_style = "threadsafe"; /* until the end of the test */ \
+  EXPECT_EXIT( \
+	  { \
+	  statement; \
+	  std::exit(0); \
+	  }, \
+	  testing::ExitedWithCode(0), text)
+
 /// A mesh that remembers what went in, to be verified as a whole.
 struct Recorded
 {
