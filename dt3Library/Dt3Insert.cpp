@@ -125,18 +125,19 @@ void Dt3::triangulate(std::vector<Point3*>& vVertices, Tet3* pLastTet)
 	bool bForward = false;
 	for (std::vector<std::uint32_t>& vStage : stages) {
 		if (!bForward) std::reverse(vStage.begin(), vStage.end());
+		if (finder) finder->beginStage(vStage, 0);
 		for (std::size_t n = 0; n < vStage.size(); ++n) {
 			const std::uint32_t i = vStage[n];
 			Point3* pVtx = vVertices[i];
-			if (finder) {
-				finder->lookAhead(vStage, n);
-				pLastTet = finder->nearerStart(i, pLastTet);
-			}
+			if (finder) pLastTet = finder->nextStart(pLastTet);
 			pLastTet = insertVertex(&pVtx, pLastTet);
 			if (finder) finder->add(i);
 
 			if (++numInserted % kWhile != 0) continue;
-			if (!finder && numFacetTests > kWhile * kLongWalk) finder.emplace(vVertices);
+			if (!finder && numFacetTests > kWhile * kLongWalk) {
+				finder.emplace(vVertices, batchTests.facets);
+				finder->beginStage(vStage, n + 1);
+			}
 			numFacetTests = 0;
 		}
 		bForward = !bForward;

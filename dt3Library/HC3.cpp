@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The vertex store: folds duplicates, orders a batch, offers a start.
 #include "HC3.h"
+#include "FinerCurve.h"
 #include "KeySort.h"
 #include "Tet3.h"
 #include "tools.h"
@@ -178,6 +179,25 @@ void HC3::insertPoints(const std::vector<Point3>& vPoints, std::vector<Point3*>&
 	items.merge(batch.vNewItems);
 }
 
+void HC3::createVertices(Batch& batch)
+{
+	constexpr std::size_t kMany = 64;
+	const std::vector<std::uint32_t>& vNew = batch.vNewByInput;
+	if (vNew.size() <= kMany) {
+		for (const std::uint32_t i : vNew) batch.vUserHandles[i] = createVertex(batch.vPoints[i]);
+		return;
+	}
+	// They enter the mesh in input order, here and there in the cell; but neighbours in the mesh that
+	// are neighbours in memory share the cache.
+	std::vector<const Point3*> vPoints;
+	vPoints.reserve(vNew.size());
+	for (const std::uint32_t i : vNew) vPoints.push_back(&batch.vPoints[i]);
+	for (const std::uint32_t n : alongFinerCurve(vPoints)) {
+		batch.vUserHandles[vNew[n]] = createVertex(*vPoints[n]);
+	}
+	pNewest = batch.vUserHandles[vNew.back()];
+}
+
 void HC3::insertCell(std::uint32_t key, Batch& batch)
 {
 	const std::vector<Point3>& vPoints = batch.vPoints;
@@ -204,8 +224,8 @@ void HC3::insertCell(std::uint32_t key, Batch& batch)
 	// The new vertices follow one another in input order, their items by coordinates.
 	batch.vNewByInput = batch.vNewByCoordinates;
 	std::sort(batch.vNewByInput.begin(), batch.vNewByInput.end());
+	createVertices(batch);
 	for (const std::uint32_t position : batch.vNewByInput) {
-		vUserHandles[position] = createVertex(vPoints[position]);
 		batch.vNewVertices.push_back(vUserHandles[position]);
 	}
 	for (const std::uint32_t position : batch.vNewByCoordinates) {

@@ -68,6 +68,8 @@ private:
 
 	/// Inserts the points of a batch that share one cell of the curve.
 	void insertCell(std::uint32_t key, Batch& batch);
+	/// Creates the new vertices of a cell.
+	void createVertices(Batch& batch);
 	/// The vertex with the coordinates of `point`; null when there is none.
 	Point3* findVertex(std::uint32_t key, const Point3& point) const;
 	Point3* createVertex(const Point3& point);

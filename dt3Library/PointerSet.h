@@ -17,10 +17,11 @@ public:
 	bool add(const void* p)
 	{
 		const void** pSlot = findSlot(p);
-		if (*pSlot == p) return false;
+		const bool bNew = *pSlot == nullptr;
 		*pSlot = p;
-		if (2 * ++count > mask) grow();
-		return true;
+		count += bNew;
+		if (2 * count > mask) grow();
+		return bNew;
 	}
 
 private:

@@ -1,18 +1,15 @@
 // SPDX-License-Identifier: MIT
 // Offers a near start to the walk where the curve of the vertex store cannot.
 #include "StartFinder.h"
-#include "KeySort.h"
+#include "FinerCurve.h"
 #include "Prefetch.h"
 #include "vectors.h"
 
-#include <algorithm>
-#include <cmath>
+#include <cfloat>
 
 namespace TULO3D {
 
 namespace {
-
-constexpr unsigned kLevels = 21;
 
 unsigned lowestBit(std::uint64_t word)
 {
@@ -34,71 +31,6 @@ unsigned highestBit(std::uint64_t word)
 		word >>= half;
 	}
 	return n;
-}
-
-/// A vertex of the batch and its place on the finer curve.
-struct KeyedPosition
-{
-	std::uint64_t key;
-	std::uint32_t position;
-};
-
-/// A range along one axis that holds all but the outermost of the points.
-struct Range
-{
-	double low;
-	double high;
-};
-
-Range bulkOf(const std::vector<Point3*>& vVertices, double (Point3::*coordinate)() const)
-{
-	constexpr std::size_t kSamples = 1024;
-	const std::size_t step = vVertices.size() / kSamples + 1;
-	std::vector<double> v;
-	for (std::size_t i = 0; i < vVertices.size(); i += step)
-		v.push_back((vVertices[i]->*coordinate)());
-	std::sort(v.begin(), v.end());
-	const std::size_t outer = v.size() / 64;
-	const double low = v[outer], high = v[v.size() - 1 - outer];
-	return {low - (high - low), high + (high - low)}; // what is outside shares the outermost cells
-}
-
-/// The 21 lowest bits of `v`, two zeros behind each.
-std::uint64_t spread(std::uint64_t v)
-{
-	v = (v | v << 32U) & 0x1f00000000ffffU;
-	v = (v | v << 16U) & 0x1f0000ff0000ffU;
-	v = (v | v << 8U) & 0x100f00f00f00f00fU;
-	v = (v | v << 4U) & 0x10c30c30c30c30c3U;
-	return (v | v << 2U) & 0x1249249249249249U;
-}
-
-/// The batch along a Morton curve through cubes: isotropic, and as fine as the bulk needs.
-std::vector<std::uint32_t> alongFinerCurve(const std::vector<Point3*>& vVertices)
-{
-	const Range x = bulkOf(vVertices, &Point3::x);
-	const Range y = bulkOf(vVertices, &Point3::y);
-	const Range z = bulkOf(vVertices, &Point3::z);
-	const double side = std::max({x.high - x.low, y.high - y.low, z.high - z.low});
-	constexpr double kCells = static_cast<double>(1U << kLevels);
-	const double scale = side > 0.0 ? kCells / side : 0.0;
-	const auto cell = [scale](double coordinate, const Range& range) {
-		const double c = (coordinate - range.low) * scale;
-		return spread(static_cast<std::uint64_t>(c > 0.0 ? std::min(c, kCells - 1.0) : 0.0));
-	};
-
-	std::vector<KeyedPosition> vKeyed;
-	vKeyed.reserve(vVertices.size());
-	for (const Point3* p : vVertices) {
-		const auto position = static_cast<std::uint32_t>(vKeyed.size());
-		vKeyed.push_back(
-		    {cell(p->x(), x) << 2U | cell(p->y(), y) << 1U | cell(p->z(), z), position});
-	}
-	sortByKey(vKeyed, 3 * kLevels);
-	std::vector<std::uint32_t> vByRank;
-	vByRank.reserve(vKeyed.size());
-	for (const KeyedPosition& keyed : vKeyed) vByRank.push_back(keyed.position);
-	return vByRank;
 }
 
 } // namespace
@@ -145,9 +77,96 @@ std::size_t RankSet::above(std::size_t rank) const
 	return kNone;
 }
 
-StartFinder::StartFinder(const std::vector<Point3*>& vBatch)
+void Scout::start(const Point3* pTarget, const Point3* pBelow, const Point3* pAbove)
+{
+	pVtx = pTarget;
+	pNear[0] = pBelow;
+	pNear[1] = pAbove;
+	pTet = nullptr;
+	for (const Point3* p : {pVtx, pBelow, pAbove}) prefetch(p);
+	step = Step::kChooseVertex;
+}
+
+void Scout::advance(FacetTest facetTest)
+{
+	switch (step) {
+	case Step::kChooseVertex: {
+		const auto distance = [this](const Point3* p) {
+			return p == nullptr ? DBL_MAX : squaredDistance(*pVtx, *p);
+		};
+		const Point3* p = pNear[distance(pNear[1]) < distance(pNear[0])];
+		pTet = p == nullptr ? nullptr : p->getOneTet();
+		prefetchTet(pTet);
+		step = pTet == nullptr ? Step::kDone : Step::kLookAtTet;
+		return;
+	}
+	case Step::kLookAtTet:
+		prefetchCorners(*pTet);
+		step = Step::kWalk;
+		return;
+	case Step::kWalk: {
+		const Point3* const corner[4] = {
+		    pTet->getCorner(0), pTet->getCorner(1), pTet->getCorner(2), pTet->getCorner(3)};
+		const unsigned beyond = facetTest(corner, *pVtx).negative;
+		for (int i = 0; i < 4; ++i) {
+			if ((beyond >> i & 1U) == 0 || pTet->getOppTet(i) == nullptr) continue;
+			pTet = pTet->getOppTet(i);
+			prefetchTet(pTet);
+			step = Step::kLookAtTet;
+			return;
+		}
+		prefetchNeighbours(*pTet);
+		step = Step::kFirstRing;
+		return;
+	}
+	case Step::kFirstRing:
+		for (int i = 0; i < 4; ++i) {
+			const Tet3* pNeigh = pTet->getOppTet(i);
+			if (pNeigh == nullptr) continue;
+			prefetchNeighbours(*pNeigh);
+			prefetchCorners(*pNeigh);
+		}
+		step = Step::kSecondRing;
+		return;
+	case Step::kSecondRing:
+		for (int i = 0; i < 16; ++i) {
+			const Tet3* pNeigh = pTet->getOppTet(i / 4);
+			if (pNeigh == nullptr) continue;
+			pNeigh = pNeigh->getOppTet(i % 4);
+			if (pNeigh == nullptr) continue;
+			prefetchNeighbours(*pNeigh);
+			prefetchCorners(*pNeigh);
+		}
+		step = Step::kThirdRing;
+		return;
+	case Step::kThirdRing:
+		for (int i = 0; i < 64; ++i) {
+			const Tet3* pNeigh = pTet->getOppTet(i / 16);
+			if (pNeigh == nullptr) continue;
+			pNeigh = pNeigh->getOppTet(i / 4 % 4);
+			if (pNeigh == nullptr || pNeigh == pTet) continue;
+			pNeigh = pNeigh->getOppTet(i % 4);
+			if (pNeigh == nullptr || pNeigh == pTet->getOppTet(i / 16)) continue;
+			prefetchNeighbours(*pNeigh);
+			prefetchCorners(*pNeigh);
+		}
+		step = Step::kDone;
+		return;
+	case Step::kDone:
+		return;
+	}
+}
+
+Tet3* Scout::found() const
+{
+	// A dead tetrahedron stays visited until its record is used again, for some other place.
+	return pTet != nullptr && !pTet->hasBeenVisited ? pTet : nullptr;
+}
+
+StartFinder::StartFinder(const std::vector<Point3*>& vBatch, FacetTest test)
     : vVertices(vBatch),
-      vByRank(alongFinerCurve(vBatch)),
+      facetTest(test),
+      vByRank(alongFinerCurve({vBatch.begin(), vBatch.end()})),
       vRank(vBatch.size()),
       inMesh(vBatch.size())
 {
@@ -157,53 +176,35 @@ StartFinder::StartFinder(const std::vector<Point3*>& vBatch)
 	}
 }
 
-const Point3* StartFinder::neighbourOf(std::uint32_t i) const
+const Point3* StartFinder::vertexAt(std::size_t rank) const
 {
-	std::size_t rank = inMesh.below(vRank[i]);
-	if (rank == RankSet::kNone) rank = inMesh.above(vRank[i]);
 	return rank == RankSet::kNone ? nullptr : vVertices[vByRank[rank]];
 }
 
-void StartFinder::lookAhead(const std::vector<std::uint32_t>& vStage, std::size_t n)
+void StartFinder::beginStage(const std::vector<std::uint32_t>& vStage, std::size_t n)
 {
-	// Each step needs what the one before it has asked for two insertions ago.
-	if (n + 6 < vStage.size()) {
-		aheadVertex[(n + 6) % kAhead] = neighbourOf(vStage[n + 6]);
-		prefetch(aheadVertex[(n + 6) % kAhead]);
-	}
-	const Point3* pVtx = aheadVertex[(n + 4) % kAhead];
-	const Tet3* pTet = pVtx == nullptr ? nullptr : pVtx->getOneTet();
-	aheadTet[(n + 4) % kAhead] = pTet;
-	prefetchTet(pTet);
-
-	const Tet3* pNext = aheadTet[(n + 2) % kAhead];
-	if (pNext != nullptr) {
-		prefetchNeighbours(*pNext);
-		prefetchCorners(*pNext);
-	}
-	const Tet3* pNow = aheadTet[(n + 1) % kAhead];
-	for (int j = 0; pNow != nullptr && j < 4; ++j) {
-		const Tet3* pNeigh = pNow->getOppTet(j);
-		if (pNeigh == nullptr) continue;
-		prefetchNeighbours(*pNeigh);
-		prefetchCorners(*pNeigh);
-	}
+	pStage = &vStage;
+	next = n;
+	for (Scout& scout : scouts) scout = Scout();
+	for (std::size_t ahead = 0; ahead < kAhead; ++ahead) sendScout(next + ahead);
 }
 
-Tet3* StartFinder::nearerStart(std::size_t i, Tet3* pLastTet) const
+void StartFinder::sendScout(std::size_t n)
 {
-	const Point3& target = *vVertices[i];
-	Tet3* pNearest = pLastTet;
-	double least = squaredDistance(target, *pLastTet->getCorner(0));
-	for (const std::size_t rank : {inMesh.below(vRank[i]), inMesh.above(vRank[i])}) {
-		if (rank == RankSet::kNone) continue;
-		const Point3& candidate = *vVertices[vByRank[rank]];
-		const double distance = squaredDistance(target, candidate);
-		if (distance >= least || candidate.getOneTet() == nullptr) continue;
-		least = distance;
-		pNearest = candidate.getOneTet();
-	}
-	return pNearest;
+	if (n >= pStage->size()) return;
+	const std::uint32_t i = (*pStage)[n];
+	scouts[n % kAhead].start(
+	    vVertices[i], vertexAt(inMesh.below(vRank[i])), vertexAt(inMesh.above(vRank[i])));
+}
+
+Tet3* StartFinder::nextStart(Tet3* pLastTet)
+{
+	Scout& arrived = scouts[next % kAhead];
+	Tet3* pFound = arrived.found();
+	sendScout(next + kAhead);
+	++next;
+	for (Scout& scout : scouts) scout.advance(facetTest);
+	return pFound != nullptr ? pFound : pLastTet;
 }
 
 } // namespace TULO3D

@@ -2,6 +2,7 @@
 // Offers a near start to the walk where the curve of the vertex store cannot.
 #pragma once
 
+#include "NeighbourSpheres.h"
 #include "Point3.h"
 #include "Tet3.h"
 
@@ -32,40 +33,76 @@ private:
 	std::vector<std::vector<std::uint64_t>> levels; // the bits, and then what is not zero
 };
 
+/// The way of one vertex to its place in the mesh, some insertions before its own.
+///
+/// Each step only looks at what the step before has asked the memory for, and an insertion passes
+/// between them: so nobody waits. What a scout finds is a hint, as the mesh changes meanwhile.
+class Scout
+{
+public:
+	/// Sets out towards `target` from the nearer of two vertices, which may be null.
+	void start(const Point3* pTarget, const Point3* pBelow, const Point3* pAbove);
+
+	/// Takes the next step, if there is one left.
+	void advance(FacetTest facetTest);
+
+	/// A tetrahedron near the target, or null.
+	Tet3* found() const;
+
+private:
+	enum class Step {
+		kChooseVertex,
+		kLookAtTet,
+		kWalk,
+		kFirstRing,
+		kSecondRing,
+		kThirdRing,
+		kDone
+	};
+
+	const Point3* pVtx = nullptr;
+	const Point3* pNear[2] = {};
+	Tet3* pTet = nullptr;
+	Step step = Step::kDone;
+};
+
 /// The vertices of a batch along a curve of its own: 21 levels of cubes around the bulk of them.
 ///
 /// The order of insertion follows the nine levels of the vertex store. They do not tell the vertices
-/// apart when a few lie far out or the box is thin, and then each walk starts anywhere. Where a walk
-/// starts decides how long it takes, and the mesh does not depend on it; so it may start at the vertex
-/// of the mesh that is next on the finer curve.
+/// apart when a few lie far out or the box is thin, and then each walk starts anywhere, and each vertex
+/// is a stranger to the cache. Where a walk starts decides how long it takes, and the mesh does not
+/// depend on it. So it may start near the vertex of the mesh that is next on the finer curve, and a
+/// scout may go there first.
 class StartFinder
 {
 public:
 	/// `vBatch`, in the order of the store, must outlive the finder.
-	explicit StartFinder(const std::vector<Point3*>& vBatch);
+	StartFinder(const std::vector<Point3*>& vBatch, FacetTest facetTest);
 
-	/// A tetrahedron near vertex `i` of the batch: pLastTet, or one that is nearer.
-	Tet3* nearerStart(std::size_t i, Tet3* pLastTet) const;
+	/// The order of the insertions that follow, which must outlive them.
+	void beginStage(const std::vector<std::uint32_t>& vStage, std::size_t n);
 
-	/// Brings the surroundings of the vertices that follow vStage[n] into the cache, step by step:
-	/// vertices in random order are strangers to it, and half of the time would be spent waiting.
-	void lookAhead(const std::vector<std::uint32_t>& vStage, std::size_t n);
+	/// A tetrahedron near the next vertex of the stage: pLastTet, or one that is nearer.
+	Tet3* nextStart(Tet3* pLastTet);
 
 	/// Vertex `i` of the batch is in the mesh now.
 	void add(std::size_t i) { inMesh.add(vRank[i]); }
 
 private:
-	/// A vertex of the mesh near vertex `i` of the batch, by rank; null when there is none.
-	const Point3* neighbourOf(std::uint32_t i) const;
+	/// Sends a scout to the n-th vertex of the stage, if there are as many.
+	void sendScout(std::size_t n);
+	const Point3* vertexAt(std::size_t rank) const;
 
-	static constexpr std::size_t kAhead = 8;
-	const Point3* aheadVertex[kAhead] = {};
-	const Tet3* aheadTet[kAhead] = {};
+	static constexpr std::size_t kAhead = 32;
+	Scout scouts[kAhead];
 
 	const std::vector<Point3*>& vVertices;
+	const FacetTest facetTest;
 	std::vector<std::uint32_t> vByRank; // positions in the batch along the finer curve
 	std::vector<std::uint32_t> vRank;   // the inverse
 	RankSet inMesh;
+	const std::vector<std::uint32_t>* pStage = nullptr;
+	std::size_t next = 0; // in the stage
 };
 
 } // namespace TULO3D
