@@ -2,6 +2,7 @@
 // The stream buffer that std::cout gets for the time of a run.
 #include "LibraryMessages.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <iostream>
 
@@ -11,9 +12,9 @@ namespace {
 
 bool isTrouble(const std::string& text)
 {
-	for (const char* mark : {"ERROR", "WARNING", "Condition [", "not open"})
-		if (text.find(mark) != std::string::npos) return true;
-	return false;
+	const auto aMarks = {"ERROR", "WARNING", "Condition [", "not open"};
+	return std::any_of(aMarks.begin(), aMarks.end(),
+	    [&](const char* mark) { return text.find(mark) != std::string::npos; });
 }
 
 } // namespace

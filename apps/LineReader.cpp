@@ -50,6 +50,13 @@ bool parse(std::string_view field, std::size_t& value)
 	return parseWhole(field, value, problem);
 }
 
+std::string lowerCase(std::string_view text)
+{
+	std::string lower(text);
+	for (char& c : lower) c = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+	return lower;
+}
+
 std::string quoted(std::string_view field)
 {
 	std::string text = "'";
@@ -79,6 +86,9 @@ bool LineReader::next()
 		line = trimmed(line.substr(0, line.find('#')));
 		rest = line;
 		if (line.empty()) continue;
+		// All lines would pass for one, whose first three fields are a point.
+		if (line.find('\r') != std::string_view::npos)
+			fail("lines end with carriage returns alone");
 		// A number that was cut in its middle still looks like a number.
 		if (isOpenEnded())
 			source.progress.warn(where() +
@@ -111,7 +121,7 @@ std::string_view LineReader::field()
 
 bool LineReader::atLineEnd() const
 {
-	return rest.find_first_not_of(kBlanks) == rest.npos;
+	return rest.find_first_not_of(kBlanks) == std::string_view::npos;
 }
 
 double LineReader::number(const char* what)

@@ -61,6 +61,8 @@ private:
 	char separator = ' ';
 };
 
+/// The text with capital letters of ASCII made small.
+std::string lowerCase(std::string_view text);
 /// The field as it may be shown in a message: printable and not too long.
 std::string quoted(std::string_view field);
 /// Reads the whole of `field` as a number or a count; false when it is none.

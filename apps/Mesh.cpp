@@ -33,9 +33,10 @@ bool isLinked(const Mesh& mesh, const Tet3* pTet, int ith)
 	if (index >= mesh.vTets.size() || mesh.vTets[index] != pNeigh) return false;
 	for (int back = 0; back < 4; ++back) {
 		if (pNeigh->getOppTet(back) != pTet) continue;
-		for (const auto* pVtx : facetCorners(pTet, ith).aVtx)
-			if (!pNeigh->hasVertex(pVtx) || pNeigh->getCorner(back) == pVtx) return false;
-		return true;
+		const FacetCorners facet = facetCorners(pTet, ith);
+		return std::all_of(std::begin(facet.aVtx), std::end(facet.aVtx), [&](const Point3* pVtx) {
+			return pNeigh->hasVertex(pVtx) && pNeigh->getCorner(back) != pVtx;
+		});
 	}
 	return false;
 }

@@ -18,9 +18,10 @@ void readOffHeader(LineReader& lines)
 	const std::string_view word = lines.field();
 	if (word.size() < 3 || word.substr(word.size() - 3) != "OFF")
 		lines.fail("this is not an OFF file: it starts with " + quoted(word));
-	if (word.find_first_of("4n") != word.npos)
+	if (word.find_first_of("4n") != std::string_view::npos)
 		lines.fail("only points of three coordinates are read, not " + quoted(word));
-	if (lines.getLine().find("BINARY") != word.npos) lines.fail("binary OFF is not read");
+	if (lines.getLine().find("BINARY") != std::string_view::npos)
+		lines.fail("binary OFF is not read");
 	if (lines.atLineEnd()) lines.require("the line with the counts is");
 }
 

@@ -8,6 +8,7 @@
 #include <charconv>
 #include <cstring>
 #include <random>
+#include <utility>
 
 namespace fs = std::filesystem;
 
@@ -25,7 +26,7 @@ constexpr const char* kNewFile = "wbx"; // never an existing file, nor through s
 
 } // namespace
 
-OutputFile::OutputFile(const fs::path& wanted) : target(wanted), pFile(nullptr)
+OutputFile::OutputFile(fs::path output) : target(std::move(output)), pFile(nullptr)
 {
 	std::error_code ec;
 	// A link keeps being one: the file that it leads to is replaced.
@@ -34,6 +35,7 @@ OutputFile::OutputFile(const fs::path& wanted) : target(wanted), pFile(nullptr)
 	temporary = target;
 	temporary.replace_filename(
 	    "." + target.filename().string() + "." + std::to_string(std::random_device()()) + ".part");
+	unfinished.emplace(temporary);
 	pFile = std::fopen(temporary.string().c_str(), kNewFile);
 	if (!pFile) fail(std::strerror(errno));
 	buffer.reserve(kBufferSize + 64);
@@ -87,6 +89,7 @@ void OutputFile::commit()
 	std::error_code ec;
 	fs::rename(temporary, target, ec);
 	if (ec) fail(ec.message());
+	unfinished.reset();
 	temporary.clear();
 }
 

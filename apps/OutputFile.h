@@ -2,20 +2,24 @@
 // A file that appears under its name only once it is complete.
 #pragma once
 
+#include "Unfinished.h"
+
 #include <cstdint>
 #include <cstdio>
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <string_view>
 
 namespace app {
 
 /// Writes to a temporary name in the folder of the target; `commit` gives it the target's name.
-/// Without that the target stays as it was and the temporary file is removed. Every failure throws.
+/// Without that the target stays as it was and the temporary file is removed, also when a signal ends
+/// the program. Every failure throws.
 class OutputFile
 {
 public:
-	explicit OutputFile(const std::filesystem::path& target);
+	explicit OutputFile(std::filesystem::path output);
 	~OutputFile();
 	OutputFile(const OutputFile&) = delete;
 	OutputFile& operator=(const OutputFile&) = delete;
@@ -43,6 +47,7 @@ private:
 
 	std::filesystem::path target;
 	std::filesystem::path temporary;
+	std::optional<Unfinished> unfinished; // knows the place of the temporary name
 	std::FILE* pFile;
 	std::string buffer;
 };

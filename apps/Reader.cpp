@@ -3,6 +3,7 @@
 #include "Reader.h"
 
 #include "Errors.h"
+#include "LineReader.h"
 #include "Progress.h"
 
 #include <algorithm>
@@ -33,7 +34,7 @@ struct Format
 const std::vector<Format>& getFormats()
 {
 	static const std::vector<Format> vFormats = {
-	    {"xyz", {".xyz", ".csv", ".txt", ".pts", ".asc"}, readXyz},
+	    {"xyz", {".xyz", ".csv", ".txt", ".tsv", ".pts", ".asc"}, readXyz},
 	    {"ply", {".ply"}, readPly},
 	    {"obj", {".obj"}, readObj},
 	    {"off", {".off"}, readOff},
@@ -66,8 +67,8 @@ const Format& chooseFormat(const Source& source, const std::string& wanted)
 	if (source.text.compare(0, 4, "LASF") == 0) return findFormat("las");
 	if (startsWithOffWord(source.text)) return findFormat("off");
 
-	std::string extension = std::filesystem::path(source.name).extension().string();
-	for (char& c : extension) c = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+	const std::string extension =
+	    lowerCase(std::filesystem::path(source.name).extension().string());
 	if (extension.empty()) return getFormats().front();
 	for (const auto& format : getFormats())
 		for (const char* known : format.vExtensions)

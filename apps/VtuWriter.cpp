@@ -16,7 +16,7 @@ public:
 	{
 		const std::string place = std::to_string(next);
 		next += sizeof(std::uint64_t) + numBytes;
-		return "<DataArray " + typeAndName + " format=\"appended\" offset=\"" + place + "\"/>\n";
+		return "<DataArray " + typeAndName + R"( format="appended" offset=")" + place + "\"/>\n";
 	}
 
 private:

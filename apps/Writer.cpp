@@ -3,6 +3,7 @@
 #include "Writer.h"
 
 #include "Errors.h"
+#include "LineReader.h"
 #include "OutputFile.h"
 
 #include <cstdio>
@@ -17,12 +18,18 @@ namespace app {
 
 namespace {
 
-bool isTetgen(const Path& extension)
+// As it decides the format, whether it is written in capitals or not.
+std::string extensionOf(const Path& output)
+{
+	return lowerCase(output.extension().string());
+}
+
+bool isTetgen(const std::string& extension)
 {
 	return extension == ".node" || extension == ".ele" || extension == ".neigh";
 }
 
-bool isOogl(const Path& extension)
+bool isOogl(const std::string& extension)
 {
 	return extension == ".list" || extension == ".oogl";
 }
@@ -46,7 +53,7 @@ bool isCompleteOogl(const Path& file)
 
 std::vector<Path> getOutputFiles(const Path& output)
 {
-	const Path extension = output.extension();
+	const std::string extension = extensionOf(output);
 	if (isTetgen(extension)) {
 		std::vector<Path> vFiles(3, output);
 		vFiles[0].replace_extension(".node");
@@ -63,7 +70,7 @@ std::vector<Path> getOutputFiles(const Path& output)
 
 void writeMesh(Tulo_3D& triangulation, const Mesh& mesh, const Path& output)
 {
-	const Path extension = output.extension();
+	const std::string extension = extensionOf(output);
 	if (isTetgen(extension)) return writeTetgen(mesh, output);
 	if (extension == ".off") return writeHullOff(mesh, output);
 	if (isOogl(extension)) return writeOogl(triangulation, output);

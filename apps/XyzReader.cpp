@@ -22,15 +22,14 @@ using Columns = std::array<std::size_t, 3>;
 // instead of being read as other numbers than it shows.
 char separatorOf(std::string_view line)
 {
-	if (line.find(';') != line.npos) return ';';
-	return line.find(',') != line.npos ? ',' : ' ';
+	if (line.find(';') != std::string_view::npos) return ';';
+	return line.find(',') != std::string_view::npos ? ',' : ' ';
 }
 
 std::string columnName(std::string_view field)
 {
-	std::string name;
-	for (const char c : field)
-		if (c != '"') name += c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+	std::string name = lowerCase(field);
+	name.erase(std::remove(name.begin(), name.end(), '"'), name.end());
 	return name;
 }
 

@@ -45,7 +45,7 @@ void requireMesh(const std::string& file, const Tulo_3D& triangulation, const Me
 	if (triangulation.is3D()) return;
 	const std::size_t num = mesh.vVertices.size();
 	throw Failure(kNoMesh,
-	    file + ": no mesh: " +
+	    (file == "-" ? "(standard input)" : file) + ": no mesh: " +
 	        (num < 4 ? "fewer than 4 distinct points (" + std::to_string(num) + ")"
 	                 : "all " + std::to_string(num) + " distinct points lie in one plane"));
 }

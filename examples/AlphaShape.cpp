@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Alpha shape: the hull, hollowed out as far as a ball of radius alpha gets without swallowing a
 // point. The points are on the surface of a figure; the shape is its body.
-#include "Tulo_3D.h"
+#include "shared.h"
 
-#include <fstream>
 #include <iostream>
 #include <map>
 #include <set>
@@ -23,9 +22,7 @@ bool staysInShape(const Tet3& tet, double alpha)
 
 int main(int argc, char** argv)
 {
-	std::vector<TULO3D::Point3> points;
-	std::ifstream file(argc > 1 ? argv[1] : "data/bunny_2k.xyz");
-	for (double x, y, z; file >> x >> y >> z;) points.emplace_back(x, y, z);
+	std::vector<TULO3D::Point3> points = readPoints(argc, argv, "data/bunny_2k.xyz");
 	TULO3D::Tulo_3D mesh;
 	mesh.insert(points);
 

@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Around an edge: visit the tetrahedra that share it, inside the mesh and on its hull.
-#include "Tulo_3D.h"
+#include "shared.h"
 
 #include <algorithm>
-#include <fstream>
 #include <iostream>
 #include <map>
 
@@ -33,9 +32,7 @@ static std::vector<TULO3D::Tet3*> tetsAround(const Edge3& edge)
 
 int main(int argc, char** argv)
 {
-	std::vector<TULO3D::Point3> points;
-	std::ifstream file(argc > 1 ? argv[1] : "data/bunny_2k.xyz");
-	for (double x, y, z; file >> x >> y >> z;) points.emplace_back(x, y, z);
+	std::vector<TULO3D::Point3> points = readPoints(argc, argv, "data/bunny_2k.xyz");
 	TULO3D::Tulo_3D mesh;
 	mesh.insert(points);
 

@@ -1,28 +1,16 @@
 // SPDX-License-Identifier: MIT
 // Convex hull: its facets are those without a neighbour.
-#include "Tulo_3D.h"
+#include "shared.h"
 
 #include <cmath>
-#include <fstream>
 #include <iostream>
 #include <set>
 
 using TULO3D::Point3;
 
-/// Positive when a, b, c run counter-clockwise, seen from d.
-static double volume(const Point3& a, const Point3& b, const Point3& c, const Point3& d)
-{
-	const TULO3D::Vector3 u = b - a, v = c - a, w = d - a;
-	const double det = u.x() * (v.y() * w.z() - v.z() * w.y()) +
-	    u.y() * (v.z() * w.x() - v.x() * w.z()) + u.z() * (v.x() * w.y() - v.y() * w.x());
-	return det / 6;
-}
-
 int main(int argc, char** argv)
 {
-	std::vector<Point3> points;
-	std::ifstream file(argc > 1 ? argv[1] : "data/bunny_2k.xyz");
-	for (double x, y, z; file >> x >> y >> z;) points.emplace_back(x, y, z);
+	std::vector<Point3> points = readPoints(argc, argv, "data/bunny_2k.xyz");
 	TULO3D::Tulo_3D mesh;
 	mesh.insert(points);
 

@@ -1,20 +1,11 @@
 // SPDX-License-Identifier: MIT
 // Point location: for each of a stream of queries, interpolate between the vertices around it.
-#include "Tulo_3D.h"
+#include "shared.h"
 
 #include <cmath>
-#include <fstream>
 #include <iostream>
 
 using TULO3D::Point3;
-
-static double volume(const Point3& a, const Point3& b, const Point3& c, const Point3& d)
-{
-	const TULO3D::Vector3 u = b - a, v = c - a, w = d - a;
-	const double det = u.x() * (v.y() * w.z() - v.z() * w.y()) +
-	    u.y() * (v.z() * w.x() - v.x() * w.z()) + u.z() * (v.x() * w.y() - v.y() * w.x());
-	return det / 6;
-}
 
 /// What is to be interpolated. It is linear, so that the result can be checked.
 static double valueAt(const Point3& p)
@@ -24,10 +15,9 @@ static double valueAt(const Point3& p)
 
 int main(int argc, char** argv)
 {
-	std::vector<Point3> points;
-	std::ifstream file(argc > 1 ? argv[1] : "data/lidar_rock_22k.xyz");
+	std::vector<Point3> points = readPoints(argc, argv, "data/lidar_rock_22k.xyz");
 	const TULO3D::Vector3 toOrigin(-2230800, -252000, 0); // keeps digits for plain arithmetic
-	for (double x, y, z; file >> x >> y >> z;) points.push_back(Point3(x, y, z) + toOrigin);
+	for (Point3& point : points) point = point + toOrigin;
 	TULO3D::Tulo_3D mesh;
 	mesh.insert(points);
 

@@ -1,10 +1,9 @@
 // SPDX-License-Identifier: MIT
 // Neighbours: from a vertex to those that share an edge with it. The nearest of all points is one.
-#include "Tulo_3D.h"
+#include "shared.h"
 
 #include <algorithm>
 #include <cfloat>
-#include <fstream>
 #include <iostream>
 #include <set>
 
@@ -18,9 +17,7 @@ static double squaredDistance(const Point3& p, const Point3& q)
 
 int main(int argc, char** argv)
 {
-	std::vector<Point3> points;
-	std::ifstream file(argc > 1 ? argv[1] : "data/bunny_2k.xyz");
-	for (double x, y, z; file >> x >> y >> z;) points.emplace_back(x, y, z);
+	std::vector<Point3> points = readPoints(argc, argv, "data/bunny_2k.xyz");
 	TULO3D::Tulo_3D mesh;
 	std::vector<Point3*> handles;
 	mesh.insert(points, handles);

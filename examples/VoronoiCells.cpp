@@ -1,21 +1,13 @@
 // SPDX-License-Identifier: MIT
 // Voronoi cells: their corners are the circumcentres around a vertex. The points are the atoms of a
 // body-centred cubic crystal with cubes of side 2; a cell inside has half the volume of a cube.
-#include "Tulo_3D.h"
+#include "shared.h"
 
 #include <cmath>
 #include <iostream>
 #include <set>
 
 using TULO3D::Point3;
-
-static double volume(const Point3& a, const Point3& b, const Point3& c, const Point3& d)
-{
-	const TULO3D::Vector3 u = b - a, v = c - a, w = d - a;
-	const double det = u.x() * (v.y() * w.z() - v.z() * w.y()) +
-	    u.y() * (v.z() * w.x() - v.x() * w.z()) + u.z() * (v.x() * w.y() - v.y() * w.x());
-	return std::abs(det) / 6;
-}
 
 /// Infinite for a vertex on the hull.
 static double cellVolume(TULO3D::Tulo_3D& mesh, Point3* vertex)
@@ -36,7 +28,7 @@ static double cellVolume(TULO3D::Tulo_3D& mesh, Point3* vertex)
 		for (TULO3D::TetAroundEdgeIterator it(edge); it.previewNextTet() != edge.getTet(); ++it) {
 			if (it.nextIsNull()) return INFINITY;
 			const Point3 from = (*it)->getCircumcenter();
-			sum += volume(*vertex, first, from, it.previewNextTet()->getCircumcenter());
+			sum += std::abs(volume(*vertex, first, from, it.previewNextTet()->getCircumcenter()));
 		}
 	}
 	return sum;
@@ -46,8 +38,8 @@ int main()
 {
 	std::vector<Point3> points;
 	for (int i = 0; i < 8 * 8 * 8; ++i) {
-		const double x = 2 * (i % 8), y = 2 * (i / 8 % 8), z = 2 * (i / 64);
-		points.insert(points.end(), {{x, y, z}, {x + 1, y + 1, z + 1}});
+		const int x = i % 8, y = i / 8 % 8, z = i / 64;
+		for (const int k : {0, 1}) points.emplace_back(2 * x + k, 2 * y + k, 2 * z + k);
 	}
 	TULO3D::Tulo_3D mesh;
 	std::vector<Point3*> handles;

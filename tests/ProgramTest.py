@@ -10,6 +10,7 @@ import pty
 import random
 import resource
 import shutil
+import signal
 import struct
 import subprocess
 import sys
@@ -59,7 +60,7 @@ def las(minor=2, compressed=0):
 CSV = "".join(f"{i},{z!r}, {x!r} ,+{abs(y)!r}\n" for i, (x, y, z) in enumerate(POINTS))
 OFF = "# a comment\n{} {} 0\n" + lines(POINTS, tail=" 0.5 0.5 0.5") + "\n3 0 1 2\n3 3 4 15\n"
 FORMATS = {  # name: content; all hold POINTS, the LAS files RASTER
-    "blanks.xyz": lines(POINTS, "\t  ", head="\ufeff# made here\n// also a comment\n\n", tail=" 255 # end"),
+    "blanks.TSV": lines(POINTS, "\t  ", head="\ufeff# made here\n// also a comment\n\n", tail=" 255 # end"),
     "semicolons.txt": lines(POINTS, " ; ", "\r\n"), "counted.pts": lines(POINTS, head="40\n", tail=" 9"),
     "columns.CSV": 'id,"Z",X,y\n' + CSV, "bare": lines(POINTS)[:-1],
     "ascii.ply": ply("ascii"), "little.ply": ply("binary_little_endian", "<"),
@@ -76,6 +77,7 @@ BAD = [  # name, content, exit status, what standard error says
     ("a.csv", FOUR.replace(" ", ",") + "0,x7,1\n", 3, "a.csv:4: 'x7' is not a number"),
     ("a.csv", "easting,northing,up\n1,2,3\n", 3, "a.csv:1: 'easting' is not a number"),
     ("a.xyz", FOUR + "\n# c\n0 0\n", 3, "a.xyz:6: z is missing"),
+    ("a.xyz", FOUR.replace("\n", "\r"), 3, "a.xyz:1: lines end with carriage returns alone"),
     ("a.xyz", FOUR + "0 0 nan\n", 3, "a.xyz:4: a coordinate is not a finite number"),
     ("a.xyz", FOUR + "0 0 -1e61\n", 3, "a.xyz:4: a coordinate is larger than 1e60"),
     ("a.xyz", FOUR + "0 0 1e999\n", 3, "a.xyz:4: '1e999' is outside the range of a double"),
@@ -183,7 +185,7 @@ class Program(ProgramCase):
         points = self.write("a.xyz", lines(POINTS))
         def limit():
             resource.setrlimit(resource.RLIMIT_FSIZE, (1000, 1000))
-        for name in ("m.vtu", "m.ele", "m.off", "m.list"):
+        for name in ("m.VTU", "m.ele", "m.off", "m.list"):
             with self.subTest(name):
                 target = self.write(name, "old")
                 done = run(points, "-o", target, preexec_fn=limit, restore_signals=False)
@@ -195,6 +197,21 @@ class Program(ProgramCase):
         self.assertEqual(run(points, "-o", self.folder / "link.off", "-o", self.folder / "m.oogl").returncode, 0)
         self.assertTrue((self.folder / "link.off").is_symlink())
         self.assertEqual([p.name for p in self.folder.glob(".*")], [])
+
+    def testASignalLeavesNothingUnfinishedBehind(self):
+        points = self.write("a.xyz", lines([(random.random(), random.random(), random.random()) for _ in range(2000)]))
+        outputs = [a for i in range(50) for a in ("-o", self.folder / f"m{i}.list")]  # long enough to be caught
+        for number in signal.SIGINT, signal.SIGTERM, signal.SIGHUP:
+            with self.subTest(number), subprocess.Popen([PROGRAM, points, *outputs], stdout=subprocess.DEVNULL) as program:
+                caught = False
+                while not caught and program.poll() is None:
+                    program.send_signal(signal.SIGSTOP)
+                    os.waitid(os.P_PID, program.pid, os.WSTOPPED | os.WEXITED | os.WNOWAIT)
+                    caught = any(self.folder.glob(".*.part"))
+                    program.send_signal(number if caught else signal.SIGCONT)
+                program.send_signal(signal.SIGCONT)
+                self.assertEqual((caught, program.wait()), (True, -number))
+                self.assertEqual([p.name for p in self.folder.glob(".*")], [])
 
     def testTheWrittenNeighboursAndHullFitTogether(self):
         facts = json.loads(run("--json", "-o", self.mesh, "-o", self.folder / "hull.off",

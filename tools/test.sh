@@ -1,9 +1,10 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
-# Sets everything up, then builds and tests with g++ and clang, with sanitizers and with fused
-# multiply-add allowed, fuzzes for a moment and compares meshes between compilers and CPUs. The last
-# line sums up all runs; the exit status is 0 only if all went well.
-# Usage: tools/test.sh [PRESET|same_mesh]...
+# Sets everything up, reads the sources with tools, then builds and tests with g++ and clang, with
+# sanitizers and with fused multiply-add allowed, fuzzes for a moment, compares meshes between
+# compilers and CPUs, makes the Debian packages and tries them, and tests for Windows where that can
+# be done. The last line sums up all runs; the exit status is 0 only if all went well.
+# Usage: tools/test.sh [lint|PRESET|same_mesh|packages|mingw]...
 set -uo pipefail
 
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
@@ -11,10 +12,11 @@ cd "$root" || exit 1
 # shellcheck source=tools/packages.sh
 source tools/packages.sh
 require_packages "${packages_build[@]}" "${packages_test[@]}" || exit 1
+try_packages "${packages_test_optional[@]}"
 
-(($#)) || set -- release sanitize clang fma fuzz same_mesh
+(($#)) || set -- lint release sanitize clang fma fuzz same_mesh packages mingw
 jobs=$(nproc)
-passed=0 failed=0 skipped=0 broken=()
+passed=0 failed=0 skipped=0 broken=() left_out=()
 
 # Reads one number of the <testsuite> line of a test report.
 report_number() {
@@ -44,16 +46,42 @@ test_preset() {
 	return "$status"
 }
 
-for preset in "$@"; do
-	SECONDS=0
-	if [[ $preset == same_mesh ]]; then
-		tools/same_mesh.sh || broken+=("$preset")
-	else
-		test_preset "$preset" || broken+=("$preset")
-	fi
-	echo "== $preset: $SECONDS s"
+# Nothing for Windows is installed by these scripts: it would take a gigabyte.
+has_mingw() {
+	command -v x86_64-w64-mingw32-g++-posix && [[ -d /usr/src/googletest && -d /usr/include/boost ]] &&
+		{ command -v wine64 || command -v wine || [[ -x /usr/lib/wine/wine64 ]]; }
+} >/dev/null
+
+for step in "$@"; do
+	SECONDS=0 status=0
+	case $step in
+	lint) tools/lint.sh || status=$? ;;
+	same_mesh) tools/same_mesh.sh || status=$? ;;
+	packages) tools/test_packages.sh || status=$? ;;
+	mingw)
+		if has_mingw; then
+			test_preset mingw || status=$?
+		else
+			echo "Debian packages for it: g++-mingw-w64-x86-64-posix wine64 googletest libboost-dev"
+			status=77
+		fi
+		;;
+	*) test_preset "$step" || status=$? ;;
+	esac
+	case $status in
+	0) echo "== $step: $SECONDS s" ;;
+	77)
+		echo "== $step: not all of it could be done here"
+		left_out+=("$step")
+		;;
+	*)
+		echo "== $step: failed after $SECONDS s"
+		broken+=("$step")
+		;;
+	esac
 done
 
+((${#left_out[@]} == 0)) || echo "Not done, or not to the end: ${left_out[*]}"
 ((${#broken[@]} == 0)) || echo "Failed: ${broken[*]}"
 ((skipped == 0)) || echo "$skipped skipped"
 echo "$passed passed, $failed failed"

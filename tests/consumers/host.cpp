@@ -11,8 +11,7 @@ using namespace TULO3D;
 int main()
 {
 	Tulo_3D mesh;
-	std::vector<Point3> vPoints{
-	    {0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {0, 0, 1}, {0.25, 0.25, 0.25}};
+	std::vector<Point3> vPoints{{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {0, 0, 1}, {0.25, 0.25, 0.25}};
 	mesh.insert(vPoints);
 
 	std::vector<Tet3*> vTets;
