@@ -2,6 +2,7 @@
 // Storage for records that exist by the million and die all at once.
 #pragma once
 
+#include "mapAhead.h"
 #include "tools.h"
 
 #include <algorithm>
@@ -58,8 +59,8 @@ public:
 	{
 		assert(initialized);
 		++lastIndex;
-		if (lastIndex < currentBlockSize) return currentBlock + lastIndex;
-		return allocInNewBlock();
+		if (lastIndex < numReady) return currentBlock + lastIndex;
+		return allocUnready();
 	}
 
 	/// Opens a block of `requested` records, or of the next automatic size when that is negative.
@@ -75,6 +76,7 @@ public:
 		blockList.push_back(currentBlock);
 		currentBlockSize = size;
 		lastIndex = -1;
+		numReady = size < kAhead ? size : 0;
 	}
 
 	/// Makes all records available again; only the first block is kept.
@@ -86,6 +88,7 @@ public:
 		blockList.resize(1);
 		currentBlock = blockList[0];
 		currentBlockSize = firstBlockSize;
+		numReady = firstBlockSize;
 		pristine = true;
 		// Deliberate: vSizes stays, so automatic growth goes on from the last size.
 	}
@@ -124,13 +127,24 @@ public:
 	int maxBlockSize = -1;
 
 private:
-	T* allocInNewBlock()
+	/// As many records as are made ready at a time: 1 MB.
+	static constexpr int kAhead = static_cast<int>((1U << 20U) / sizeof(T)) + 1;
+
+	T* allocUnready()
 	{
-		addBlock(growthSize);
-		++lastIndex;
-		pristine = false;
-		return currentBlock;
+		if (lastIndex >= currentBlockSize) {
+			addBlock(growthSize);
+			++lastIndex;
+			pristine = false;
+			if (lastIndex < numReady) return currentBlock;
+		}
+		const int count = std::min(kAhead, currentBlockSize - lastIndex);
+		mapAhead(currentBlock + lastIndex, static_cast<std::size_t>(count) * sizeof(T));
+		numReady = lastIndex + count;
+		return currentBlock + lastIndex;
 	}
+
+	int numReady = 0; ///< the records of the current block that may be handed out at once
 
 	// Deliberate: half the first block, then double. A small engine stays small.
 	int nextAutomaticSize() const
