@@ -254,22 +254,22 @@ struct HalfBatches
 	static TULO3D_ALWAYS_INLINE NeighbourVerdicts verdicts(
 	    const NeighbourBatch& batch, const Point3& query)
 	{
-		const SphereRow<Lanes2> low = rowsOf(gather(batch.corner[0], batch.corner[1]), query);
-		const SphereRow<Lanes2> high = rowsOf(gather(batch.corner[2], batch.corner[3]), query);
+		const SphereRow<Lanes2> rows01 = rowsOf(gather(batch.corner[0], batch.corner[1]), query);
+		const SphereRow<Lanes2> rows23 = rowsOf(gather(batch.corner[2], batch.corner[3]), query);
 		const LaneVerdicts<Lanes2> first =
-		    quickStage(low, high, rowsOf(gather(batch.opposite[0], batch.opposite[1]), query));
+		    quickStage(rows01, rows23, rowsOf(gather(batch.opposite[0], batch.opposite[1]), query));
 		const LaneVerdicts<Lanes2> second =
-		    quickStage(high, low, rowsOf(gather(batch.opposite[2], batch.opposite[3]), query));
+		    quickStage(rows23, rows01, rowsOf(gather(batch.opposite[2], batch.opposite[3]), query));
 		return unpacked(first, second);
 	}
 
 	static TULO3D_ALWAYS_INLINE FacetSides sides(
 	    const Point3* const (&corner)[4], const Point3& query)
 	{
-		const SphereRow<Lanes2> low = rowsOf(gather(corner[0], corner[1]), query);
-		const SphereRow<Lanes2> high = rowsOf(gather(corner[2], corner[3]), query);
-		const LaneSides<Lanes2> first = sidesOfFacets(low, high);
-		const LaneSides<Lanes2> second = sidesOfFacets(high, low);
+		const SphereRow<Lanes2> rows01 = rowsOf(gather(corner[0], corner[1]), query);
+		const SphereRow<Lanes2> rows23 = rowsOf(gather(corner[2], corner[3]), query);
+		const LaneSides<Lanes2> first = sidesOfFacets(rows01, rows23);
+		const LaneSides<Lanes2> second = sidesOfFacets(rows23, rows01);
 		return {bitsOf(first.positive) | bitsOf(second.positive) << 2U,
 		    bitsOf(first.negative) | bitsOf(second.negative) << 2U};
 	}

@@ -23,6 +23,7 @@ public:
 	Whole(const Whole& other) { *this = other; }
 	Whole& operator=(const Whole& other)
 	{
+		if (this == &other) return *this;
 		bNegative = other.bNegative;
 		length = other.length;
 		std::copy_n(other.digit, length, digit);
