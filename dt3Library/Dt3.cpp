@@ -11,12 +11,8 @@ constexpr std::size_t kUsualCavity = 512;
 
 } // namespace
 
-Dt3::Dt3(Tulo_3D* pFacade)
-    : numStoredTCS(0),
-      bFullDimensional(false),
-      pOwner(pFacade),
-      bVerbose(false),
-      batchTests(bestTests())
+Dt3::Dt3(Tulo_3D* pFacade, const BatchTests& tests)
+    : numStoredTCS(0), bFullDimensional(false), pOwner(pFacade), bVerbose(false), batchTests(tests)
 {
 	vTwoTetSlots.assign(kFacetSlots, nullptr);
 	twoTetPool.init(1024, 512, SimplePool<TwoTetStruct>::kMaxBlock);

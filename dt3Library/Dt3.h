@@ -80,7 +80,8 @@ struct FlatWitness
 class Dt3
 {
 public:
-	explicit Dt3(Tulo_3D* pFacade);
+	/// `tests` is for those who want another variant than the fastest one.
+	explicit Dt3(Tulo_3D* pFacade, const BatchTests& tests = bestTests());
 	Dt3(const Dt3&) = delete;
 	Dt3& operator=(const Dt3&) = delete;
 	~Dt3();

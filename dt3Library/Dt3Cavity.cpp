@@ -119,10 +119,10 @@ Tet3* Dt3::replaceCavity(Point3* pVtx, Tet3* pStartTet)
 {
 	swapDeadAndRecycled();
 	star.clear();
-	if (&batchTests == &kPortableTests) {
-		carvePortable(pVtx, pStartTet);
-	} else {
+	if (batchTests.bAvx2) {
 		carveAvx2(pVtx, pStartTet);
+	} else {
+		carvePortable(pVtx, pStartTet);
 	}
 	Tet3* pLastTet = nullptr;
 	for (const CavityFacet& facet : vCavityFacets) pLastTet = closeFacet(facet, pVtx);

@@ -221,12 +221,12 @@ FacetSides testFacetsPortable(const Point3* const (&corner)[4], const Point3& qu
 
 } // namespace
 
-const BatchTests kPortableTests = {testNeighboursPortable, testFacetsPortable};
+const BatchTests kPortableTests = {testNeighboursPortable, testFacetsPortable, false};
 
 const BatchTests* avx2Tests()
 {
 #if defined(TULO3D_AVX2)
-	static const BatchTests tests = {testNeighboursAvx2, testFacetsAvx2};
+	static const BatchTests tests = {testNeighboursAvx2, testFacetsAvx2, true};
 	if (__builtin_cpu_supports("avx2")) return &tests;
 #endif
 	return nullptr;

@@ -42,6 +42,7 @@ struct BatchTests
 {
 	NeighbourTest neighbours;
 	FacetTest facets;
+	bool bAvx2; ///< loops that have them compiled in are to be those for AVX2
 };
 
 /// For any CPU.
