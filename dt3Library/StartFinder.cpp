@@ -5,6 +5,7 @@
 #include "Prefetch.h"
 #include "vectors.h"
 
+#include <algorithm>
 #include <cfloat>
 
 namespace TULO3D {
@@ -157,12 +158,6 @@ void Scout::advance(FacetTest facetTest)
 	}
 }
 
-Tet3* Scout::found() const
-{
-	// A dead tetrahedron stays visited until its record is used again, for some other place.
-	return pTet != nullptr && !pTet->hasBeenVisited ? pTet : nullptr;
-}
-
 StartFinder::StartFinder(const std::vector<Point3*>& vBatch, FacetTest test)
     : vVertices(vBatch),
       facetTest(test),
@@ -174,6 +169,7 @@ StartFinder::StartFinder(const std::vector<Point3*>& vBatch, FacetTest test)
 		vRank[vByRank[rank]] = static_cast<std::uint32_t>(rank);
 		if (vVertices[vByRank[rank]]->getOneTet() != nullptr) inMesh.add(rank);
 	}
+	bScouts = orderJumps();
 }
 
 const Point3* StartFinder::vertexAt(std::size_t rank) const
@@ -181,10 +177,23 @@ const Point3* StartFinder::vertexAt(std::size_t rank) const
 	return rank == RankSet::kNone ? nullptr : vVertices[vByRank[rank]];
 }
 
+bool StartFinder::orderJumps() const
+{
+	// So many vertices and what lies around them fit into the nearer caches.
+	constexpr std::uint32_t kCached = 4096;
+	std::size_t numJumps = 0;
+	for (std::size_t i = 1; i < vRank.size(); ++i) {
+		const auto [low, high] = std::minmax(vRank[i - 1], vRank[i]);
+		numJumps += high - low > kCached;
+	}
+	return numJumps > vRank.size() / 2;
+}
+
 void StartFinder::beginStage(const std::vector<std::uint32_t>& vStage, std::size_t n)
 {
 	pStage = &vStage;
 	next = n;
+	if (!bScouts) return;
 	for (Scout& scout : scouts) scout = Scout();
 	for (std::size_t ahead = 0; ahead < kAhead; ++ahead) sendScout(next + ahead);
 }
@@ -199,12 +208,29 @@ void StartFinder::sendScout(std::size_t n)
 
 Tet3* StartFinder::nextStart(Tet3* pLastTet)
 {
-	Scout& arrived = scouts[next % kAhead];
-	Tet3* pFound = arrived.found();
-	sendScout(next + kAhead);
+	const std::uint32_t i = (*pStage)[next];
+	if (bScouts) {
+		sendScout(next + kAhead);
+		for (Scout& scout : scouts) scout.advance(facetTest);
+	}
 	++next;
-	for (Scout& scout : scouts) scout.advance(facetTest);
-	return pFound != nullptr ? pFound : pLastTet;
+	return nearestStart(i, pLastTet);
+}
+
+Tet3* StartFinder::nearestStart(std::uint32_t i, Tet3* pLastTet) const
+{
+	const Point3& target = *vVertices[i];
+	Tet3* pNearest = pLastTet;
+	double least = squaredDistance(target, *pLastTet->getCorner(0));
+	for (const std::size_t rank : {inMesh.below(vRank[i]), inMesh.above(vRank[i])}) {
+		const Point3* p = vertexAt(rank);
+		if (p == nullptr || p->getOneTet() == nullptr) continue;
+		const double distance = squaredDistance(target, *p);
+		if (distance >= least) continue;
+		least = distance;
+		pNearest = p->getOneTet();
+	}
+	return pNearest;
 }
 
 } // namespace TULO3D

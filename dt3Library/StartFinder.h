@@ -36,7 +36,8 @@ private:
 /// The way of one vertex to its place in the mesh, some insertions before its own.
 ///
 /// Each step only looks at what the step before has asked the memory for, and an insertion passes
-/// between them: so nobody waits. What a scout finds is a hint, as the mesh changes meanwhile.
+/// between them: so nobody waits. It only warms the cache: what it sees may be dead or elsewhere by the
+/// time of the insertion.
 class Scout
 {
 public:
@@ -45,9 +46,6 @@ public:
 
 	/// Takes the next step, if there is one left.
 	void advance(FacetTest facetTest);
-
-	/// A tetrahedron near the target, or null.
-	Tet3* found() const;
 
 private:
 	enum class Step {
@@ -62,17 +60,17 @@ private:
 
 	const Point3* pVtx = nullptr;
 	const Point3* pNear[2] = {};
-	Tet3* pTet = nullptr;
+	const Tet3* pTet = nullptr;
 	Step step = Step::kDone;
 };
 
 /// The vertices of a batch along a curve of its own: 21 levels of cubes around the bulk of them.
 ///
 /// The order of insertion follows the nine levels of the vertex store. They do not tell the vertices
-/// apart when a few lie far out or the box is thin, and then each walk starts anywhere, and each vertex
-/// is a stranger to the cache. Where a walk starts decides how long it takes, and the mesh does not
-/// depend on it. So it may start near the vertex of the mesh that is next on the finer curve, and a
-/// scout may go there first.
+/// apart when a few lie far out or the box is thin, and then each walk starts anywhere. Where it starts
+/// decides how long it takes, and the mesh does not depend on it; so it may start near the vertex of the
+/// mesh that is next on the finer curve. Where each vertex is far from the one before, and so a stranger
+/// to the cache as well, scouts go ahead.
 class StartFinder
 {
 public:
@@ -92,6 +90,10 @@ private:
 	/// Sends a scout to the n-th vertex of the stage, if there are as many.
 	void sendScout(std::size_t n);
 	const Point3* vertexAt(std::size_t rank) const;
+	/// A tetrahedron of a vertex on either side of vertex `i` along the finer curve, or pLastTet.
+	Tet3* nearestStart(std::uint32_t i, Tet3* pLastTet) const;
+	/// True when most vertices are far from the one before along the finer curve.
+	bool orderJumps() const;
 
 	static constexpr std::size_t kAhead = 32;
 	Scout scouts[kAhead];
@@ -103,6 +105,7 @@ private:
 	RankSet inMesh;
 	const std::vector<std::uint32_t>* pStage = nullptr;
 	std::size_t next = 0; // in the stage
+	bool bScouts = false;
 };
 
 } // namespace TULO3D
