@@ -87,14 +87,14 @@ TEST(Insert, KnownPointsGetTheirVerticesAndChangeNothing)
 TEST(Insert, StrangersInANeedleAreWalkedToWithoutTheWatchdog)
 {
 	// The curve does not tell them apart: walks start along a finer one, and scouts go ahead.
-	Cloud cloud = points::make("NeedleBox", 30000);
+	Cloud cloud = points::make("NeedleBox", 60000);
 	Tulo_3D mesh;
 	const std::string printed = support::printedBy([&] {
 		std::vector<Point3*> handles;
 		mesh.insert(cloud, handles);
 		std::vector<Tet3*> tets;
 		mesh.getTetrahedra(tets);
-		EXPECT_GT(tets.size(), 6U * 30000);
+		EXPECT_GT(tets.size(), 6U * 60000);
 		EXPECT_TRUE(mesh.checkValidity("needle", true));
 	});
 	EXPECT_EQ(printed.find("watchDog"), std::string::npos);
