@@ -88,6 +88,20 @@ void Scout::start(const Point3* pTarget, const Point3* pBelow, const Point3* pAb
 	step = Step::kChooseVertex;
 }
 
+unsigned Scout::facetsToCross(FacetTest facetTest) const
+{
+	const Point3* const corner[4] = {
+	    pTet->getCorner(0), pTet->getCorner(1), pTet->getCorner(2), pTet->getCorner(3)};
+	return facetTest(corner, *pVtx).negative;
+}
+
+Tet3* Scout::arrival(FacetTest facetTest) const
+{
+	// A dead tetrahedron stays visited until its record is used again, for some other place.
+	if (pTet == nullptr || pTet->hasBeenVisited) return nullptr;
+	return facetsToCross(facetTest) == 0 ? pTet : nullptr;
+}
+
 void Scout::advance(FacetTest facetTest)
 {
 	switch (step) {
@@ -106,9 +120,7 @@ void Scout::advance(FacetTest facetTest)
 		step = Step::kWalk;
 		return;
 	case Step::kWalk: {
-		const Point3* const corner[4] = {
-		    pTet->getCorner(0), pTet->getCorner(1), pTet->getCorner(2), pTet->getCorner(3)};
-		const unsigned beyond = facetTest(corner, *pVtx).negative;
+		const unsigned beyond = facetsToCross(facetTest);
 		for (int i = 0; i < 4; ++i) {
 			if ((beyond >> i & 1U) == 0 || pTet->getOppTet(i) == nullptr) continue;
 			pTet = pTet->getOppTet(i);
@@ -209,12 +221,14 @@ void StartFinder::sendScout(std::size_t n)
 Tet3* StartFinder::nextStart(Tet3* pLastTet)
 {
 	const std::uint32_t i = (*pStage)[next];
+	Tet3* pStart = bScouts ? scouts[next % kAhead].arrival(facetTest) : nullptr;
+	if (pStart == nullptr) pStart = nearestStart(i, pLastTet);
 	if (bScouts) {
 		sendScout(next + kAhead);
 		for (Scout& scout : scouts) scout.advance(facetTest);
 	}
 	++next;
-	return nearestStart(i, pLastTet);
+	return pStart;
 }
 
 Tet3* StartFinder::nearestStart(std::uint32_t i, Tet3* pLastTet) const

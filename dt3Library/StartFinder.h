@@ -36,8 +36,7 @@ private:
 /// The way of one vertex to its place in the mesh, some insertions before its own.
 ///
 /// Each step only looks at what the step before has asked the memory for, and an insertion passes
-/// between them: so nobody waits. It only warms the cache: what it sees may be dead or elsewhere by the
-/// time of the insertion.
+/// between them: so nobody waits. What it has seen may be dead or elsewhere by the time of the insertion.
 class Scout
 {
 public:
@@ -47,7 +46,13 @@ public:
 	/// Takes the next step, if there is one left.
 	void advance(FacetTest facetTest);
 
+	/// The tetrahedron to which the scout has come, if the target is still in it; otherwise null.
+	Tet3* arrival(FacetTest facetTest) const;
+
 private:
+	/// The facets of pTet that certainly have the target beyond them.
+	unsigned facetsToCross(FacetTest facetTest) const;
+
 	enum class Step {
 		kChooseVertex,
 		kLookAtTet,
@@ -60,7 +65,7 @@ private:
 
 	const Point3* pVtx = nullptr;
 	const Point3* pNear[2] = {};
-	const Tet3* pTet = nullptr;
+	Tet3* pTet = nullptr;
 	Step step = Step::kDone;
 };
 
