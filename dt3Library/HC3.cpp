@@ -3,10 +3,12 @@
 #include "HC3.h"
 #include "FinerCurve.h"
 #include "KeySort.h"
+#include "Prefetch.h"
 #include "Tet3.h"
 #include "tools.h"
 #include "vectors.h"
 
+#include <algorithm>
 #include <iostream>
 #include <limits>
 #include <new>
@@ -168,10 +170,13 @@ void HC3::insertPoints(const std::vector<Point3>& vPoints, std::vector<Point3*>&
 	vNewVertices.reserve(vNewVertices.size() + siz);
 	Batch batch{vPoints, vUserHandles, vNewVertices, {}, {}, {}, {}};
 	batch.vNewItems.reserve(siz);
+	constexpr std::size_t kAhead = 16;
 	for (std::size_t i = 0; i < siz;) {
 		const std::uint32_t key = vHIndexIndexPair[i].key;
 		batch.vCell.clear();
 		for (; i < siz && vHIndexIndexPair[i].key == key; ++i) {
+			// Along the curve they lie here and there in the input.
+			prefetch(&vPoints[vHIndexIndexPair[std::min(i + kAhead, siz - 1)].position]);
 			batch.vCell.push_back(vHIndexIndexPair[i].position);
 		}
 		insertCell(key, batch);

@@ -16,9 +16,8 @@ class Tet3;
 /// As a value it carries coordinates (in any one unit) and an index that belongs to the host. As a
 /// vertex it also knows one incident tetrahedron, from which the whole mesh can be walked.
 ///
-/// Signs are exact for coordinates whose magnitude is 0 or lies in 1e-45 .. 1e60. Smaller
-/// magnitudes are accepted, but products of them may underflow, so that nearly degenerate
-/// configurations may be judged wrongly. Larger ones and non-finite ones are refused on insertion.
+/// Signs are exact for coordinates of at most 1e60 in magnitude. Larger ones and non-finite ones are
+/// refused on insertion.
 class TULO3D_API Point3
 {
 public:
