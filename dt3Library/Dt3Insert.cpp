@@ -44,9 +44,10 @@ constexpr std::size_t kLongWalk = 40;
 
 bool Dt3::accepts(const Point3& p)
 {
-	if (mayUnderflow(p)) predicates.expectUnderflow();
-	return std::abs(p.x()) <= kMaxCoordinate && std::abs(p.y()) <= kMaxCoordinate &&
+	const bool bAccepted = std::abs(p.x()) <= kMaxCoordinate && std::abs(p.y()) <= kMaxCoordinate &&
 	    std::abs(p.z()) <= kMaxCoordinate; // false for NaN
+	if (bAccepted && mayUnderflow(p)) predicates.expectUnderflow();
+	return bAccepted;
 }
 
 Point3* Dt3::insert(Point3& p)

@@ -56,6 +56,7 @@ int Dt3::locateConflictTet(Point3* pVtx, Tet3*& pStartTet)
 		pStartTet = pNext;
 	}
 
+	// The walk has just made these tests; a walk that ends otherwise would be a defect.
 	const auto isPositive = [&sides](int i) { return (sides.positive >> i & 1U) != 0; };
 	CONDITION_CHECK_AS(
 	    isPositive(0), "predicates.getOrientation3(pStartTet,0,pVtx)==ORIENTATION3_POSITIVE");

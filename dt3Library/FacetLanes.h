@@ -13,10 +13,6 @@ namespace TULO3D {
 
 // The corners of facet i stand in lane i of these columns. They are the rows of kOutside, each
 // turned so that a register of corners 0 1 2 3 becomes a column by swapping pairs or halves.
-// What underflow can take from a determinant whose points are all nearer than 1; where they are not, it
-// is hidden by the bound, which grows with the third or fifth power of their distances.
-constexpr double kLostInQuickStage = 1e-300;
-
 inline constexpr int kColumnA[4] = {1, 0, 3, 2};
 inline constexpr int kColumnB[4] = {2, 3, 0, 1};
 inline constexpr int kColumnC[4] = {3, 2, 1, 0};
@@ -95,7 +91,7 @@ TULO3D_ALWAYS_INLINE SphereRow<Lanes4> swapHalves(const SphereRow<Lanes4>& r)
 	return {swapHalves(r.x), swapHalves(r.y), swapHalves(r.z), swapHalves(r.l)};
 }
 
-/// At least the square roots, at most a sixteenth more. Halving exponent and significand as one
+/// At least the square roots but for their last bit, at most a sixteenth more. Halving exponent and significand as one
 /// number follows the tangents of the root at the powers of 4, and they run above it.
 template <typename Lanes>
 TULO3D_ALWAYS_INLINE Lanes aboveRoot(const Lanes& v)
@@ -113,6 +109,12 @@ struct Points
 TULO3D_ALWAYS_INLINE Points<Lanes2> gather(const Point3* pP, const Point3* pQ)
 {
 	return {Lanes2{pP->x(), pQ->x()}, Lanes2{pP->y(), pQ->y()}, Lanes2{pP->z(), pQ->z()}};
+}
+
+template <typename Lanes>
+TULO3D_ALWAYS_INLINE Points<Lanes> swapPairs(const Points<Lanes>& p)
+{
+	return {swapPairs(p.x), swapPairs(p.y), swapPairs(p.z)};
 }
 
 /// A register of pairs: x and y of two points are loaded together and sorted out afterwards.

@@ -193,7 +193,7 @@ void HC3::createVertices(Batch& batch)
 		return;
 	}
 	// They enter the mesh in input order, here and there in the cell; but neighbours in the mesh that
-	// are neighbours in memory share the cache.
+	// are neighbours in memory share the cache. Nothing else depends on where a vertex lies in memory.
 	std::vector<const Point3*> vPoints;
 	vPoints.reserve(vNew.size());
 	for (const std::uint32_t i : vNew) vPoints.push_back(&batch.vPoints[i]);

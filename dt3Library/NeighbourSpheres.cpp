@@ -122,17 +122,15 @@ TULO3D_ALWAYS_INLINE void exactStage(const Group<Lanes>& group, const Point3& qu
 		const Lanes rounded = (difference.hi + shifter) - shifter;
 		inexact |= (Flags<Lanes>)(difference.lo != 0.0) | (Flags<Lanes>)(rounded != difference.hi);
 	};
-	const auto checkPoints = [&](const Lanes& x, const Lanes& y, const Lanes& z)
-	                             TULO3D_INLINE_LAMBDA {
-		                             check(x, query.x());
-		                             check(y, query.y());
-		                             check(z, query.z());
-	                             };
-	const Points<Lanes>&own = group.own, &other = group.other, &beyond = group.beyond;
-	checkPoints(swapPairs(own.x), swapPairs(own.y), swapPairs(own.z));
-	checkPoints(other.x, other.y, other.z);
-	checkPoints(swapPairs(other.x), swapPairs(other.y), swapPairs(other.z));
-	checkPoints(beyond.x, beyond.y, beyond.z);
+	const auto checkPoints = [&](const Points<Lanes>& p) TULO3D_INLINE_LAMBDA {
+		check(p.x, query.x());
+		check(p.y, query.y());
+		check(p.z, query.z());
+	};
+	checkPoints(swapPairs(group.own));
+	checkPoints(group.other);
+	checkPoints(swapPairs(group.other));
+	checkPoints(group.beyond);
 
 	verdicts.inside |= ~inexact & (Flags<Lanes>)(s.d.det < 0.0);
 	verdicts.outside |=

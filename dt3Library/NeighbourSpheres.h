@@ -20,7 +20,7 @@ struct NeighbourBatch
 struct NeighbourVerdicts
 {
 	unsigned inside;   ///< the query point lies strictly inside the sphere of the neighbour
-	unsigned outside;  ///< strictly outside
+	unsigned outside;  ///< on the sphere or outside of it
 	unsigned positive; ///< strictly on the tetrahedron's own side of the facet
 };
 

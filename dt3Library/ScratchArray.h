@@ -61,7 +61,6 @@ public:
 	}
 
 	T pop() { return *--pEnd; }
-	const T& top() const { return pEnd[-1]; }
 	void clear() { pEnd = elements.get(); }
 
 	bool empty() const { return pEnd == elements.get(); }

@@ -21,7 +21,8 @@
 // magnitudes is at most the root of n times its sum of squares, by Cauchy and Schwarz, and the
 // product of the three sums of squares at most (S / 3)^3, that of their means. So the three column
 // sums of magnitudes multiply to at most 4^(3/2) * (S / 3)^(3/2) < 1.54 * S^(3/2), all four to less
-// than 1.54 * S^(5/2), and 18 u becomes 28 u: 32 u leaves room for the rounding of S and its powers.
+// than 1.54 * S^(5/2), and 18 u becomes 28 u: 32 u leaves room for the rounding of S and its powers, and of the
+// root.
 // For |xyz|, over three rows, the factor is 3^(3/2) / 3^(3/2) = 1, and S over the three is at most
 // that over four: 9 u, and 16 u. The bound needs no magnitudes, and what it decides the sharper ones
 // decide as well.
@@ -30,7 +31,10 @@
 // 7 + 4, a 3 x 3 minor 7 + 2 * 4, the last line 7 + 3 * 4: 60 u^2 of each product, and 128 u^2 =
 // 2^-99 is twice as much.
 //
-// Nothing underflows or overflows for coordinates in the range of exactness.
+// Nothing overflows for coordinates up to 1e60. Products underflow where some are nonzero and below
+// 1e-45: then kLostInQuickStage is what that can take from a determinant whose points are all nearer
+// than 1; where they are not, it is hidden by the bound, which grows with the third or fifth power of
+// their distances. The other bounds have no such allowance, and are not asked then.
 #pragma once
 
 #include "DoubleDouble.h"
@@ -40,6 +44,7 @@ namespace TULO3D {
 
 constexpr double kSphereBound = 18.0 * 0x1p-53;
 constexpr double kQuickSphereBound = 32.0 * 0x1p-53;
+constexpr double kLostInQuickStage = 1e-300;
 constexpr double kQuickFacetBound = 16.0 * 0x1p-53;
 constexpr double kFacetBound = 9.0 * 0x1p-53;
 constexpr double kSphereBoundDoubleDouble = 0x1p-99;

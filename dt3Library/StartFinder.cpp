@@ -224,8 +224,8 @@ Tet3* StartFinder::nextStart(Tet3* pLastTet)
 	Tet3* pStart = bScouts ? scouts[next % kAhead].arrival(facetTest) : nullptr;
 	if (pStart == nullptr) pStart = nearestStart(i, pLastTet);
 	if (bScouts) {
-		sendScout(next + kAhead);
 		for (Scout& scout : scouts) scout.advance(facetTest);
+		sendScout(next + kAhead); // its first step comes with the next insertion
 	}
 	++next;
 	return pStart;
