@@ -25,7 +25,9 @@ TEST(NeighbourSpheres, NoVariantIsCertainOfAWrongSign)
 	for (const points::Family& family : points::families()) {
 		// Where products underflow the engine asks the first stage only.
 		const bool bUnderflow = family.name.rfind("Denormals", 0) == 0;
-		const points::Cloud cloud = family.make(300, 1);
+		const points::Cloud cloud =
+		    bUnderflow ? points::make("SmallIntegers", 300) : family.make(300, 1);
+		const double scales[] = {1e-62, 1e-63, 1e-64, 1e-106, 1e-107, 1e-108};
 		for (int round = 0; round < 300; ++round) {
 			Point3 p[9]; // four corners, a point for each facet, the query
 			const int start = random.below(300);
@@ -33,6 +35,8 @@ TEST(NeighbourSpheres, NoVariantIsCertainOfAWrongSign)
 				const auto next = (static_cast<std::size_t>(start) + k) % cloud.size();
 				p[k] = round % 2 == 0 ? cloud[next] : random.of(cloud);
 				if (round % 3 == 0) p[k] = random.nudged(p[k]);
+				const double scale = bUnderflow ? scales[round % 6] : 1;
+				p[k].exchange(scale * p[k].x(), scale * p[k].y(), scale * p[k].z());
 			}
 			const NeighbourBatch batch = {
 			    {&p[0], &p[1], &p[2], &p[3]}, {&p[4], &p[5], &p[6], &p[7]}};
