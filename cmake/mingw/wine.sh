@@ -12,4 +12,7 @@ export WINEPATH WINEDEBUG=${WINEDEBUG:--all}
 
 # Debian's wine64 alone has no command on the path.
 wine=$(command -v wine64 || command -v wine || echo /usr/lib/wine/wine64)
+# A server that ends with its last program may end just when the next one asks for it.
+server=$(command -v wineserver64 || command -v wineserver || echo /usr/lib/wine/wineserver64)
+[[ ! -x $server ]] || "$server" -p30 2>/dev/null || true # there is one already
 exec "$wine" "$@"
