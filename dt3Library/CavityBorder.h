@@ -10,6 +10,15 @@
 
 namespace TULO3D {
 
+class ArdoTest3;
+
+/// A tetrahedron of the cavity.
+struct CavityTet
+{
+	Tet3* pTet;
+	Point3* pApex; ///< its corner beyond the facet through which it was found
+};
+
 /// A tetrahedron of the cavity, seen from inside; in the sets, bit i stands for facet i and for the
 /// neighbour beyond it.
 struct CavityBorder
@@ -66,6 +75,24 @@ TULO3D_ALWAYS_INLINE CavityBorder lookAround(Tet3* pTet, const Point3& vtx, Test
 	border.conflict = verdicts.inside & toTest;
 	border.undecided = toTest & ~(verdicts.inside | verdicts.outside);
 	border.positive = verdicts.positive;
+	return border;
+}
+
+/// With all stages of the in-sphere test: nothing is left undecided.
+CavityBorder lookAroundThoroughly(
+    Tet3* pTet, const Point3& vtx, const BatchTests& tests, const ArdoTest3& predicates);
+
+/// The same, by way of the first stage of Lanes, which nearly always settles everything.
+template <typename Lanes>
+TULO3D_ALWAYS_INLINE CavityBorder lookAround(
+    Tet3* pTet, const Point3& vtx, const BatchTests& tests, const ArdoTest3& predicates)
+{
+	CavityBorder border = lookAround(pTet, vtx, Lanes::verdicts);
+	if (border.undecided != 0) {
+		const CavityBorder thorough = lookAroundThoroughly(pTet, vtx, tests, predicates);
+		border.conflict = thorough.conflict;
+		border.positive = thorough.positive;
+	}
 	return border;
 }
 

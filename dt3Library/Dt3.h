@@ -20,6 +20,7 @@
 
 namespace TULO3D {
 
+class Scout;
 class Tulo_3D;
 
 /// One half of a facet between two new tetrahedra that waits for the other half. The facet consists
@@ -35,13 +36,6 @@ struct TwoTetStruct
 /// Reserved: an engine owns its surfaces, but nothing makes one yet.
 struct Surface3
 {
-};
-
-/// A tetrahedron of the cavity whose neighbours are still to be tested.
-struct CavityTet
-{
-	Tet3* pTet;
-	Point3* pApex; ///< its corner beyond the facet through which it was found
 };
 
 /// A facet between the cavity and what stays, or the hull.
@@ -223,13 +217,17 @@ private:
 	int stopAtHullEdge(Tet3*& pTet, int f, int opp2ICI) const;
 	// Dt3Cavity.cpp
 	Tet3* replaceCavity(Point3* pVtx, Tet3* pStartTet);
+	/// The same with the cavity that a scout has found.
+	Tet3* replaceCavity(Point3* pVtx, Scout& scout);
+	/// Joins pVtx to the facets of the cavity; the last tetrahedron made.
+	Tet3* fillCavity(Point3* pVtx);
 	/// Fills vCavityFacets; all tetrahedra in conflict with pVtx that hang together with pStartTet die.
 	template <typename Lanes>
 	void carve(const Point3* pVtx, Tet3* pStartTet);
 	void carvePortable(const Point3* pVtx, Tet3* pStartTet);
 	void carveAvx2(const Point3* pVtx, Tet3* pStartTet);
-	/// With all stages of the in-sphere test.
-	CavityBorder lookAroundThoroughly(Tet3* pTet, const Point3* pVtx) const;
+	/// The same with the cavity that a scout has found: nothing needs to be tested again.
+	void carveFound(Scout& scout);
 	/// A new tetrahedron over a facet of the cavity, linked to the neighbour that stays.
 	Tet3* closeFacet(const CavityFacet& facet, Point3* pVtx);
 	// Dt3Hull.cpp

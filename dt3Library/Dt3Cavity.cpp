@@ -7,6 +7,7 @@
 #include "Dt3.h"
 #include "Dt3Inline.h"
 #include "FacetLanes.h"
+#include "Scouts.h"
 
 namespace TULO3D {
 
@@ -31,23 +32,6 @@ Tet3* Dt3::insertVertex(Point3** ppVtx, Tet3* pStartTet)
 	return replaceCavity(*ppVtx, pCurTet);
 }
 
-CavityBorder Dt3::lookAroundThoroughly(Tet3* pTet, const Point3* pVtx) const
-{
-	const auto leaveUndecided = [](const NeighbourBatch&, const Point3&) {
-		return NeighbourVerdicts{0, 0, 0};
-	};
-	CavityBorder border = predicates.expectsUnderflow()
-	    ? lookAround(pTet, *pVtx, leaveUndecided) // the thorough stages lose products, too
-	    : lookAround(pTet, *pVtx, batchTests.neighbours);
-	for (int i = 0; border.undecided >> i != 0; ++i) {
-		if ((border.undecided >> i & 1U) == 0) continue;
-		if (predicates.sphereInclusionTest(border.pNeigh[i], pVtx) == SIC_OUTSIDE) continue;
-		border.conflict |= 1U << i;
-	}
-	border.undecided = 0;
-	return border;
-}
-
 template <typename Lanes>
 TULO3D_ALWAYS_INLINE void Dt3::carve(const Point3* pVtx, Tet3* pStartTet)
 {
@@ -64,12 +48,7 @@ TULO3D_ALWAYS_INLINE void Dt3::carve(const Point3* pVtx, Tet3* pStartTet)
 		const auto [pTet, pApex] = vCavityStack.pop();
 		markTetDead(pTet);
 		star.vCorners.add(pApex);
-		CavityBorder border = lookAround(pTet, *pVtx, Lanes::verdicts);
-		if (border.undecided != 0) {
-			const CavityBorder thorough = lookAroundThoroughly(pTet, pVtx);
-			border.conflict = thorough.conflict;
-			border.positive = thorough.positive;
-		}
+		const CavityBorder border = lookAround<Lanes>(pTet, *pVtx, batchTests, predicates);
 		auto joining = vCavityStack.writer(4);
 		auto facets = vCavityFacets.writer(4);
 		for (unsigned i = 4; i-- > 0;) {
@@ -100,6 +79,36 @@ void Dt3::carveAvx2(const Point3* pVtx, Tet3* pStartTet)
 }
 #endif
 
+void Dt3::carveFound(Scout& scout)
+{
+	scout.releaseAround();
+	Tet3* const pStartTet = scout.cavity().begin()->pTet;
+	for (int i = 1; i < 4; ++i) star.vCorners.add(pStartTet->getCorner(i));
+	for (const CavityTet& found : scout.cavity()) star.vCorners.add(found.pApex);
+
+	const unsigned positive = scout.seesPositive() ? 0xFU << 2U : 0;
+	vCavityFacets.clear();
+	vCavityStack.clear();
+	vCavityStack.makeRoom(1);
+	vCavityStack.push({pStartTet, nullptr});
+	pStartTet->hasBeenVisited = scout.release(*pStartTet);
+	while (!vCavityStack.empty()) {
+		Tet3* const pTet = vCavityStack.pop().pTet;
+		markTetDead(pTet);
+		auto joining = vCavityStack.writer(4);
+		auto facets = vCavityFacets.writer(4);
+		for (unsigned i = 4; i-- > 0;) {
+			Tet3* const pNeigh = pTet->getOppTet(static_cast<int>(i));
+			const bool bJoins = scout.release(*pNeigh);
+			pNeigh->hasBeenVisited |= bJoins;
+			joining.pushIf(bJoins, {pNeigh, nullptr});
+			facets.pushIf(!pNeigh->hasBeenVisited, {pTet, i | positive});
+		}
+		vCavityStack.accept(joining);
+		vCavityFacets.accept(facets);
+	}
+}
+
 inline Tet3* Dt3::closeFacet(const CavityFacet& facet, Point3* pVtx)
 {
 	const unsigned ith = facet.code & 3U;
@@ -124,6 +133,22 @@ Tet3* Dt3::replaceCavity(Point3* pVtx, Tet3* pStartTet)
 	} else {
 		carvePortable(pVtx, pStartTet);
 	}
+	return fillCavity(pVtx);
+}
+
+Tet3* Dt3::replaceCavity(Point3* pVtx, Scout& scout)
+{
+	CONDITION_CHECK(numStoredTCS==0);
+	CONDITION_CHECK(vHashCollisions.empty());
+	twoTetPool.reset();
+	swapDeadAndRecycled();
+	star.clear();
+	carveFound(scout);
+	return fillCavity(pVtx);
+}
+
+Tet3* Dt3::fillCavity(Point3* pVtx)
+{
 	Tet3* pLastTet = nullptr;
 	for (const CavityFacet& facet : vCavityFacets) pLastTet = closeFacet(facet, pVtx);
 	linkClosedStar();

@@ -89,7 +89,7 @@ void Dt3::growDoomed(const Point3* pVtx, std::vector<Tet3*>& vDoomedTets)
 		Tet3* pCurTet = vCavityStack.pop().pTet;
 		vCavityStack.makeRoom(4);
 		CONDITION_CHECK(pCurTet!=0);
-		const CavityBorder border = lookAroundThoroughly(pCurTet, pVtx);
+		const CavityBorder border = lookAroundThoroughly(pCurTet, *pVtx, batchTests, predicates);
 		for (int i = 0; i < 4; ++i) {
 			if ((border.conflict >> i & 1U) == 0) continue;
 			doom(border.pNeigh[i], vDoomedTets);

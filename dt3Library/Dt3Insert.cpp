@@ -1,12 +1,13 @@
 // SPDX-License-Identifier: MIT
 // How points arrive: one, or a batch in stages from coarse to fine.
 #include "Dt3.h"
+#include "Scouts.h"
+#include "Stages.h"
 #include "StartFinder.h"
 #include "Underflow.h"
 
 #include <algorithm>
 #include <cmath>
-#include <cstdint>
 #include <iostream>
 #include <optional>
 
@@ -17,23 +18,6 @@ namespace {
 /// The largest magnitude for which no product of an exact test can overflow.
 constexpr double kMaxCoordinate = 1e60;
 constexpr const char* kRangeText = "coordinates are finite and at most 1e60 in magnitude";
-
-/// Positions in the list of vertices.
-using Stages = std::vector<std::vector<std::uint32_t>>;
-
-/// Appends the middle of [lo, hi) to the stage of this depth and its halves to the deeper stages;
-/// at the last depth, everything that is left.
-void distribute(std::uint32_t lo, std::uint32_t hi, std::size_t depth, Stages& stages)
-{
-	while (hi - lo >= 2 && depth + 1 < stages.size()) {
-		const std::uint32_t mid = lo + (hi - lo) / 2;
-		stages[depth].push_back(mid);
-		++depth;
-		distribute(lo, mid, depth, stages);
-		lo = mid + 1;
-	}
-	for (; lo < hi; ++lo) stages[depth].push_back(lo);
-}
 
 /// A walk from the last vertex of the curve takes some ten facet tests. Several times as many, over
 /// a while, and the curve does not lead from vertex to vertex.
@@ -114,34 +98,35 @@ void Dt3::triangulate(std::vector<Point3*>& vVertices, Tet3* pLastTet)
 		return;
 	}
 
-	// Along the curve each walk is short; stages of growing density keep the mesh balanced meanwhile.
-	const auto numVertices = static_cast<double>(vVertices.size());
-	const int brioLevels = static_cast<int>(std::ceil(std::log(numVertices) / std::log(2.0)) - 4.0);
-	Stages stages(static_cast<std::size_t>(brioLevels > 0 ? brioLevels : 0) + 1);
-	distribute(0, static_cast<std::uint32_t>(vVertices.size()), 0, stages);
-
 	std::optional<StartFinder> finder;
+	std::optional<Scouts> scouts;
 	std::size_t numInserted = 0;
 	numFacetTests = 0;
-	bool bForward = false;
-	for (std::vector<std::uint32_t>& vStage : stages) {
-		if (!bForward) std::reverse(vStage.begin(), vStage.end());
-		if (finder) finder->beginStage(vStage, 0);
+	for (const Stage& vStage : insertionStages(vVertices.size())) {
+		if (scouts) scouts->beginStage(vStage, 0);
 		for (std::size_t n = 0; n < vStage.size(); ++n) {
 			const std::uint32_t i = vStage[n];
 			Point3* pVtx = vVertices[i];
-			if (finder) pLastTet = finder->nextStart(pLastTet);
-			pLastTet = insertVertex(&pVtx, pLastTet);
+			Scout* pScout = scouts ? &scouts->await() : nullptr;
+			if (pScout != nullptr && pScout->hasFound()) {
+				pLastTet = replaceCavity(pVtx, *pScout);
+			} else {
+				if (finder) pLastTet = finder->nearestStart(i, pLastTet);
+				pLastTet = insertVertex(&pVtx, pLastTet);
+			}
 			if (finder) finder->add(i);
+			if (scouts) scouts->goOn(vDeadTets);
 
 			if (++numInserted % kWhile != 0) continue;
 			if (!finder && numFacetTests > kWhile * kLongWalk) {
-				finder.emplace(vVertices, batchTests.facets);
-				finder->beginStage(vStage, n + 1);
+				finder.emplace(vVertices);
+				if (finder->orderJumps()) {
+					scouts.emplace(*finder, batchTests, predicates);
+					scouts->beginStage(vStage, n + 1);
+				}
 			}
 			numFacetTests = 0;
 		}
-		bForward = !bForward;
 	}
 }
 

@@ -9,6 +9,9 @@
 #include "vectors.h"
 
 #include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
 #include <iostream>
 #include <limits>
 #include <new>
@@ -42,6 +45,53 @@ void sortTies(std::vector<IdxVtx*>& vItems)
 	}
 }
 
+/// The first bits of a number, in the order of the numbers.
+std::uint64_t orderedBits(double x, unsigned numBits)
+{
+	constexpr std::uint64_t kSign = std::uint64_t{1} << 63U;
+	x += 0.0; // no negative zero
+	std::uint64_t bits = 0;
+	std::memcpy(&bits, &x, sizeof bits);
+	bits ^= (bits & kSign) != 0 ? ~std::uint64_t{0} : kSign;
+	return bits >> (64 - numBits);
+}
+
+/// Brings positions into the order of the coordinates of their points; equal ones keep their order.
+void sortByCoordinates(std::vector<std::uint32_t>& vPositions, const std::vector<Point3>& vPoints)
+{
+	constexpr std::size_t kMany = 512;
+	constexpr unsigned kBits = 36; // four passes
+	struct KeyedPosition
+	{
+		std::uint64_t key;
+		std::uint32_t position;
+	};
+	const auto byCoordinates = [&vPoints](std::uint32_t i, std::uint32_t j) {
+		return vPoints[i] < vPoints[j];
+	};
+	if (vPositions.size() < kMany) {
+		if (vPositions.size() > 1) {
+			std::stable_sort(vPositions.begin(), vPositions.end(), byCoordinates);
+		}
+		return;
+	}
+	std::vector<KeyedPosition> vKeyed;
+	vKeyed.reserve(vPositions.size());
+	for (const std::uint32_t i : vPositions) {
+		vKeyed.push_back({orderedBits(vPoints[i].x(), kBits), i});
+	}
+	sortByKey(vKeyed, kBits);
+	for (std::size_t first = 0, last = 0; first < vKeyed.size(); first = last) {
+		for (; last < vKeyed.size() && vKeyed[last].key == vKeyed[first].key; ++last) {
+			vPositions[last] = vKeyed[last].position;
+		}
+		const auto at = [&](std::size_t i) {
+			return vPositions.begin() + static_cast<std::ptrdiff_t>(i);
+		};
+		if (last - first > 1) std::stable_sort(at(first), at(last), byCoordinates);
+	}
+}
+
 /// A probe for the place of `point`; the order never writes to it.
 IdxVtx probeFor(std::uint32_t key, const Point3& point)
 {
@@ -67,7 +117,8 @@ struct HC3::Batch
 	std::vector<Point3*>& vUserHandles;
 	std::vector<Point3*>& vNewVertices;
 	std::vector<IdxVtx*> vNewItems;
-	std::vector<std::uint32_t> vCell; // positions in vPoints, as are the two below
+	std::vector<std::uint32_t> vCell; // positions in vPoints, as are the three below
+	std::vector<std::uint32_t> vByCoordinates;
 	std::vector<std::uint32_t> vNewByCoordinates;
 	std::vector<std::uint32_t> vNewByInput;
 };
@@ -168,7 +219,7 @@ void HC3::insertPoints(const std::vector<Point3>& vPoints, std::vector<Point3*>&
 
 	vUserHandles.resize(siz);
 	vNewVertices.reserve(vNewVertices.size() + siz);
-	Batch batch{vPoints, vUserHandles, vNewVertices, {}, {}, {}, {}};
+	Batch batch{vPoints, vUserHandles, vNewVertices, {}, {}, {}, {}, {}};
 	batch.vNewItems.reserve(siz);
 	constexpr std::size_t kAhead = 16;
 	for (std::size_t i = 0; i < siz;) {
@@ -207,28 +258,39 @@ void HC3::insertCell(std::uint32_t key, Batch& batch)
 {
 	const std::vector<Point3>& vPoints = batch.vPoints;
 	std::vector<Point3*>& vUserHandles = batch.vUserHandles;
-	const auto byCoordinates = [&vPoints](std::uint32_t i, std::uint32_t j) {
-		return vPoints[i] < vPoints[j];
-	};
+	if (batch.vCell.size() == 1) { // as nearly all are
+		const std::uint32_t position = batch.vCell.front();
+		Point3*& pVtx = vUserHandles[position];
+		pVtx = findVertex(key, vPoints[position]);
+		if (pVtx != nullptr) return;
+		pVtx = createVertex(vPoints[position]);
+		batch.vNewVertices.push_back(pVtx);
+		batch.vNewItems.push_back(createItem(key, pVtx));
+		return;
+	}
+	std::vector<std::uint32_t>& vSorted = batch.vByCoordinates;
 	const auto isEqualToPrevious = [&](std::size_t i) {
-		return i > 0 && vPoints[batch.vCell[i - 1]] == vPoints[batch.vCell[i]];
+		return i > 0 && vPoints[vSorted[i - 1]] == vPoints[vSorted[i]];
 	};
 
 	// By coordinates, equal ones in input order: the first of them stands for all.
-	if (batch.vCell.size() > 1) {
-		std::stable_sort(batch.vCell.begin(), batch.vCell.end(), byCoordinates);
-	}
+	vSorted = batch.vCell;
+	sortByCoordinates(vSorted, vPoints);
 	batch.vNewByCoordinates.clear();
-	for (std::size_t i = 0; i < batch.vCell.size(); ++i) {
+	for (std::size_t i = 0; i < vSorted.size(); ++i) {
 		if (isEqualToPrevious(i)) continue;
-		const std::uint32_t position = batch.vCell[i];
+		const std::uint32_t position = vSorted[i];
 		vUserHandles[position] = findVertex(key, vPoints[position]);
 		if (vUserHandles[position] == nullptr) batch.vNewByCoordinates.push_back(position);
 	}
 
 	// The new vertices follow one another in input order, their items by coordinates.
-	batch.vNewByInput = batch.vNewByCoordinates;
-	std::sort(batch.vNewByInput.begin(), batch.vNewByInput.end());
+	if (batch.vNewByCoordinates.size() == batch.vCell.size()) {
+		batch.vNewByInput = batch.vCell;
+	} else {
+		batch.vNewByInput = batch.vNewByCoordinates;
+		std::sort(batch.vNewByInput.begin(), batch.vNewByInput.end());
+	}
 	createVertices(batch);
 	for (const std::uint32_t position : batch.vNewByInput) {
 		batch.vNewVertices.push_back(vUserHandles[position]);
@@ -236,8 +298,8 @@ void HC3::insertCell(std::uint32_t key, Batch& batch)
 	for (const std::uint32_t position : batch.vNewByCoordinates) {
 		batch.vNewItems.push_back(createItem(key, vUserHandles[position]));
 	}
-	for (std::size_t i = 1; i < batch.vCell.size(); ++i) {
-		if (isEqualToPrevious(i)) vUserHandles[batch.vCell[i]] = vUserHandles[batch.vCell[i - 1]];
+	for (std::size_t i = 1; i < vSorted.size(); ++i) {
+		if (isEqualToPrevious(i)) vUserHandles[vSorted[i]] = vUserHandles[vSorted[i - 1]];
 	}
 }
 

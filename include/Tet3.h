@@ -6,6 +6,7 @@
 
 #include <cassert>
 #include <cstddef>
+#include <cstdint>
 #include <iosfwd>
 #include <utility>
 
@@ -13,6 +14,7 @@ namespace TULO3D {
 
 class Facet3;
 class Edge3;
+class Scout;
 class StarLinker;
 
 // clang-format off
@@ -49,6 +51,7 @@ public:
 		label = takeLabel();
 		assert((pI!=NULL && pJ!=NULL && pK!=NULL && pL!=NULL));
 		hasBeenVisited = false;
+		claims = 0;
 		aVertexPointer[0] = pI;
 		aVertexPointer[1] = pJ;
 		aVertexPointer[2] = pK;
@@ -187,6 +190,7 @@ public:
 	static int runningLabel;
 
 private:
+	friend class Scout;
 	friend class StarLinker;
 	friend TULO3D_API std::ostream& operator<<(std::ostream& stream, const Tet3& tet);
 
@@ -211,6 +215,7 @@ private:
 	/// The first index of `pT`, which may be null, among the neighbours. Ends the process when it is none.
 	int searchNeighbour(const Tet3* pT) const;
 
+	std::uint16_t claims; // of the scouts, while a batch is on its way in
 	int label;
 	Point3* aVertexPointer[4];
 	Tet3* aNeighbours[4];

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 // How points arrive: each promise of the insertion with its shortest case, and the large inputs that
 // are hard for a walk or a cavity.
+#include "Dt3.h"
+#include "Stages.h"
 #include "support.h"
 
 using namespace TULO3D;
@@ -98,6 +100,59 @@ TEST(Insert, StrangersInANeedleAreWalkedToWithoutTheWatchdog)
 		EXPECT_TRUE(mesh.checkValidity("needle", true));
 	});
 	EXPECT_EQ(printed.find("watchDog"), std::string::npos);
+}
+
+TEST(Insert, ScoutsMakeTheSameTetrahedraAsOneInsertionAfterTheOther)
+{
+	// Points far out send all others into one cell of the curve, and so in random order. On the coarse
+	// lattice there are duplicates, cavities touch that are on their way at the same time, and the
+	// first corners of all lie among the others.
+	points::Random random(4);
+	Cloud general, lattice{Point3(9000, 9000, 9000)};
+	for (int i = 0; i < 8; ++i) {
+		general.emplace_back(i & 1 ? 5000 : -5000, i & 2 ? 5000 : -5000, i & 4 ? 5000 : -5000);
+	}
+	for (int i = 0; i < 20000; ++i) {
+		general.push_back(random.point(0, 1));
+		lattice.emplace_back(random.below(40), random.below(40), random.below(40));
+	}
+	const support::Capture quiet;
+	std::vector<Point3*> handles;
+	Dt3(nullptr).insert(general, handles); // the first box of a process gets another margin
+
+	const auto outcomeOf = [](Dt3& engine, int firstLabel) {
+		std::vector<Point3*> vertices;
+		std::vector<Tet3*> tets;
+		engine.getVertices(vertices);
+		engine.getAllTetrahedra(tets);
+		return std::pair(Tet3::runningLabel - firstLabel, support::canonical(vertices, tets));
+	};
+	for (Cloud* pCloud : {&general, &lattice}) {
+		int firstLabel = Tet3::runningLabel;
+		Dt3 oneByOne(nullptr);
+		std::vector<Point3*> vertices;
+		handles.clear();
+		oneByOne.hc3.insertPoints(*pCloud, handles, vertices);
+		Tet3* pTet = oneByOne.startUp();
+		if (vertices.size() != pCloud->size()) {
+			vertices.clear();
+			oneByOne.getVertices(vertices);
+		}
+		for (const Stage& stage : insertionStages(vertices.size())) {
+			for (const std::uint32_t i : stage) {
+				pTet = oneByOne.hc3.nearerTet(*vertices[i], pTet);
+				pTet = oneByOne.insertVertex(&vertices[i], pTet);
+			}
+		}
+		const auto expected = outcomeOf(oneByOne, firstLabel);
+		for (const BatchTests* pTests : {&kPortableTests, &bestTests()}) {
+			firstLabel = Tet3::runningLabel;
+			Dt3 ahead(nullptr, *pTests);
+			handles.clear();
+			ahead.insert(*pCloud, handles);
+			EXPECT_TRUE(outcomeOf(ahead, firstLabel) == expected);
+		}
+	}
 }
 
 TEST_P(Heavy, InputIsMeshedInOneBatch)

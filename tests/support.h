@@ -81,6 +81,22 @@ void loudly(F f)
 	  }, \
 	  testing::ExitedWithCode(0), text)
 
+/// A mesh without its addresses: the corners of its tetrahedra by their places in the listing.
+using CornerTuples = std::vector<std::array<std::size_t, 4>>;
+
+inline CornerTuples canonical(const std::vector<Point3*>& vertices, const std::vector<Tet3*>& tets)
+{
+	std::map<const Point3*, std::size_t> place;
+	for (const Point3* p : vertices) place.emplace(p, place.size());
+	CornerTuples tuples;
+	for (const Tet3* t : tets) {
+		tuples.push_back({place[t->getCorner(0)], place[t->getCorner(1)], place[t->getCorner(2)],
+		    place[t->getCorner(3)]});
+	}
+	std::sort(tuples.begin(), tuples.end());
+	return tuples;
+}
+
 /// A mesh that remembers what went in, to be verified as a whole.
 struct Recorded
 {
@@ -127,19 +143,7 @@ struct Recorded
 		return verifier::violations(mesh, input, handles, leftOut);
 	}
 
-	/// The mesh without its addresses: the corners of all tetrahedra by their places in the listing.
-	std::vector<std::array<std::size_t, 4>> canonical() const
-	{
-		std::map<const Point3*, std::size_t> place;
-		for (const Point3* p : vertices()) place.emplace(p, place.size());
-		std::vector<std::array<std::size_t, 4>> tuples;
-		for (const Tet3* t : tets()) {
-			tuples.push_back({place[t->getCorner(0)], place[t->getCorner(1)],
-			    place[t->getCorner(2)], place[t->getCorner(3)]});
-		}
-		std::sort(tuples.begin(), tuples.end());
-		return tuples;
-	}
+	CornerTuples canonical() const { return support::canonical(vertices(), tets()); }
 
 	TULO3D::Tulo_3D mesh;
 	Cloud input;

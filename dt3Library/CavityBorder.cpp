@@ -1,0 +1,26 @@
+// SPDX-License-Identifier: MIT
+// What lies around a tetrahedron of the cavity, whatever it takes.
+#include "CavityBorder.h"
+#include "ArdoTest3.h"
+
+namespace TULO3D {
+
+CavityBorder lookAroundThoroughly(
+    Tet3* pTet, const Point3& vtx, const BatchTests& tests, const ArdoTest3& predicates)
+{
+	const auto leaveUndecided = [](const NeighbourBatch&, const Point3&) {
+		return NeighbourVerdicts{0, 0, 0};
+	};
+	CavityBorder border = predicates.expectsUnderflow()
+	    ? lookAround(pTet, vtx, leaveUndecided) // the thorough stages lose products, too
+	    : lookAround(pTet, vtx, tests.neighbours);
+	for (int i = 0; border.undecided >> i != 0; ++i) {
+		if ((border.undecided >> i & 1U) == 0) continue;
+		if (predicates.sphereInclusionTest(border.pNeigh[i], &vtx) == SIC_OUTSIDE) continue;
+		border.conflict |= 1U << i;
+	}
+	border.undecided = 0;
+	return border;
+}
+
+} // namespace TULO3D
