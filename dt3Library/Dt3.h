@@ -15,6 +15,7 @@
 #include "ardo_tools/SimplePool.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -218,7 +219,7 @@ private:
 	// Dt3Cavity.cpp
 	Tet3* replaceCavity(Point3* pVtx, Tet3* pStartTet);
 	/// The same with the cavity that a scout has found.
-	Tet3* replaceCavity(Point3* pVtx, Scout& scout);
+	Tet3* replaceCavity(Point3* pVtx, const Scout& scout);
 	/// Joins pVtx to the facets of the cavity; the last tetrahedron made.
 	Tet3* fillCavity(Point3* pVtx);
 	/// Fills vCavityFacets; all tetrahedra in conflict with pVtx that hang together with pStartTet die.
@@ -227,7 +228,7 @@ private:
 	void carvePortable(const Point3* pVtx, Tet3* pStartTet);
 	void carveAvx2(const Point3* pVtx, Tet3* pStartTet);
 	/// The same with the cavity that a scout has found: nothing needs to be tested again.
-	void carveFound(Scout& scout);
+	void carveFound(const Scout& scout);
 	/// A new tetrahedron over a facet of the cavity, linked to the neighbour that stays.
 	Tet3* closeFacet(const CavityFacet& facet, Point3* pVtx);
 	// Dt3Hull.cpp
@@ -251,9 +252,10 @@ private:
 	ScratchArray<CavityTet> vCavityStack;
 	ScratchArray<CavityFacet> vCavityFacets;
 	FlatWitness flatWitness;
-	std::size_t numFacetTests = 0; ///< made by walks, since somebody has last looked
-	StarLinker star;               ///< what the current insertion makes
-	CollisionIndex collisionIndex; ///< finds the partner in a long vHashCollisions
+	std::size_t numFacetTests = 0;  ///< made by walks, since somebody has last looked
+	StarLinker star;                ///< what the current insertion makes
+	std::uint16_t claimsOfDead = 0; ///< of scouts, since somebody has last looked
+	CollisionIndex collisionIndex;  ///< finds the partner in a long vHashCollisions
 	Rand15 watchdogRandom;
 };
 

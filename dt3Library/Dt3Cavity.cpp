@@ -79,19 +79,22 @@ void Dt3::carveAvx2(const Point3* pVtx, Tet3* pStartTet)
 }
 #endif
 
-void Dt3::carveFound(Scout& scout)
+void Dt3::carveFound(const Scout& scout)
 {
-	scout.releaseAround();
 	Tet3* const pStartTet = scout.cavity().begin()->pTet;
 	for (int i = 1; i < 4; ++i) star.vCorners.add(pStartTet->getCorner(i));
-	for (const CavityTet& found : scout.cavity()) star.vCorners.add(found.pApex);
+	for (const CavityTet& found : scout.cavity()) {
+		star.vCorners.add(found.pApex);
+		found.pTet->hasBeenVisited = true;
+	}
 
+	// In the same order as above. What is still claimed has not been on the stack.
 	const unsigned positive = scout.seesPositive() ? 0xFU << 2U : 0;
 	vCavityFacets.clear();
 	vCavityStack.clear();
 	vCavityStack.makeRoom(1);
 	vCavityStack.push({pStartTet, nullptr});
-	pStartTet->hasBeenVisited = scout.release(*pStartTet);
+	scout.release(*pStartTet);
 	while (!vCavityStack.empty()) {
 		Tet3* const pTet = vCavityStack.pop().pTet;
 		markTetDead(pTet);
@@ -99,10 +102,9 @@ void Dt3::carveFound(Scout& scout)
 		auto facets = vCavityFacets.writer(4);
 		for (unsigned i = 4; i-- > 0;) {
 			Tet3* const pNeigh = pTet->getOppTet(static_cast<int>(i));
-			const bool bJoins = scout.release(*pNeigh);
-			pNeigh->hasBeenVisited |= bJoins;
-			joining.pushIf(bJoins, {pNeigh, nullptr});
-			facets.pushIf(!pNeigh->hasBeenVisited, {pTet, i | positive});
+			const bool bInside = pNeigh->hasBeenVisited;
+			joining.pushIf(scout.release(*pNeigh) & bInside, {pNeigh, nullptr});
+			facets.pushIf(!bInside, {pTet, i | positive});
 		}
 		vCavityStack.accept(joining);
 		vCavityFacets.accept(facets);
@@ -136,7 +138,7 @@ Tet3* Dt3::replaceCavity(Point3* pVtx, Tet3* pStartTet)
 	return fillCavity(pVtx);
 }
 
-Tet3* Dt3::replaceCavity(Point3* pVtx, Scout& scout)
+Tet3* Dt3::replaceCavity(Point3* pVtx, const Scout& scout)
 {
 	CONDITION_CHECK(numStoredTCS==0);
 	CONDITION_CHECK(vHashCollisions.empty());

@@ -4,6 +4,7 @@
 #pragma once
 
 #include "Dt3.h"
+#include "Scouts.h"
 
 namespace TULO3D {
 
@@ -35,6 +36,7 @@ inline void Dt3::registerTets(Tet3* fromTet, int ith, Tet3* toTet, int jth)
 inline void Dt3::markTetDead(Tet3* pTet)
 {
 	pTet->setCustomIndex(-1);
+	claimsOfDead |= Scout::takeClaims(*pTet);
 	vDeadTets.push_back(pTet);
 }
 

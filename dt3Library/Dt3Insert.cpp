@@ -10,6 +10,7 @@
 #include <cmath>
 #include <iostream>
 #include <optional>
+#include <utility>
 
 namespace TULO3D {
 
@@ -107,7 +108,7 @@ void Dt3::triangulate(std::vector<Point3*>& vVertices, Tet3* pLastTet)
 		for (std::size_t n = 0; n < vStage.size(); ++n) {
 			const std::uint32_t i = vStage[n];
 			Point3* pVtx = vVertices[i];
-			Scout* pScout = scouts ? &scouts->await() : nullptr;
+			const Scout* pScout = scouts ? &scouts->await() : nullptr;
 			if (pScout != nullptr && pScout->hasFound()) {
 				pLastTet = replaceCavity(pVtx, *pScout);
 			} else {
@@ -115,7 +116,7 @@ void Dt3::triangulate(std::vector<Point3*>& vVertices, Tet3* pLastTet)
 				pLastTet = insertVertex(&pVtx, pLastTet);
 			}
 			if (finder) finder->add(i);
-			if (scouts) scouts->goOn(vDeadTets);
+			if (scouts) scouts->goOn(std::exchange(claimsOfDead, Scout::Claims{0}));
 
 			if (++numInserted % kWhile != 0) continue;
 			if (!finder && numFacetTests > kWhile * kLongWalk) {

@@ -99,9 +99,11 @@ void Dt3::getTetsAroundVertex(Point3* pVtx, std::vector<Tet3*>& vTet)
 	std::size_t size = 1;
 	for (std::size_t n = 0; n < size; ++n) {
 		if (size + 3 > vTet.size()) vTet.resize(2 * size);
+		seen.makeRoom(size + 3);
 		Tet3** const pQueue = vTet.data();
 		const Tet3* pTet = pQueue[n];
 		const int i = pTet->getIntraTetIndex(pVtx);
+		prefetchTet(pTet->getOppTet(i)); // one of the star that a host will probably ask for next
 		for (int step = 1; step < 4; ++step) {
 			Tet3* pNeigh = pTet->getOppTet((i + step) & 3);
 			if (pNeigh == nullptr) continue;

@@ -14,50 +14,57 @@ namespace TULO3D {
 class PointerSet
 {
 public:
-	/// Adds `p`; false when it was there already.
+	/// Adds `p`; false when it was there already. For no more of them than there is room for.
 	bool add(const void* p)
 	{
-		const auto address = reinterpret_cast<std::uintptr_t>(p);
-		std::uintptr_t* pSlot = findSlot(address);
-		const bool bNew = *pSlot == 0;
-		*pSlot = address;
-		count += bNew;
-		if (2 * count > mask) grow();
+		const void** const pSlot = findSlot(p);
+		const bool bNew = *pSlot == nullptr;
+		*pSlot = p;
 		return bNew;
+	}
+
+	/// Makes room for `count` pointers altogether.
+	void makeRoom(std::size_t count)
+	{
+		while (2 * count > mask) grow();
 	}
 
 private:
 	static constexpr std::size_t kFirstSize = 256;
 
 	/// Where `p` is, or a free slot where it belongs.
-	std::uintptr_t* findSlot(std::uintptr_t p) const
+	const void** findSlot(const void* p) const
 	{
 		// Fibonacci hashing: the product spreads what differs between two records over its top bits.
-		const std::uint64_t product = std::uint64_t{p} * 0x9E3779B97F4A7C15U;
+		const auto address = reinterpret_cast<std::uintptr_t>(p);
+		const std::uint64_t product = std::uint64_t{address} * 0x9E3779B97F4A7C15U;
 		auto i = static_cast<std::size_t>(product >> 40U) & mask;
 		// Free or found: which of the two ends the search cannot be guessed, so it is one condition.
-		while (std::min(slots[i], slots[i] ^ p) != 0) i = (i + 1) & mask;
+		const auto isElsewhere = [&] {
+			const auto found = reinterpret_cast<std::uintptr_t>(slots[i]);
+			return std::min(found, found ^ address) != 0;
+		};
+		while (isElsewhere()) i = (i + 1) & mask;
 		return slots + i;
 	}
 
 	void grow()
 	{
-		std::vector<std::uintptr_t> larger(2 * (mask + 1), 0);
-		const std::uintptr_t* const pOld = slots;
+		std::vector<const void*> larger(2 * (mask + 1), nullptr);
+		const void** const pOld = slots;
 		const std::size_t oldSize = mask + 1;
 		slots = larger.data();
 		mask = larger.size() - 1;
 		for (std::size_t i = 0; i < oldSize; ++i) {
-			if (pOld[i] != 0) *findSlot(pOld[i]) = pOld[i];
+			if (pOld[i] != nullptr) *findSlot(pOld[i]) = pOld[i];
 		}
 		many.swap(larger);
 	}
 
-	std::uintptr_t few[kFirstSize] = {}; // addresses, 0 in a free slot
-	std::vector<std::uintptr_t> many;
-	std::uintptr_t* slots = few;
+	const void* few[kFirstSize] = {}; // null in a free slot
+	std::vector<const void*> many;
+	const void** slots = few;
 	std::size_t mask = kFirstSize - 1;
-	std::size_t count = 0;
 };
 
 } // namespace TULO3D

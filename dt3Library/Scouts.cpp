@@ -15,23 +15,16 @@ void Scout::setOut(Claims claim, std::size_t i, const StartFinder& finder)
 	myClaim = claim;
 	position = i;
 	pVtx = &finder.vertex(i);
-	prefetch(pVtx);
+	prefetch<Cache::kSecond>(pVtx);
 	finder.prefetchNeighbours(i);
 	step = Step::kLookUp;
 }
 
 void Scout::giveUp()
 {
-	releaseAround();
 	for (const CavityTet& found : vCavity) release(*found.pTet);
-	vCavity.clear();
-	step = Step::kGivenUp;
-}
-
-void Scout::releaseAround()
-{
 	for (Tet3* pNeigh : vAround) release(*pNeigh);
-	vAround.clear();
+	rest();
 }
 
 void Scout::advance(const StartFinder& finder, const BatchTests& tests, const ArdoTest3& predicates)
@@ -39,14 +32,14 @@ void Scout::advance(const StartFinder& finder, const BatchTests& tests, const Ar
 	switch (step) {
 	case Step::kLookUp:
 		near = finder.neighbours(position);
-		for (const Point3* p : near) prefetch(p);
+		for (const Point3* p : near) prefetch<Cache::kSecond>(p);
 		step = Step::kChooseVertex;
 		return;
 	case Step::kChooseVertex:
 		chooseVertex();
 		return;
 	case Step::kLookAtTet:
-		prefetchCorners(*pTet);
+		prefetchCorners<Cache::kSecond>(*pTet);
 		step = Step::kWalk;
 		return;
 	case Step::kWalk:
@@ -77,7 +70,7 @@ void Scout::chooseVertex()
 	const Point3* pNearer = near[distance(near[1]) < distance(near[0])];
 	pTet = pNearer == nullptr ? nullptr : pNearer->getOneTet();
 	if (pTet == nullptr) return giveUp();
-	prefetchTet(pTet);
+	prefetchTet<Cache::kSecond>(pTet);
 	numWalked = 0;
 	step = Step::kLookAtTet;
 }
@@ -92,7 +85,7 @@ void Scout::walk(FacetTest facetTest)
 		if ((sides.negative >> i & 1U) == 0) continue;
 		pTet = pTet->getOppTet(i);
 		if (pTet == nullptr || ++numWalked > kMaxWalked) return giveUp();
-		prefetchTet(pTet);
+		prefetchTet<Cache::kSecond>(pTet);
 		step = Step::kLookAtTet;
 		return;
 	}
@@ -115,7 +108,8 @@ void Scout::meetNeighbours()
 			// What comes in from beyond the hull would remove nothing that is claimed.
 			if (pNeigh == nullptr) return giveUp();
 			const std::uintptr_t facet = corners ^ addressOf(tet.getCorner(i));
-			prefetch(reinterpret_cast<const Point3*>(facet ^ mixOfCorners(*pNeigh)));
+			prefetch<Cache::kSecond>(
+			    reinterpret_cast<const Point3*>(facet ^ mixOfCorners(*pNeigh)));
 		}
 	}
 	step = Step::kTestNeighbours;
@@ -165,7 +159,7 @@ void Scout::testNeighboursAvx2(const BatchTests& tests, const ArdoTest3& predica
 void Scout::welcomeNew()
 {
 	for (std::size_t n = numTested; n < vCavity.size(); ++n) {
-		prefetchNeighbours(*vCavity.begin()[n].pTet);
+		prefetchNeighbours<Cache::kSecond>(*vCavity.begin()[n].pTet);
 	}
 	step = numTested < vCavity.size() ? Step::kMeetNeighbours : Step::kFound;
 }
@@ -196,21 +190,19 @@ void Scouts::send(std::size_t n)
 	scouts[place].setOut(static_cast<Scout::Claims>(1U << place), (*pStage)[n], finder);
 }
 
-Scout& Scouts::await()
+const Scout& Scouts::await()
 {
-	Scout& first = scouts[next % kNumScouts];
+	const Scout& first = scouts[next % kNumScouts];
 	while (first.isOnItsWay()) {
 		for (Scout& scout : scouts) scout.advance(finder, tests, predicates);
 	}
 	return first;
 }
 
-void Scouts::goOn(const std::vector<Tet3*>& vDeadTets)
+void Scouts::goOn(Scout::Claims disturbed)
 {
-	Scout::Claims disturbed = 0;
-	for (Tet3* pTet : vDeadTets) disturbed |= Scout::takeClaims(*pTet);
 	for (Scout& scout : scouts) scout.giveUpIfAmong(disturbed);
-	scouts[next % kNumScouts].giveUp();
+	scouts[next % kNumScouts].rest();
 	send(next + kNumScouts);
 	++next;
 }

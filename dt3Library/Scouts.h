@@ -53,14 +53,20 @@ public:
 	/// Nothing is claimed any more.
 	void giveUp();
 
+	/// The vertex is in the mesh. When the scout has found its cavity, all claims have been released.
+	void rest()
+	{
+		vCavity.clear();
+		vAround.clear();
+		step = Step::kGivenUp;
+	}
+
 	// Once the scout has found its cavity:
 
 	/// What is in conflict with the vertex, first the tetrahedron around it.
 	const ScratchArray<CavityTet>& cavity() const { return vCavity; }
 	/// The vertex is known to lie strictly on the cavity's side of all its facets.
 	bool seesPositive() const { return bPositive; }
-	/// Claims the cavity, and nothing around it.
-	void releaseAround();
 	/// Claims this tetrahedron no more; true when it did.
 	bool release(Tet3& tet) const
 	{
@@ -120,10 +126,10 @@ public:
 	void beginStage(const Stage& vStage, std::size_t n);
 
 	/// The scout of the next vertex, which has found its cavity or given up.
-	Scout& await();
+	const Scout& await();
 
-	/// The next vertex is in the mesh, and these tetrahedra are not in it any more.
-	void goOn(const std::vector<Tet3*>& vDeadTets);
+	/// The next vertex is in the mesh; these are the claims to what it has removed.
+	void goOn(Scout::Claims disturbed);
 
 private:
 	// Enough to fill the waits; with more, the steps of the first come too late.

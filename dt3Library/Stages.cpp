@@ -30,6 +30,7 @@ std::vector<Stage> insertionStages(std::size_t n)
 	const double halvings = std::ceil(std::log(static_cast<double>(n)) / std::log(2.0));
 	const int brioLevels = static_cast<int>(halvings - 4.0);
 	std::vector<Stage> stages(static_cast<std::size_t>(brioLevels > 0 ? brioLevels : 0) + 1);
+	stages.back().reserve(n); // nearly all of them
 	distribute(0, static_cast<std::uint32_t>(n), 0, stages);
 	for (std::size_t depth = 0; depth < stages.size(); depth += 2) {
 		std::reverse(stages[depth].begin(), stages[depth].end());

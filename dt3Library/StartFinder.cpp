@@ -100,7 +100,7 @@ std::array<const Point3*, 2> StartFinder::neighbours(std::size_t i) const
 
 void StartFinder::prefetchNeighbours(std::size_t i) const
 {
-	prefetch(&vAlong[vRank[i]]);
+	prefetch<Cache::kSecond>(&vAlong[vRank[i]]);
 }
 
 bool StartFinder::orderJumps() const

@@ -61,6 +61,7 @@ VertexItems::Position VertexItems::insertAt(Position at, IdxVtx* pItem)
 
 void VertexItems::merge(const std::vector<IdxVtx*>& vSorted)
 {
+	if (numItems == 0) return assign(vSorted);
 	// A few items find their places one by one; many are worth a pass over the whole set.
 	if (vSorted.size() < numItems / 16) {
 		for (IdxVtx* pItem : vSorted) insertAt(lowerBound(*pItem), pItem);
