@@ -54,7 +54,7 @@ void Scout::advance(const StartFinder& finder, const BatchTests& tests, const Ar
 		} else {
 			testNeighboursPortable(tests, predicates);
 		}
-		welcomeNew();
+		prefetchNew();
 		return;
 	case Step::kFound:
 	case Step::kGivenUp:
@@ -95,7 +95,7 @@ void Scout::walk(FacetTest facetTest)
 	vCavity.add({pTet, pTet->getCorner(0)});
 	numTested = 0;
 	bPositive = true;
-	welcomeNew();
+	prefetchNew();
 }
 
 void Scout::meetNeighbours()
@@ -156,7 +156,7 @@ void Scout::testNeighboursAvx2(const BatchTests& tests, const ArdoTest3& predica
 }
 #endif
 
-void Scout::welcomeNew()
+void Scout::prefetchNew()
 {
 	for (std::size_t n = numTested; n < vCavity.size(); ++n) {
 		prefetchNeighbours<Cache::kSecond>(*vCavity.begin()[n].pTet);

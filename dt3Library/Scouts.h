@@ -97,7 +97,7 @@ private:
 	void testNeighbours(const BatchTests& tests, const ArdoTest3& predicates);
 	void testNeighboursPortable(const BatchTests& tests, const ArdoTest3& predicates);
 	void testNeighboursAvx2(const BatchTests& tests, const ArdoTest3& predicates);
-	void welcomeNew();
+	void prefetchNew();
 
 	Step step = Step::kGivenUp;
 	bool bPositive = true;
@@ -117,7 +117,8 @@ class Scouts
 {
 public:
 	/// All of these must outlive the scouts.
-	Scouts(const StartFinder& finder, const BatchTests& tests, const ArdoTest3& predicates);
+	Scouts(const StartFinder& startFinder, const BatchTests& batchTests,
+	    const ArdoTest3& adaptiveTests);
 	Scouts(const Scouts&) = delete;
 	Scouts& operator=(const Scouts&) = delete;
 	~Scouts() { recall(); }
