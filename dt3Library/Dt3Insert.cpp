@@ -119,6 +119,7 @@ void Dt3::triangulate(std::vector<Point3*>& vVertices, Tet3* pLastTet)
 			if (scouts) scouts->goOn(std::exchange(claimsOfDead, Scout::Claims{0}));
 
 			if (++numInserted % kWhile != 0) continue;
+			if (scouts && !scouts->pay()) scouts.reset();
 			if (!finder && numFacetTests > kWhile * kLongWalk) {
 				finder.emplace(vVertices);
 				if (finder->orderJumps()) {

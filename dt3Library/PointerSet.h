@@ -14,7 +14,11 @@ namespace TULO3D {
 class PointerSet
 {
 public:
-	/// Adds `p`; false when it was there already. For no more of them than there is room for.
+	PointerSet() = default;
+	PointerSet(const PointerSet&) = delete;
+	PointerSet& operator=(const PointerSet&) = delete;
+
+	/// Adds `p`, for which there must be room; false when it was there already.
 	bool add(const void* p)
 	{
 		const void** const pSlot = findSlot(p);
@@ -30,7 +34,7 @@ public:
 	}
 
 private:
-	static constexpr std::size_t kFirstSize = 256;
+	static constexpr std::size_t kFirstSize = 256; // 2^8
 
 	/// Where `p` is, or a free slot where it belongs.
 	const void** findSlot(const void* p) const
@@ -38,7 +42,7 @@ private:
 		// Fibonacci hashing: the product spreads what differs between two records over its top bits.
 		const auto address = reinterpret_cast<std::uintptr_t>(p);
 		const std::uint64_t product = std::uint64_t{address} * 0x9E3779B97F4A7C15U;
-		auto i = static_cast<std::size_t>(product >> 40U) & mask;
+		auto i = static_cast<std::size_t>(product >> shift);
 		// Free or found: which of the two ends the search cannot be guessed, so it is one condition.
 		const auto isElsewhere = [&] {
 			const auto found = reinterpret_cast<std::uintptr_t>(slots[i]);
@@ -55,6 +59,7 @@ private:
 		const std::size_t oldSize = mask + 1;
 		slots = larger.data();
 		mask = larger.size() - 1;
+		--shift;
 		for (std::size_t i = 0; i < oldSize; ++i) {
 			if (pOld[i] != nullptr) *findSlot(pOld[i]) = pOld[i];
 		}
@@ -65,6 +70,7 @@ private:
 	std::vector<const void*> many;
 	const void** slots = few;
 	std::size_t mask = kFirstSize - 1;
+	unsigned shift = 64 - 8; ///< leaves as many bits of a product as the mask has
 };
 
 } // namespace TULO3D

@@ -54,7 +54,7 @@ void Scout::advance(const StartFinder& finder, const BatchTests& tests, const Ar
 		} else {
 			testNeighboursPortable(tests, predicates);
 		}
-		prefetchNew();
+		if (isOnItsWay()) prefetchNew();
 		return;
 	case Step::kFound:
 	case Step::kGivenUp:
@@ -91,8 +91,8 @@ void Scout::walk(FacetTest facetTest)
 	}
 	// A dead tetrahedron stays visited until its record is used again, for some other place.
 	if (sides.positive != 0xFU || pTet->hasBeenVisited) return giveUp();
+	vCavity.add({pTet, pTet->getCorner(0)}); // before the claim: it may run out of memory
 	pTet->claims |= myClaim;
-	vCavity.add({pTet, pTet->getCorner(0)});
 	numTested = 0;
 	bPositive = true;
 	prefetchNew();
@@ -105,7 +105,8 @@ void Scout::meetNeighbours()
 		const std::uintptr_t corners = mixOfCorners(tet);
 		for (int i = 0; i < 4; ++i) {
 			const Tet3* pNeigh = tet.getOppTet(i);
-			// What comes in from beyond the hull would remove nothing that is claimed.
+			// What comes in from beyond the hull would remove nothing that is claimed. Once all
+			// neighbours are there, no facet of a claimed tetrahedron comes to the hull again.
 			if (pNeigh == nullptr) return giveUp();
 			const std::uintptr_t facet = corners ^ addressOf(tet.getCorner(i));
 			prefetch<Cache::kSecond>(
@@ -123,6 +124,8 @@ TULO3D_ALWAYS_INLINE void Scout::testNeighbours(
 	for (; numTested < size; ++numTested) {
 		const CavityBorder border =
 		    lookAround<Lanes>(vCavity.begin()[numTested].pTet, *pVtx, tests, predicates);
+		// A mark that a host has left; the insertion itself refuses it.
+		if (border.open != 0xFU) return giveUp();
 		bPositive &= (border.conflict | border.positive) == 0xFU;
 		auto joining = vCavity.writer(4);
 		auto around = vAround.writer(4);
@@ -201,8 +204,15 @@ const Scout& Scouts::await()
 
 void Scouts::goOn(Scout::Claims disturbed)
 {
+	Scout& first = scouts[next % kNumScouts];
+	++numSent;
+	numFound += first.hasFound();
+	if (numSent == kTrial) {
+		bPays = numFound >= kTrial / 8;
+		numSent = numFound = 0;
+	}
 	for (Scout& scout : scouts) scout.giveUpIfAmong(disturbed);
-	scouts[next % kNumScouts].rest();
+	first.rest();
 	send(next + kNumScouts);
 	++next;
 }

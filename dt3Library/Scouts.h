@@ -29,7 +29,8 @@ class ArdoTest3;
 /// more. The cavity, however, has to be right: the scout claims every tetrahedron of it and every one
 /// around it, and gives up when an insertion removes one of these, or where the hull is near. While
 /// all of them are there, the tetrahedra in conflict with the vertex stay the same: a new one would
-/// hang together with them across a facet of a claimed one, and that would be gone.
+/// hang together with them across a facet of one that has been removed, and which was claimed; or
+/// across a facet of the hull, and with one of these the scout had given up.
 class Scout
 {
 public:
@@ -129,12 +130,18 @@ public:
 	/// The scout of the next vertex, which has found its cavity or given up.
 	const Scout& await();
 
+	/// False when of the last thousand or so hardly any has found its cavity: the points lie on the hull,
+	/// or in planes and spheres with one another.
+	bool pay() const { return bPays; }
+
 	/// The next vertex is in the mesh; these are the claims to what it has removed.
 	void goOn(Scout::Claims disturbed);
 
 private:
 	// Enough to fill the waits; with more, the steps of the first come too late.
 	static constexpr std::size_t kNumScouts = 8;
+	static_assert(kNumScouts <= 8 * sizeof(Scout::Claims), "a bit for each");
+	static constexpr std::size_t kTrial = 1024;
 
 	void recall();
 	/// Sends a scout to the n-th vertex of the stage, if there are as many.
@@ -144,7 +151,10 @@ private:
 	const BatchTests& tests;
 	const ArdoTest3& predicates;
 	const Stage* pStage = nullptr;
-	std::size_t next = 0; // in the stage
+	std::size_t next = 0;    // in the stage
+	std::size_t numSent = 0; // in this trial
+	std::size_t numFound = 0;
+	bool bPays = true;
 	Scout scouts[kNumScouts];
 };
 

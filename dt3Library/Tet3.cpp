@@ -43,13 +43,18 @@ void printFacet(const Tet3& tet, int opp3)
 int Tet3::runningLabel = 1000;
 
 Tet3::Tet3()
-    : hasBeenVisited(false), label(takeLabel()), aVertexPointer{}, aNeighbours{}, customIndex(-1)
+    : hasBeenVisited(false),
+      claims(0),
+      label(takeLabel()),
+      aVertexPointer{},
+      aNeighbours{},
+      customIndex(-1)
 {
 	std::cout << "Tet default constructor (is actually not called)" << std::endl;
 }
 
 Tet3::Tet3(const Tet3& /*other*/)
-    : hasBeenVisited(false), label(-1), aVertexPointer{}, aNeighbours{}, customIndex(-1)
+    : hasBeenVisited(false), claims(0), label(-1), aVertexPointer{}, aNeighbours{}, customIndex(-1)
 {
 	std::cout << "CCTOR of Tet3" << std::endl;
 }
