@@ -217,6 +217,8 @@ private:
 	/// facet at the end, and pTet becomes its owner.
 	int stopAtHullEdge(Tet3*& pTet, int f, int opp2ICI) const;
 	// Dt3Cavity.cpp
+	/// Before each insertion: no facet half is left over.
+	void expectNothingPending();
 	Tet3* replaceCavity(Point3* pVtx, Tet3* pStartTet);
 	/// The same with the cavity that a scout has found.
 	Tet3* replaceCavity(Point3* pVtx, const Scout& scout);

@@ -11,13 +11,18 @@
 
 namespace TULO3D {
 
+void Dt3::expectNothingPending()
+{
+	CONDITION_CHECK(numStoredTCS==0);
+	CONDITION_CHECK(vHashCollisions.empty());
+	twoTetPool.reset();
+}
+
 Tet3* Dt3::insertVertex(Point3** ppVtx, Tet3* pStartTet)
 {
 	Tet3* pCurTet = pStartTet;
 	CONDITION_CHECK(!pCurTet->hasBeenVisited);
-	CONDITION_CHECK(numStoredTCS==0);
-	CONDITION_CHECK(vHashCollisions.empty());
-	twoTetPool.reset();
+	expectNothingPending();
 
 	const int locateResult = locatePersistently(*ppVtx, pCurTet);
 	CONDITION_CHECK(locateResult!=-99);
@@ -140,9 +145,7 @@ Tet3* Dt3::replaceCavity(Point3* pVtx, Tet3* pStartTet)
 
 Tet3* Dt3::replaceCavity(Point3* pVtx, const Scout& scout)
 {
-	CONDITION_CHECK(numStoredTCS==0);
-	CONDITION_CHECK(vHashCollisions.empty());
-	twoTetPool.reset();
+	expectNothingPending();
 	swapDeadAndRecycled();
 	star.clear();
 	carveFound(scout);

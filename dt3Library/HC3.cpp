@@ -34,17 +34,6 @@ struct KeyedItem
 	IdxVtx* pItem;
 };
 
-/// Brings items with equal keys into the order of their coordinates.
-void sortTies(std::vector<IdxVtx*>& vItems)
-{
-	for (auto itFirst = vItems.begin(); itFirst != vItems.end();) {
-		auto itLast = itFirst + 1;
-		while (itLast != vItems.end() && (*itLast)->key == (*itFirst)->key) ++itLast;
-		if (itLast - itFirst > 1) std::sort(itFirst, itLast, Func_ltIdxVtxPtr());
-		itFirst = itLast;
-	}
-}
-
 /// The first bits of a number, in the order of the numbers.
 std::uint64_t orderedBits(double x, unsigned numBits)
 {
@@ -80,16 +69,10 @@ void sortByCoordinates(std::vector<std::uint32_t>& vPositions, const std::vector
 	for (const std::uint32_t i : vPositions) {
 		vKeyed.push_back({orderedBits(vPoints[i].x(), kBits), i});
 	}
-	sortByKey(vKeyed, kBits);
-	for (std::size_t first = 0, last = 0; first < vKeyed.size(); first = last) {
-		for (; last < vKeyed.size() && vKeyed[last].key == vKeyed[first].key; ++last) {
-			vPositions[last] = vKeyed[last].position;
-		}
-		const auto at = [&](std::size_t i) {
-			return vPositions.begin() + static_cast<std::ptrdiff_t>(i);
-		};
-		if (last - first > 1) std::stable_sort(at(first), at(last), byCoordinates);
-	}
+	sortByKey(vKeyed, kBits, [&byCoordinates](const KeyedPosition& a, const KeyedPosition& b) {
+		return byCoordinates(a.position, b.position);
+	});
+	for (std::size_t i = 0; i < vKeyed.size(); ++i) vPositions[i] = vKeyed[i].position;
 }
 
 /// A probe for the place of `point`; the order never writes to it.
@@ -159,9 +142,10 @@ void HC3::rebuildKeys()
 		pItem->key = hilbertIndex(*pItem->pVtx);
 		vKeyed.push_back({pItem->key, pItem});
 	}
-	sortByKey(vKeyed, numBits);
+	sortByKey(vKeyed, numBits, [](const KeyedItem& a, const KeyedItem& b) {
+		return Func_ltIdxVtxPtr()(a.pItem, b.pItem);
+	});
 	for (std::size_t i = 0; i < vKeyed.size(); ++i) vItems[i] = vKeyed[i].pItem;
-	sortTies(vItems);
 	items.assign(vItems);
 }
 

@@ -39,4 +39,17 @@ void sortByKey(std::vector<Keyed>& v, unsigned numBits)
 	}
 }
 
+/// The same, and records with equal keys by `less`; those that it does not tell apart keep their order.
+template <typename Keyed, typename Less>
+void sortByKey(std::vector<Keyed>& v, unsigned numBits, Less less)
+{
+	sortByKey(v, numBits);
+	for (auto itFirst = v.begin(); itFirst != v.end();) {
+		auto itLast = itFirst + 1;
+		while (itLast != v.end() && itLast->key == itFirst->key) ++itLast;
+		if (itLast - itFirst > 1) std::stable_sort(itFirst, itLast, less);
+		itFirst = itLast;
+	}
+}
+
 } // namespace TULO3D
