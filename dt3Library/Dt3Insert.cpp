@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // How points arrive: one, or a batch in stages from coarse to fine.
 #include "Dt3.h"
+#include "InsertionOrder.h"
 #include "Scouts.h"
-#include "Stages.h"
 #include "StartFinder.h"
 #include "Underflow.h"
 
@@ -103,32 +103,28 @@ void Dt3::triangulate(std::vector<Point3*>& vVertices, Tet3* pLastTet)
 	std::optional<Scouts> scouts;
 	std::size_t numInserted = 0;
 	numFacetTests = 0;
-	for (const Stage& vStage : insertionStages(vVertices.size())) {
-		if (scouts) scouts->beginStage(vStage, 0);
-		for (std::size_t n = 0; n < vStage.size(); ++n) {
-			const std::uint32_t i = vStage[n];
-			Point3* pVtx = vVertices[i];
-			const Scout* pScout = scouts ? &scouts->await() : nullptr;
-			if (pScout != nullptr && pScout->hasFound()) {
-				pLastTet = replaceCavity(pVtx, *pScout);
-			} else {
-				if (finder) pLastTet = finder->nearestStart(i, pLastTet);
-				pLastTet = insertVertex(&pVtx, pLastTet);
-			}
-			if (finder) finder->add(i);
-			if (scouts) scouts->goOn(std::exchange(claimsOfDead, Scout::Claims{0}));
-
-			if (++numInserted % kWhile != 0) continue;
-			if (scouts && !scouts->pay()) scouts.reset();
-			if (!finder && numFacetTests > kWhile * kLongWalk) {
-				finder.emplace(vVertices);
-				if (finder->orderJumps()) {
-					scouts.emplace(*finder, batchTests, predicates);
-					scouts->beginStage(vStage, n + 1);
-				}
-			}
-			numFacetTests = 0;
+	InsertionOrder order(static_cast<std::uint32_t>(vVertices.size()));
+	while (!order.isAtEnd()) {
+		const std::uint32_t i = *order;
+		++order;
+		Point3* pVtx = vVertices[i];
+		const Scout* pScout = scouts ? &scouts->await() : nullptr;
+		if (pScout != nullptr && pScout->hasFound()) {
+			pLastTet = replaceCavity(pVtx, *pScout);
+		} else {
+			if (finder) pLastTet = finder->nearestStart(i, pLastTet);
+			pLastTet = insertVertex(&pVtx, pLastTet);
 		}
+		if (finder) finder->add(i);
+		if (scouts) scouts->goOn(std::exchange(claimsOfDead, Scout::Claims{0}));
+
+		if (++numInserted % kWhile != 0) continue;
+		if (scouts && !scouts->pay()) scouts.reset();
+		if (!finder && numFacetTests > kWhile * kLongWalk) {
+			finder.emplace(vVertices);
+			if (finder->orderJumps()) scouts.emplace(order, *finder, batchTests, predicates);
+		}
+		numFacetTests = 0;
 	}
 }
 

@@ -99,7 +99,7 @@ struct HC3::Batch
 	const std::vector<Point3>& vPoints;
 	std::vector<Point3*>& vUserHandles;
 	std::vector<Point3*>& vNewVertices;
-	std::vector<IdxVtx*> vNewItems;
+	VertexItems newItems;
 	std::vector<std::uint32_t> vCell; // positions in vPoints, as are the three below
 	std::vector<std::uint32_t> vByCoordinates;
 	std::vector<std::uint32_t> vNewByCoordinates;
@@ -204,7 +204,6 @@ void HC3::insertPoints(const std::vector<Point3>& vPoints, std::vector<Point3*>&
 	vUserHandles.resize(siz);
 	vNewVertices.reserve(vNewVertices.size() + siz);
 	Batch batch{vPoints, vUserHandles, vNewVertices, {}, {}, {}, {}, {}};
-	batch.vNewItems.reserve(siz);
 	constexpr std::size_t kAhead = 16;
 	for (std::size_t i = 0; i < siz;) {
 		const std::uint32_t key = vHIndexIndexPair[i].key;
@@ -216,7 +215,7 @@ void HC3::insertPoints(const std::vector<Point3>& vPoints, std::vector<Point3*>&
 		}
 		insertCell(key, batch);
 	}
-	items.merge(batch.vNewItems);
+	items.merge(batch.newItems);
 }
 
 void HC3::createVertices(Batch& batch)
@@ -249,7 +248,7 @@ void HC3::insertCell(std::uint32_t key, Batch& batch)
 		if (pVtx != nullptr) return;
 		pVtx = createVertex(vPoints[position]);
 		batch.vNewVertices.push_back(pVtx);
-		batch.vNewItems.push_back(createItem(key, pVtx));
+		batch.newItems.append(createItem(key, pVtx));
 		return;
 	}
 	std::vector<std::uint32_t>& vSorted = batch.vByCoordinates;
@@ -280,7 +279,7 @@ void HC3::insertCell(std::uint32_t key, Batch& batch)
 		batch.vNewVertices.push_back(vUserHandles[position]);
 	}
 	for (const std::uint32_t position : batch.vNewByCoordinates) {
-		batch.vNewItems.push_back(createItem(key, vUserHandles[position]));
+		batch.newItems.append(createItem(key, vUserHandles[position]));
 	}
 	for (std::size_t i = 1; i < vSorted.size(); ++i) {
 		if (isEqualToPrevious(i)) vUserHandles[vSorted[i]] = vUserHandles[vSorted[i - 1]];

@@ -167,35 +167,28 @@ void Scout::prefetchNew()
 	step = numTested < vCavity.size() ? Step::kMeetNeighbours : Step::kFound;
 }
 
-Scouts::Scouts(
-    const StartFinder& startFinder, const BatchTests& batchTests, const ArdoTest3& adaptiveTests)
-    : finder(startFinder), tests(batchTests), predicates(adaptiveTests)
+Scouts::Scouts(const InsertionOrder& next, const StartFinder& startFinder,
+    const BatchTests& batchTests, const ArdoTest3& adaptiveTests)
+    : finder(startFinder), tests(batchTests), predicates(adaptiveTests), ahead(next)
 {
+	for (std::size_t place = 0; place < kNumScouts; ++place) send(place);
 }
 
-void Scouts::recall()
+Scouts::~Scouts()
 {
 	for (Scout& scout : scouts) scout.giveUp();
 }
 
-void Scouts::beginStage(const Stage& vStage, std::size_t n)
+void Scouts::send(std::size_t place)
 {
-	recall();
-	pStage = &vStage;
-	next = n;
-	for (std::size_t ahead = 0; ahead < kNumScouts; ++ahead) send(n + ahead);
-}
-
-void Scouts::send(std::size_t n)
-{
-	if (n >= pStage->size()) return;
-	const std::size_t place = n % kNumScouts;
-	scouts[place].setOut(static_cast<Scout::Claims>(1U << place), (*pStage)[n], finder);
+	if (ahead.isAtEnd()) return;
+	scouts[place].setOut(static_cast<Scout::Claims>(1U << place), *ahead, finder);
+	++ahead;
 }
 
 const Scout& Scouts::await()
 {
-	const Scout& first = scouts[next % kNumScouts];
+	const Scout& first = scouts[firstPlace];
 	while (first.isOnItsWay()) {
 		for (Scout& scout : scouts) scout.advance(finder, tests, predicates);
 	}
@@ -204,17 +197,17 @@ const Scout& Scouts::await()
 
 void Scouts::goOn(Scout::Claims disturbed)
 {
-	Scout& first = scouts[next % kNumScouts];
-	++numSent;
+	Scout& first = scouts[firstPlace];
+	++numBack;
 	numFound += first.hasFound();
-	if (numSent == kTrial) {
+	if (numBack == kTrial) {
 		bPays = numFound >= kTrial / 8;
-		numSent = numFound = 0;
+		numBack = numFound = 0;
 	}
 	for (Scout& scout : scouts) scout.giveUpIfAmong(disturbed);
 	first.rest();
-	send(next + kNumScouts);
-	++next;
+	send(firstPlace);
+	firstPlace = (firstPlace + 1) % kNumScouts;
 }
 
 } // namespace TULO3D

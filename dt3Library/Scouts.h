@@ -3,10 +3,10 @@
 #pragma once
 
 #include "CavityBorder.h"
+#include "InsertionOrder.h"
 #include "NeighbourSpheres.h"
 #include "Point3.h"
 #include "ScratchArray.h"
-#include "Stages.h"
 #include "StartFinder.h"
 #include "Tet3.h"
 
@@ -113,19 +113,16 @@ private:
 	ScratchArray<Tet3*> vAround;
 };
 
-/// A row of scouts, one for each of the next vertices of a stage.
+/// A row of scouts, one for each of the next vertices.
 class Scouts
 {
 public:
-	/// All of these must outlive the scouts.
-	Scouts(const StartFinder& startFinder, const BatchTests& batchTests,
+	/// The vertices come in the order of `next`. The others must outlive the scouts.
+	Scouts(const InsertionOrder& next, const StartFinder& startFinder, const BatchTests& batchTests,
 	    const ArdoTest3& adaptiveTests);
 	Scouts(const Scouts&) = delete;
 	Scouts& operator=(const Scouts&) = delete;
-	~Scouts() { recall(); }
-
-	/// The n-th vertex of the stage comes next. The stage must outlive its insertion.
-	void beginStage(const Stage& vStage, std::size_t n);
+	~Scouts();
 
 	/// The scout of the next vertex, which has found its cavity or given up.
 	const Scout& await();
@@ -143,16 +140,16 @@ private:
 	static_assert(kNumScouts <= 8 * sizeof(Scout::Claims), "a bit for each");
 	static constexpr std::size_t kTrial = 1024;
 
-	void recall();
-	/// Sends a scout to the n-th vertex of the stage, if there are as many.
-	void send(std::size_t n);
+	/// Sends the scout in this place of the row to the vertex behind those of all the others, if there is
+	/// one.
+	void send(std::size_t place);
 
 	const StartFinder& finder;
 	const BatchTests& tests;
 	const ArdoTest3& predicates;
-	const Stage* pStage = nullptr;
-	std::size_t next = 0;    // in the stage
-	std::size_t numSent = 0; // in this trial
+	InsertionOrder ahead;       // where the next scout goes
+	std::size_t firstPlace = 0; // in the row: the scout of the next vertex
+	std::size_t numBack = 0;    // in this trial
 	std::size_t numFound = 0;
 	bool bPays = true;
 	Scout scouts[kNumScouts];

@@ -35,8 +35,9 @@ struct Func_ltIdxVtxPtr
 
 /// An ordered set of item pointers. The items are not owned.
 ///
-/// It is a sequence of sorted chunks: 8 to 16 bytes an item where a tree of nodes takes 48, filled
-/// from a sorted batch at the cost of a copy, and dense enough to be read at memory speed.
+/// It is a sequence of sorted chunks, dense enough to be read at memory speed. The items of the first
+/// batch follow one another in memory as they do along the curve, and a chunk of such items needs no
+/// list of them; any other takes 8 to 16 bytes an item, where a tree of nodes takes 48.
 class VertexItems
 {
 public:
@@ -51,7 +52,7 @@ public:
 
 	Position begin() const { return {0, 0}; }
 	bool isEnd(Position at) const { return at.chunk == chunks.size(); }
-	IdxVtx* operator[](Position at) const { return chunks[at.chunk]->items[at.offset]; }
+	IdxVtx* operator[](Position at) const { return chunks[at.chunk][at.offset]; }
 
 	/// The place behind `at`, which is not the end.
 	Position next(Position at) const;
@@ -65,8 +66,11 @@ public:
 	/// Inserts an item at its place, which `lowerBound` has found, and returns it there.
 	Position insertAt(Position at, IdxVtx* pItem);
 
-	/// Inserts sorted items that are equivalent neither to one another nor to any in the set.
-	void merge(const std::vector<IdxVtx*>& vSorted);
+	/// Inserts an item that comes behind all others.
+	void append(IdxVtx* pItem);
+
+	/// Inserts all items of `others`, none of which is equivalent to any in the set.
+	void merge(VertexItems& others);
 
 	/// Replaces all items by these, which are sorted.
 	void assign(const std::vector<IdxVtx*>& vSorted);
@@ -77,15 +81,33 @@ public:
 private:
 	static constexpr std::size_t kCapacity = 512;
 
-	struct Chunk
+	/// Up to kCapacity items, at least one.
+	class Chunk
 	{
-		std::size_t count = 0;
-		IdxVtx* items[kCapacity];
+	public:
+		explicit Chunk(IdxVtx* pItem) : pFirst(pItem) {}
+
+		std::size_t size() const { return count; }
+		IdxVtx* operator[](std::size_t i) const { return items ? items[i] : pFirst + i; }
+		IdxVtx* back() const { return (*this)[count - 1]; }
+
+		void insert(std::size_t i, IdxVtx* pItem);
+		/// The items from the n-th on.
+		Chunk from(std::size_t n) const;
+		/// Leaves the first `n` items, at least one.
+		void cut(std::size_t n) { count = n; }
+
+	private:
+		void makeList();
+
+		std::size_t count = 1;
+		IdxVtx* pFirst; // as long as there is no list
+		std::unique_ptr<IdxVtx*[]> items;
 	};
 
-	void append(IdxVtx* pItem, std::size_t fill);
+	void swap(VertexItems& other);
 
-	std::vector<std::unique_ptr<Chunk>> chunks; // none of them empty
+	std::vector<Chunk> chunks;
 	std::size_t numItems = 0;
 };
 

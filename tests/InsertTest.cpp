@@ -2,7 +2,7 @@
 // How points arrive: each promise of the insertion with its shortest case, and the large inputs that
 // are hard for a walk or a cavity.
 #include "Dt3.h"
-#include "Stages.h"
+#include "InsertionOrder.h"
 #include "support.h"
 
 using namespace TULO3D;
@@ -138,11 +138,10 @@ TEST(Insert, ScoutsMakeTheSameTetrahedraAsOneInsertionAfterTheOther)
 			vertices.clear();
 			oneByOne.getVertices(vertices);
 		}
-		for (const Stage& stage : insertionStages(vertices.size())) {
-			for (const std::uint32_t i : stage) {
-				pTet = oneByOne.hc3.nearerTet(*vertices[i], pTet);
-				pTet = oneByOne.insertVertex(&vertices[i], pTet);
-			}
+		InsertionOrder order(static_cast<std::uint32_t>(vertices.size()));
+		for (; !order.isAtEnd(); ++order) {
+			pTet = oneByOne.hc3.nearerTet(*vertices[*order], pTet);
+			pTet = oneByOne.insertVertex(&vertices[*order], pTet);
 		}
 		const auto expected = outcomeOf(oneByOne, firstLabel);
 		for (const BatchTests* pTests : {&kPortableTests, &bestTests()}) {
