@@ -2,6 +2,8 @@
 // From a heap of vertices to the first tetrahedron.
 #include "Dt3.h"
 
+#include <utility>
+
 namespace TULO3D {
 
 Tet3* Dt3::startUp()
@@ -9,28 +11,36 @@ Tet3* Dt3::startUp()
 	CONDITION_CHECK(!bFullDimensional);
 	if (staysFlat()) return nullptr;
 
-	std::vector<Point3*> v;
-	hc3.getVertices(v);
 	// The first four vertices that are not coplanar, in lexicographic order of their places, are
-	// 0, 1, k, l: if any four span space, then 0 and 1, being distinct, can be extended to four that
-	// do. k is the first one off their line, l the first one behind k off their plane: whatever lies
-	// between is in the plane of 0, 1, k already.
-	if (v.size() < 4) return nullptr;
-	std::size_t k = 2;
-	while (k < v.size() && isOnLine(*v[0], *v[1], *v[k])) ++k;
-	if (k == v.size()) return rememberFlat(v[0], v[1], nullptr);
-	std::size_t l = k + 1;
+	// A, B, C, D: if any four span space, then A and B, being distinct, can be extended to four that
+	// do. C is the first one off their line, D the first one behind C off their plane: whatever lies
+	// between is in the plane of A, B, C already.
+	const VertexItems& items = hc3.items;
+	if (items.size() < 4) return nullptr;
+	VertexItems::Position at = items.begin();
+	const auto next = [&items, &at]() -> Point3* {
+		if (items.isEnd(at)) return nullptr;
+		Point3* pVtx = items[at]->pVtx;
+		at = items.next(at);
+		return pVtx;
+	};
+	Point3* pA = next();
+	Point3* pB = next();
+	Point3* pC = next();
+	while (pC != nullptr && isOnLine(*pA, *pB, *pC)) pC = next();
+	if (pC == nullptr) return rememberFlat(pA, pB, nullptr);
+	Point3* pD = next();
 	Orientation3 ori = ORIENTATION3_COPLANAR;
-	for (; l < v.size(); ++l) {
-		ori = predicates.getOrientation3(v[0], v[1], v[k], v[l]);
+	for (; pD != nullptr; pD = next()) {
+		ori = predicates.getOrientation3(pA, pB, pC, pD);
 		if (ori != ORIENTATION3_COPLANAR) break;
 	}
-	if (l == v.size()) return rememberFlat(v[0], v[1], v[k]);
+	if (pD == nullptr) return rememberFlat(pA, pB, pC);
 
-	if (ori == ORIENTATION3_NEGATIVE) std::swap(v[0], v[1]);
-	ori = predicates.getOrientation3(v[0], v[1], v[k], v[l]);
+	if (ori == ORIENTATION3_NEGATIVE) std::swap(pA, pB);
+	ori = predicates.getOrientation3(pA, pB, pC, pD);
 	CONDITION_CHECK(ori==ORIENTATION3_POSITIVE);
-	Tet3* pFirstTet = createTet(v[0], v[1], v[k], v[l]);
+	Tet3* pFirstTet = createTet(pA, pB, pC, pD);
 	bFullDimensional = true;
 	return pFirstTet;
 }

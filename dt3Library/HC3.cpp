@@ -210,7 +210,9 @@ void HC3::insertPoints(const std::vector<Point3>& vPoints, std::vector<Point3*>&
 		batch.vCell.clear();
 		for (; i < siz && vHIndexIndexPair[i].key == key; ++i) {
 			// Along the curve they lie here and there in the input.
-			prefetch(&vPoints[vHIndexIndexPair[std::min(i + kAhead, siz - 1)].position]);
+			const std::uint32_t later = vHIndexIndexPair[std::min(i + kAhead, siz - 1)].position;
+			prefetch(&vPoints[later]);
+			prefetch(&vUserHandles[later]);
 			batch.vCell.push_back(vHIndexIndexPair[i].position);
 		}
 		insertCell(key, batch);
