@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The walk: from tetrahedron to tetrahedron, across any facet that has the point beyond it.
 #include "Dt3.h"
+#include "Prefetch.h"
 #include "TetAroundEdgeIterator.h"
 
 #include <cstdint>
@@ -31,6 +32,7 @@ int Dt3::locateConflictTet(Point3* pVtx, Tet3*& pStartTet)
 	const std::size_t lastTest = numFacetTests + kMaxFacetTests;
 	FacetSides sides;
 	for (;;) {
+		prefetchNeighbours(*pStartTet); // for the next step; in the end, for the cavity
 		// All four sides at once cost less than one after the other and a wrong guess about each. What
 		// counts is the first facet with the point beyond it, else the first one in its plane.
 		sides = sidesOf(*pStartTet, *pVtx);
