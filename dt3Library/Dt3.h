@@ -9,6 +9,7 @@
 #include "HC3.h"
 #include "NeighbourSpheres.h"
 #include "Point3.h"
+#include "Scout.h"
 #include "ScratchArray.h"
 #include "StarLinker.h"
 #include "Tet3.h"
@@ -21,7 +22,6 @@
 
 namespace TULO3D {
 
-class Scout;
 class Tulo_3D;
 
 /// One half of a facet between two new tetrahedra that waits for the other half. The facet consists
@@ -220,6 +220,8 @@ private:
 	/// Before each insertion: no facet half is left over.
 	void expectNothingPending();
 	Tet3* replaceCavity(Point3* pVtx, Tet3* pStartTet);
+	/// The same where little is in the cache: what surrounds the cavity is asked for as it grows.
+	Tet3* replaceColdCavity(Point3* pVtx, Tet3* pStartTet);
 	/// The same with the cavity that a scout has found.
 	Tet3* replaceCavity(Point3* pVtx, const Scout& scout);
 	/// Joins pVtx to the facets of the cavity; the last tetrahedron made.
@@ -254,9 +256,10 @@ private:
 	ScratchArray<CavityTet> vCavityStack;
 	ScratchArray<CavityFacet> vCavityFacets;
 	FlatWitness flatWitness;
-	std::size_t numFacetTests = 0;  ///< made by walks, since somebody has last looked
-	StarLinker star;                ///< what the current insertion makes
-	std::uint16_t claimsOfDead = 0; ///< of scouts, since somebody has last looked
+	std::size_t numFacetTests = 0; ///< made by walks, since somebody has last looked
+	StarLinker star;               ///< what the current insertion makes
+	Scout loneScout;
+	Scout::Claims claimsOfDead = 0; ///< since somebody has last looked
 	CollisionIndex collisionIndex;  ///< finds the partner in a long vHashCollisions
 	Rand15 watchdogRandom;
 };

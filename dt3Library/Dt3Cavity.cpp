@@ -7,9 +7,16 @@
 #include "Dt3.h"
 #include "Dt3Inline.h"
 #include "FacetLanes.h"
-#include "Scouts.h"
 
 namespace TULO3D {
+
+namespace {
+
+/// A tetrahedron that was made before so many others was last seen some thousand insertions ago, and
+/// what lies around it as well: it is hardly in the cache any more.
+constexpr unsigned kColdAge = 1U << 13U;
+
+} // namespace
 
 void Dt3::expectNothingPending()
 {
@@ -24,6 +31,7 @@ Tet3* Dt3::insertVertex(Point3** ppVtx, Tet3* pStartTet)
 	CONDITION_CHECK(!pCurTet->hasBeenVisited);
 	expectNothingPending();
 
+	const bool bCold = pStartTet->age() > kColdAge;
 	const int locateResult = locatePersistently(*ppVtx, pCurTet);
 	CONDITION_CHECK(locateResult!=-99);
 	if (locateResult == -2) return resolveDuplicate(ppVtx, pCurTet, locateResult);
@@ -34,7 +42,7 @@ Tet3* Dt3::insertVertex(Point3** ppVtx, Tet3* pStartTet)
 		return pRet;
 	}
 	CONDITION_CHECK(locateResult==-1);
-	return replaceCavity(*ppVtx, pCurTet);
+	return bCold ? replaceColdCavity(*ppVtx, pCurTet) : replaceCavity(*ppVtx, pCurTet);
 }
 
 template <typename Lanes>
@@ -150,6 +158,16 @@ Tet3* Dt3::replaceCavity(Point3* pVtx, const Scout& scout)
 	star.clear();
 	carveFound(scout);
 	return fillCavity(pVtx);
+}
+
+Tet3* Dt3::replaceColdCavity(Point3* pVtx, Tet3* pStartTet)
+{
+	loneScout.startIn(pStartTet, Scout::kLoneClaim, *pVtx);
+	while (loneScout.isOnItsWay()) loneScout.advance(batchTests, predicates);
+	if (!loneScout.hasFound()) return replaceCavity(pVtx, pStartTet);
+	Tet3* pLastTet = replaceCavity(pVtx, loneScout);
+	loneScout.rest();
+	return pLastTet;
 }
 
 Tet3* Dt3::fillCavity(Point3* pVtx)

@@ -4,7 +4,7 @@
 #pragma once
 
 #include "Dt3.h"
-#include "Scouts.h"
+#include "Scout.h"
 
 namespace TULO3D {
 

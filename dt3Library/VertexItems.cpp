@@ -9,19 +9,27 @@ namespace TULO3D {
 
 void VertexItems::Chunk::makeList()
 {
-	std::unique_ptr<IdxVtx*[]> list(new IdxVtx*[kCapacity]);
-	for (std::size_t i = 0; i < count; ++i) list[i] = pFirst + i;
-	items = std::move(list);
+	std::unique_ptr<List> made(new List);
+	for (std::size_t i = 0; i < count; ++i) {
+		made->keys[i] = pFirst[i].key;
+		made->items[i] = pFirst + i;
+	}
+	list = std::move(made);
 }
 
 void VertexItems::Chunk::insert(std::size_t i, IdxVtx* pItem)
 {
+	const auto insertInto = [i, this](auto* pArray, auto value) {
+		std::copy_backward(pArray + i, pArray + count, pArray + count + 1);
+		pArray[i] = value;
+	};
 	const bool bFollows = i == count && pItem == pFirst + count;
-	if (!items && !bFollows) makeList();
-	if (items) {
-		std::copy_backward(&items[i], &items[count], &items[count] + 1);
-		items[i] = pItem;
+	if (!list && !bFollows) makeList();
+	if (list) {
+		insertInto(list->keys, pItem->key);
+		insertInto(list->items, pItem);
 	}
+	if (i == count) lastKey = pItem->key;
 	++count;
 }
 
@@ -30,6 +38,12 @@ VertexItems::Chunk VertexItems::Chunk::from(std::size_t n) const
 	Chunk rest((*this)[n]);
 	for (std::size_t i = n + 1; i < count; ++i) rest.insert(i - n, (*this)[i]);
 	return rest;
+}
+
+void VertexItems::Chunk::cut(std::size_t n)
+{
+	count = n;
+	lastKey = (*this)[n - 1]->key;
 }
 
 VertexItems::Position VertexItems::next(Position at) const
@@ -46,18 +60,15 @@ VertexItems::Position VertexItems::previous(Position at) const
 
 VertexItems::Position VertexItems::lowerBound(const IdxVtx& probe) const
 {
-	const Func_ltIdxVtxPtr less;
-	const auto chunkIsBefore = [&less](const Chunk& chunk, const IdxVtx* pProbe) {
-		return less(chunk.back(), pProbe);
-	};
-	const auto itChunk = std::lower_bound(chunks.begin(), chunks.end(), &probe, chunkIsBefore);
+	const auto itChunk = std::partition_point(chunks.begin(), chunks.end(),
+	    [&probe](const Chunk& chunk) { return chunk.isBefore(probe); });
 	const auto chunk = static_cast<std::size_t>(itChunk - chunks.begin());
 	if (itChunk == chunks.end()) return {chunk, 0};
 	std::size_t first = 0;
 	std::size_t last = itChunk->size() - 1; // the chunk's last item is not before the probe
 	while (first < last) {
 		const std::size_t middle = first + (last - first) / 2;
-		if (less((*itChunk)[middle], &probe)) {
+		if (itChunk->isBefore(middle, probe)) {
 			first = middle + 1;
 		} else {
 			last = middle;

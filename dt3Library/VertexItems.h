@@ -37,7 +37,7 @@ struct Func_ltIdxVtxPtr
 ///
 /// It is a sequence of sorted chunks, dense enough to be read at memory speed. The items of the first
 /// batch follow one another in memory as they do along the curve, and a chunk of such items needs no
-/// list of them; any other takes 8 to 16 bytes an item, where a tree of nodes takes 48.
+/// list of them; any other takes 12 to 24 bytes an item, where a tree of nodes takes 48.
 class VertexItems
 {
 public:
@@ -85,24 +85,43 @@ private:
 	class Chunk
 	{
 	public:
-		explicit Chunk(IdxVtx* pItem) : pFirst(pItem) {}
+		explicit Chunk(IdxVtx* pItem) : pFirst(pItem), lastKey(pItem->key) {}
 
 		std::size_t size() const { return count; }
-		IdxVtx* operator[](std::size_t i) const { return items ? items[i] : pFirst + i; }
-		IdxVtx* back() const { return (*this)[count - 1]; }
+		IdxVtx* operator[](std::size_t i) const { return list ? list->items[i] : pFirst + i; }
+
+		/// True when item `i` comes before the probe.
+		bool isBefore(std::size_t i, const IdxVtx& probe) const
+		{
+			return isBefore(list ? list->keys[i] : pFirst[i].key, i, probe);
+		}
+		/// True when all of them do.
+		bool isBefore(const IdxVtx& probe) const { return isBefore(lastKey, count - 1, probe); }
 
 		void insert(std::size_t i, IdxVtx* pItem);
 		/// The items from the n-th on.
 		Chunk from(std::size_t n) const;
 		/// Leaves the first `n` items, at least one.
-		void cut(std::size_t n) { count = n; }
+		void cut(std::size_t n);
 
 	private:
+		// A search reads keys alone, until two are equal.
+		struct List
+		{
+			std::uint32_t keys[kCapacity];
+			IdxVtx* items[kCapacity];
+		};
+
+		bool isBefore(std::uint32_t key, std::size_t i, const IdxVtx& probe) const
+		{
+			return key != probe.key ? key < probe.key : Func_ltIdxVtxPtr()((*this)[i], &probe);
+		}
 		void makeList();
 
+		IdxVtx* pFirst; // they follow one another from here, as long as there is no list
+		std::unique_ptr<List> list;
 		std::size_t count = 1;
-		IdxVtx* pFirst; // as long as there is no list
-		std::unique_ptr<IdxVtx*[]> items;
+		std::uint32_t lastKey;
 	};
 
 	void swap(VertexItems& other);

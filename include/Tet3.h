@@ -12,6 +12,7 @@
 
 namespace TULO3D {
 
+class Dt3;
 class Facet3;
 class Edge3;
 class Scout;
@@ -190,6 +191,7 @@ public:
 	static int runningLabel;
 
 private:
+	friend class Dt3;
 	friend class Scout;
 	friend class StarLinker;
 	friend TULO3D_API std::ostream& operator<<(std::ostream& stream, const Tet3& tet);
@@ -208,6 +210,12 @@ private:
 		const int taken = runningLabel;
 		runningLabel = static_cast<int>(static_cast<unsigned>(taken) + 1U);
 		return taken;
+	}
+
+	/// How many tetrahedra have been made since this one.
+	unsigned age() const
+	{
+		return static_cast<unsigned>(runningLabel) - static_cast<unsigned>(label);
 	}
 
 	static bool range03(int i) { return static_cast<unsigned>(i) < 4U; }

@@ -127,25 +127,31 @@ TEST(Insert, ScoutsMakeTheSameTetrahedraAsOneInsertionAfterTheOther)
 		engine.getAllTetrahedra(tets);
 		return std::pair(Tet3::runningLabel - firstLabel, support::canonical(vertices, tets));
 	};
-	for (Cloud* pCloud : {&general, &lattice}) {
-		int firstLabel = Tet3::runningLabel;
-		Dt3 oneByOne(nullptr);
+	// A walk that starts where the last vertex went finds a warm cavity, one that starts nearby a cold
+	// one, for which a scout is sent out.
+	const auto oneByOne = [&](const Cloud& cloud, bool bStartsNearby) {
+		const int firstLabel = Tet3::runningLabel;
+		Dt3 engine(nullptr);
 		std::vector<Point3*> vertices;
 		handles.clear();
-		oneByOne.hc3.insertPoints(*pCloud, handles, vertices);
-		Tet3* pTet = oneByOne.startUp();
-		if (vertices.size() != pCloud->size()) {
+		engine.hc3.insertPoints(cloud, handles, vertices);
+		Tet3* pTet = engine.startUp();
+		if (vertices.size() != cloud.size()) {
 			vertices.clear();
-			oneByOne.getVertices(vertices);
+			engine.getVertices(vertices);
 		}
 		InsertionOrder order(static_cast<std::uint32_t>(vertices.size()));
 		for (; !order.isAtEnd(); ++order) {
-			pTet = oneByOne.hc3.nearerTet(*vertices[*order], pTet);
-			pTet = oneByOne.insertVertex(&vertices[*order], pTet);
+			if (bStartsNearby) pTet = engine.hc3.nearerTet(*vertices[*order], pTet);
+			pTet = engine.insertVertex(&vertices[*order], pTet);
 		}
-		const auto expected = outcomeOf(oneByOne, firstLabel);
+		return outcomeOf(engine, firstLabel);
+	};
+	for (Cloud* pCloud : {&general, &lattice}) {
+		const auto expected = oneByOne(*pCloud, false);
+		EXPECT_TRUE(oneByOne(*pCloud, true) == expected);
 		for (const BatchTests* pTests : {&kPortableTests, &bestTests()}) {
-			firstLabel = Tet3::runningLabel;
+			const int firstLabel = Tet3::runningLabel;
 			Dt3 ahead(nullptr, *pTests);
 			handles.clear();
 			ahead.insert(*pCloud, handles);
