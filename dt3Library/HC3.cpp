@@ -211,7 +211,7 @@ void HC3::insertPoints(const std::vector<Point3>& vPoints, std::vector<Point3*>&
 		for (; i < siz && vHIndexIndexPair[i].key == key; ++i) {
 			// Along the curve they lie here and there in the input.
 			const std::uint32_t later = vHIndexIndexPair[std::min(i + kAhead, siz - 1)].position;
-			prefetch(&vPoints[later]);
+			prefetchVertex(&vPoints[later]);
 			prefetch(&vUserHandles[later]);
 			batch.vCell.push_back(vHIndexIndexPair[i].position);
 		}

@@ -4,6 +4,8 @@
 
 #include "Tet3.h"
 
+#include <cstddef>
+
 namespace TULO3D {
 
 /// The first cache is for what comes next, the second one for what waits among much else.
@@ -18,13 +20,26 @@ void prefetch([[maybe_unused]] const void* p)
 #endif
 }
 
-/// A record may lie across two cache lines; null is passed over.
+/// The first bytes of a record, which may lie across two cache lines.
+template <Cache cache>
+void prefetchRecord(const void* p, std::size_t numBytes)
+{
+	prefetch<cache>(p);
+	prefetch<cache>(static_cast<const char*>(p) + numBytes - 1);
+}
+
+/// The coordinates of a vertex and its link to the mesh.
+template <Cache cache = Cache::kFirst>
+void prefetchVertex(const Point3* p)
+{
+	prefetchRecord<cache>(p, 3 * sizeof(double) + sizeof(Tet3*));
+}
+
+/// Null is passed over.
 template <Cache cache = Cache::kFirst>
 void prefetchTet(const Tet3* pTet)
 {
-	if (pTet == nullptr) return;
-	prefetch<cache>(pTet);
-	prefetch<cache>(reinterpret_cast<const char*>(pTet) + sizeof(Tet3) - 1);
+	if (pTet != nullptr) prefetchRecord<cache>(pTet, sizeof(Tet3));
 }
 
 template <Cache cache = Cache::kFirst>
@@ -36,7 +51,7 @@ void prefetchNeighbours(const Tet3& tet)
 template <Cache cache = Cache::kFirst>
 void prefetchCorners(const Tet3& tet)
 {
-	for (int i = 0; i < 4; ++i) prefetch<cache>(tet.getCorner(i));
+	for (int i = 0; i < 4; ++i) prefetchVertex<cache>(tet.getCorner(i));
 }
 
 } // namespace TULO3D

@@ -16,7 +16,7 @@ void Scout::setOut(Claims claim, std::size_t i, const StartFinder& startFinder)
 	pFinder = &startFinder;
 	position = i;
 	pVtx = &startFinder.vertex(i);
-	prefetch<Cache::kSecond>(pVtx);
+	prefetchVertex<Cache::kSecond>(pVtx);
 	startFinder.prefetchNeighbours(i);
 	step = Step::kLookUp;
 }
@@ -41,7 +41,7 @@ void Scout::advance(const BatchTests& tests, const ArdoTest3& predicates)
 	switch (step) {
 	case Step::kLookUp:
 		near = pFinder->neighbours(position);
-		for (const Point3* p : near) prefetch<Cache::kSecond>(p);
+		for (const Point3* p : near) prefetchVertex<Cache::kSecond>(p);
 		step = Step::kChooseVertex;
 		return;
 	case Step::kChooseVertex:
@@ -123,7 +123,7 @@ void Scout::meetNeighbours()
 			// neighbours are there, no facet of a claimed tetrahedron comes to the hull again.
 			if (pNeigh == nullptr) return giveUp();
 			const std::uintptr_t facet = corners ^ addressOf(tet.getCorner(i));
-			prefetch<Cache::kSecond>(
+			prefetchVertex<Cache::kSecond>(
 			    reinterpret_cast<const Point3*>(facet ^ mixOfCorners(*pNeigh)));
 		}
 	}
