@@ -45,8 +45,8 @@ TABLE = [
     Row("build", "flat", 100000, BUILDERS, None),
     Row("build", "twoclusters", 100000, BUILDERS, None),
 ]
-SWEEP = [Row("build", "uniform", int(m * 10**e), BUILDERS, None)
-         for e in range(3, 7) for m in (1, 3)] + [Row("build", "uniform", 10**7, BUILDERS, None)]
+SIZES = [m * 10**e for e in range(3, 7) for m in (1, 3)] + [5 * 10**6, 10**7]
+SWEEP = [Row("build", "uniform", n, BUILDERS, None) for n in SIZES]
 QHULL_LIMIT = 10**6  # above, Qhull needs more memory than most machines have
 
 
@@ -131,7 +131,7 @@ def describe(row, results, gave_up, give_up):
                 text += f" {statistics.median(ratios):.2f}"
                 if name == "ours":
                     text += f" ({min(ratios):.2f}-{max(ratios):.2f})"
-            cells.append(f"{text.strip()}, {peak:.0f} MB")
+            cells.append(f"{text.strip()}, {peak:.0f} MiB")
     cells.append("" if row.goal is None else f"{row.goal:.2f}")
     counts = {name: runs[0][0]["tets"] for name, runs in results.items() if runs}
     cells.append(f"{any_result['tets']:,}" if len(set(counts.values())) == 1 else

@@ -2,6 +2,7 @@
 // Asks the memory for records before their turn comes.
 #pragma once
 
+#include "Inline.h"
 #include "Tet3.h"
 
 #include <cstddef>
@@ -11,9 +12,11 @@ namespace TULO3D {
 /// The first cache is for what comes next, the second one for what waits among much else.
 enum class Cache { kFirst, kSecond };
 
-/// Not for a function that is compiled for another CPU than the rest; gcc 12 leaves it out there.
+// All of these are drawn into their callers: a function that does nothing but prefetch has no effect
+// that gcc knows of, and a call of it may be left out.
+
 template <Cache cache = Cache::kFirst>
-void prefetch([[maybe_unused]] const void* p)
+TULO3D_ALWAYS_INLINE void prefetch([[maybe_unused]] const void* p)
 {
 #if defined(__GNUC__)
 	__builtin_prefetch(p, 0, cache == Cache::kFirst ? 3 : 2);
@@ -22,7 +25,7 @@ void prefetch([[maybe_unused]] const void* p)
 
 /// The first bytes of a record, which may lie across two cache lines.
 template <Cache cache>
-void prefetchRecord(const void* p, std::size_t numBytes)
+TULO3D_ALWAYS_INLINE void prefetchRecord(const void* p, std::size_t numBytes)
 {
 	prefetch<cache>(p);
 	prefetch<cache>(static_cast<const char*>(p) + numBytes - 1);
@@ -30,26 +33,26 @@ void prefetchRecord(const void* p, std::size_t numBytes)
 
 /// The coordinates of a vertex and its link to the mesh.
 template <Cache cache = Cache::kFirst>
-void prefetchVertex(const Point3* p)
+TULO3D_ALWAYS_INLINE void prefetchVertex(const Point3* p)
 {
 	prefetchRecord<cache>(p, 3 * sizeof(double) + sizeof(Tet3*));
 }
 
 /// Null is passed over.
 template <Cache cache = Cache::kFirst>
-void prefetchTet(const Tet3* pTet)
+TULO3D_ALWAYS_INLINE void prefetchTet(const Tet3* pTet)
 {
 	if (pTet != nullptr) prefetchRecord<cache>(pTet, sizeof(Tet3));
 }
 
 template <Cache cache = Cache::kFirst>
-void prefetchNeighbours(const Tet3& tet)
+TULO3D_ALWAYS_INLINE void prefetchNeighbours(const Tet3& tet)
 {
 	for (int i = 0; i < 4; ++i) prefetchTet<cache>(tet.getOppTet(i));
 }
 
 template <Cache cache = Cache::kFirst>
-void prefetchCorners(const Tet3& tet)
+TULO3D_ALWAYS_INLINE void prefetchCorners(const Tet3& tet)
 {
 	for (int i = 0; i < 4; ++i) prefetchVertex<cache>(tet.getCorner(i));
 }
