@@ -2,6 +2,7 @@
 // A curve for points that the nine levels of the vertex store do not tell apart.
 #include "FinerCurve.h"
 #include "KeySort.h"
+#include "Prefetch.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -11,12 +12,14 @@ namespace TULO3D {
 namespace {
 
 constexpr unsigned kLevels = 21;
+constexpr unsigned kKeyBits = 27;
 
 /// A point and its place on the finer curve.
 struct KeyedPosition
 {
-	std::uint64_t key;
+	std::uint32_t key; // the first bits of the place: they tell most points apart
 	std::uint32_t position;
+	std::uint64_t place;
 };
 
 /// A range along one axis that holds all but the outermost of the points.
@@ -67,12 +70,16 @@ std::vector<std::uint32_t> alongFinerCurve(const std::vector<const Point3*>& vPo
 
 	std::vector<KeyedPosition> vKeyed;
 	vKeyed.reserve(vPoints.size());
-	for (const Point3* p : vPoints) {
+	for (std::size_t i = 0; i < vPoints.size(); ++i) {
+		prefetchVertex(vPoints[std::min(i + kAhead, vPoints.size() - 1)]);
+		const Point3* p = vPoints[i];
 		const auto position = static_cast<std::uint32_t>(vKeyed.size());
-		vKeyed.push_back(
-		    {cell(p->x(), x) << 2U | cell(p->y(), y) << 1U | cell(p->z(), z), position});
+		const std::uint64_t place = cell(p->x(), x) << 2U | cell(p->y(), y) << 1U | cell(p->z(), z);
+		const auto key = static_cast<std::uint32_t>(place >> (3 * kLevels - kKeyBits));
+		vKeyed.push_back({key, position, place});
 	}
-	sortByKey(vKeyed, 3 * kLevels);
+	sortByKey(vKeyed, kKeyBits,
+	    [](const KeyedPosition& a, const KeyedPosition& b) { return a.place < b.place; });
 	std::vector<std::uint32_t> vAlong;
 	vAlong.reserve(vKeyed.size());
 	for (const KeyedPosition& keyed : vKeyed) vAlong.push_back(keyed.position);

@@ -204,7 +204,6 @@ void HC3::insertPoints(const std::vector<Point3>& vPoints, std::vector<Point3*>&
 	vUserHandles.resize(siz);
 	vNewVertices.reserve(vNewVertices.size() + siz);
 	Batch batch{vPoints, vUserHandles, vNewVertices, {}, {}, {}, {}, {}};
-	constexpr std::size_t kAhead = 16;
 	for (std::size_t i = 0; i < siz;) {
 		const std::uint32_t key = vHIndexIndexPair[i].key;
 		batch.vCell.clear();
@@ -233,8 +232,12 @@ void HC3::createVertices(Batch& batch)
 	std::vector<const Point3*> vPoints;
 	vPoints.reserve(vNew.size());
 	for (const std::uint32_t i : vNew) vPoints.push_back(&batch.vPoints[i]);
-	for (const std::uint32_t n : alongFinerCurve(vPoints)) {
-		batch.vUserHandles[vNew[n]] = createVertex(*vPoints[n]);
+	const std::vector<std::uint32_t> vAlong = alongFinerCurve(vPoints);
+	for (std::size_t i = 0; i < vAlong.size(); ++i) {
+		const std::uint32_t later = vAlong[std::min(i + kAhead, vAlong.size() - 1)];
+		prefetchVertex(vPoints[later]);
+		prefetch(&batch.vUserHandles[vNew[later]]);
+		batch.vUserHandles[vNew[vAlong[i]]] = createVertex(*vPoints[vAlong[i]]);
 	}
 	pNewest = batch.vUserHandles[vNew.back()];
 }
@@ -262,8 +265,13 @@ void HC3::insertCell(std::uint32_t key, Batch& batch)
 	vSorted = batch.vCell;
 	sortByCoordinates(vSorted, vPoints);
 	batch.vNewByCoordinates.clear();
+	std::size_t numDistinct = 0;
 	for (std::size_t i = 0; i < vSorted.size(); ++i) {
+		const std::uint32_t later = vSorted[std::min(i + kAhead, vSorted.size() - 1)];
+		prefetchVertex(&vPoints[later]);
+		prefetch(&vUserHandles[later]);
 		if (isEqualToPrevious(i)) continue;
+		++numDistinct;
 		const std::uint32_t position = vSorted[i];
 		vUserHandles[position] = findVertex(key, vPoints[position]);
 		if (vUserHandles[position] == nullptr) batch.vNewByCoordinates.push_back(position);
@@ -283,6 +291,7 @@ void HC3::insertCell(std::uint32_t key, Batch& batch)
 	for (const std::uint32_t position : batch.vNewByCoordinates) {
 		batch.newItems.append(createItem(key, vUserHandles[position]));
 	}
+	if (numDistinct == vSorted.size()) return;
 	for (std::size_t i = 1; i < vSorted.size(); ++i) {
 		if (isEqualToPrevious(i)) vUserHandles[vSorted[i]] = vUserHandles[vSorted[i - 1]];
 	}

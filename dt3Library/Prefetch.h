@@ -12,6 +12,9 @@ namespace TULO3D {
 /// The first cache is for what comes next, the second one for what waits among much else.
 enum class Cache { kFirst, kSecond };
 
+/// So many places before its turn, in a loop that reads records here and there.
+constexpr std::size_t kAhead = 16;
+
 // All of these are drawn into their callers: a function that does nothing but prefetch has no effect
 // that gcc knows of, and a call of it may be left out.
 
