@@ -15,6 +15,7 @@
 #include <iostream>
 #include <limits>
 #include <new>
+#include <utility>
 
 namespace TULO3D {
 
@@ -216,7 +217,7 @@ void HC3::insertPoints(const std::vector<Point3>& vPoints, std::vector<Point3*>&
 		}
 		insertCell(key, batch);
 	}
-	items.merge(batch.newItems);
+	items.merge(std::move(batch.newItems));
 }
 
 void HC3::createVertices(Batch& batch)

@@ -4,6 +4,7 @@
 #include "ArdoTest3.h"
 #include "FacetLanes.h"
 #include "Prefetch.h"
+#include "StartFinder.h"
 #include "vectors.h"
 
 #include <cfloat>
@@ -23,6 +24,7 @@ void Scout::setOut(Claims claim, std::size_t i, const StartFinder& startFinder)
 
 void Scout::startIn(Tet3* pEnd, Claims claim, const Point3& vtx)
 {
+	giveUp(); // what an exception has left
 	myClaim = claim;
 	pVtx = &vtx;
 	pTet = pEnd;
@@ -41,7 +43,9 @@ void Scout::advance(const BatchTests& tests, const ArdoTest3& predicates)
 	switch (step) {
 	case Step::kLookUp:
 		near = pFinder->neighbours(position);
-		for (const Point3* p : near) prefetchVertex<Cache::kSecond>(p);
+		for (const Point3* p : near) {
+			if (p != nullptr) prefetchVertex<Cache::kSecond>(p);
+		}
 		step = Step::kChooseVertex;
 		return;
 	case Step::kChooseVertex:

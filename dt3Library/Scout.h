@@ -6,7 +6,6 @@
 #include "NeighbourSpheres.h"
 #include "Point3.h"
 #include "ScratchArray.h"
-#include "StartFinder.h"
 #include "Tet3.h"
 
 #include <array>
@@ -17,6 +16,7 @@
 namespace TULO3D {
 
 class ArdoTest3;
+class StartFinder;
 
 /// The way of one vertex to its place in the mesh, and its cavity there.
 ///

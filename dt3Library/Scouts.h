@@ -5,13 +5,13 @@
 #include "InsertionOrder.h"
 #include "NeighbourSpheres.h"
 #include "Scout.h"
-#include "StartFinder.h"
 
 #include <cstddef>
 
 namespace TULO3D {
 
 class ArdoTest3;
+class StartFinder;
 
 /// A row of scouts, one for each of the next vertices.
 class Scouts

@@ -107,7 +107,7 @@ void VertexItems::append(IdxVtx* pItem)
 	++numItems;
 }
 
-void VertexItems::merge(VertexItems& others)
+void VertexItems::merge(VertexItems&& others)
 {
 	if (numItems == 0) return swap(others);
 	std::vector<IdxVtx*> vNew;

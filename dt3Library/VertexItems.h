@@ -70,7 +70,7 @@ public:
 	void append(IdxVtx* pItem);
 
 	/// Inserts all items of `others`, none of which is equivalent to any in the set.
-	void merge(VertexItems& others);
+	void merge(VertexItems&& others);
 
 	/// Replaces all items by these, which are sorted.
 	void assign(const std::vector<IdxVtx*>& vSorted);

@@ -187,7 +187,8 @@ public:
 	/// A mark for traversals. The engine expects it to be false whenever it is called.
 	bool hasBeenVisited;
 
-	/// The label of the next tetrahedron made in this process; only for printing.
+	/// The label of the next tetrahedron made in this process. Labels are for printing, and tell how old
+	/// a tetrahedron is.
 	static int runningLabel;
 
 private:
@@ -223,7 +224,7 @@ private:
 	/// The first index of `pT`, which may be null, among the neighbours. Ends the process when it is none.
 	int searchNeighbour(const Tet3* pT) const;
 
-	std::uint16_t claims; // of the scouts, while a batch is on its way in
+	std::uint16_t claims; // of the scouts, while vertices are on their way in
 	int label;
 	Point3* aVertexPointer[4];
 	Tet3* aNeighbours[4];
