@@ -256,9 +256,9 @@ private:
 	ScratchArray<CavityTet> vCavityStack;
 	ScratchArray<CavityFacet> vCavityFacets;
 	FlatWitness flatWitness;
-	std::size_t numFacetTests = 0; ///< made by walks, since somebody has last looked
-	StarLinker star;               ///< what the current insertion makes
-	Scout loneScout;
+	std::size_t numFacetTests = 0;  ///< made by walks, since somebody has last looked
+	StarLinker star;                ///< what the current insertion makes
+	Scout loneScout;                ///< for cold cavities
 	Scout::Claims claimsOfDead = 0; ///< since somebody has last looked
 	CollisionIndex collisionIndex;  ///< finds the partner in a long vHashCollisions
 	Rand15 watchdogRandom;

@@ -12,8 +12,8 @@ namespace TULO3D {
 
 namespace {
 
-/// A tetrahedron that was made before so many others was last seen some thousand insertions ago, and
-/// what lies around it as well: it is hardly in the cache any more.
+/// A tetrahedron that was made before so many others is some three hundred insertions old, and nothing
+/// has changed around its corner since: hardly any of it is in the cache.
 constexpr unsigned kColdAge = 1U << 13U;
 
 } // namespace
