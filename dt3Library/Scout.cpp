@@ -33,8 +33,15 @@ void Scout::startFrom(Tet3* pEnd, Claims claim, const Point3& vtx)
 
 void Scout::giveUp()
 {
-	for (const CavityTet& found : vCavity) release(*found.pTet);
-	for (Tet3* pNeigh : vAround) release(*pNeigh);
+	// All that is claimed is next to the cavity. What has just been removed still knows its neighbours;
+	// it is claimed by nobody, and neither is what has come instead.
+	for (const CavityTet& found : vCavity) {
+		release(*found.pTet);
+		for (int i = 0; i < 4; ++i) {
+			Tet3* const pNeigh = found.pTet->getOppTet(i);
+			if (pNeigh != nullptr) release(*pNeigh);
+		}
+	}
 	rest();
 }
 
@@ -146,17 +153,14 @@ TULO3D_ALWAYS_INLINE void Scout::testNeighbours(
 		if (border.open != 0xFU) return giveUp();
 		bPositive &= (border.conflict | border.positive) == 0xFU;
 		auto joining = vCavity.writer(4);
-		auto around = vAround.writer(4);
 		for (int i = 0; i < 4; ++i) {
 			Tet3* const pNeigh = border.pNeigh[i];
 			const bool bInside = (border.conflict >> i & 1U) != 0;
 			const bool bNew = (pNeigh->claims & myClaim) == 0;
 			pNeigh->claims |= myClaim;
 			joining.pushIf(bNew & bInside, {pNeigh, border.pApex[i]});
-			around.pushIf(bNew & !bInside, pNeigh);
 		}
 		vCavity.accept(joining);
-		vAround.accept(around);
 	}
 }
 

@@ -61,7 +61,6 @@ public:
 	void rest()
 	{
 		vCavity.clear();
-		vAround.clear();
 		step = Step::kGivenUp;
 	}
 
@@ -115,7 +114,6 @@ private:
 	Tet3* pTet = nullptr;      // where the walk is
 	std::size_t numTested = 0; // of the cavity: their neighbours are known
 	ScratchArray<CavityTet> vCavity;
-	ScratchArray<Tet3*> vAround;
 };
 
 } // namespace TULO3D
