@@ -38,7 +38,7 @@ TULO3D_ALWAYS_INLINE void prefetchRecord(const void* p, std::size_t numBytes)
 template <Cache cache = Cache::kFirst>
 TULO3D_ALWAYS_INLINE void prefetchVertex(const Point3* p)
 {
-	prefetchRecord<cache>(p, 3 * sizeof(double) + sizeof(Tet3*));
+	prefetchRecord<cache>(p, 3 * sizeof(double) + sizeof(void*));
 }
 
 /// Null is passed over.
