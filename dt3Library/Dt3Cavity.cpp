@@ -153,7 +153,6 @@ Tet3* Dt3::replaceCavity(Point3* pVtx, Tet3* pStartTet)
 
 Tet3* Dt3::replaceCavity(Point3* pVtx, const Scout& scout)
 {
-	expectNothingPending();
 	swapDeadAndRecycled();
 	star.clear();
 	carveFound(scout);
@@ -162,7 +161,7 @@ Tet3* Dt3::replaceCavity(Point3* pVtx, const Scout& scout)
 
 Tet3* Dt3::replaceColdCavity(Point3* pVtx, Tet3* pStartTet)
 {
-	loneScout.startFrom(pStartTet, Scout::kLoneClaim, *pVtx);
+	loneScout.startFrom(pStartTet, *pVtx);
 	while (loneScout.isOnItsWay()) loneScout.advance(batchTests, predicates);
 	if (!loneScout.hasFound()) return replaceCavity(pVtx, pStartTet);
 	Tet3* pLastTet = replaceCavity(pVtx, loneScout);

@@ -110,6 +110,7 @@ void Dt3::triangulate(std::vector<Point3*>& vVertices, Tet3* pLastTet)
 		Point3* pVtx = vVertices[i];
 		const Scout* pScout = scouts ? &scouts->await() : nullptr;
 		if (pScout != nullptr && pScout->hasFound()) {
+			expectNothingPending();
 			pLastTet = replaceCavity(pVtx, *pScout);
 		} else {
 			if (finder) pLastTet = finder->nearestStart(i, pLastTet);

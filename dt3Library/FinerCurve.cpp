@@ -71,12 +71,11 @@ std::vector<std::uint32_t> alongFinerCurve(const std::vector<const Point3*>& vPo
 	std::vector<KeyedPosition> vKeyed;
 	vKeyed.reserve(vPoints.size());
 	for (std::size_t i = 0; i < vPoints.size(); ++i) {
-		prefetchVertex(vPoints[std::min(i + kAhead, vPoints.size() - 1)]);
+		prefetchVertex(vPoints[placeAhead(i, vPoints.size())]);
 		const Point3* p = vPoints[i];
-		const auto position = static_cast<std::uint32_t>(vKeyed.size());
 		const std::uint64_t place = cell(p->x(), x) << 2U | cell(p->y(), y) << 1U | cell(p->z(), z);
 		const auto key = static_cast<std::uint32_t>(place >> (3 * kLevels - kKeyBits));
-		vKeyed.push_back({key, position, place});
+		vKeyed.push_back({key, static_cast<std::uint32_t>(i), place});
 	}
 	sortByKey(vKeyed, kKeyBits,
 	    [](const KeyedPosition& a, const KeyedPosition& b) { return a.place < b.place; });

@@ -210,7 +210,7 @@ void HC3::insertPoints(const std::vector<Point3>& vPoints, std::vector<Point3*>&
 		batch.vCell.clear();
 		for (; i < siz && vHIndexIndexPair[i].key == key; ++i) {
 			// Along the curve they lie here and there in the input.
-			const std::uint32_t later = vHIndexIndexPair[std::min(i + kAhead, siz - 1)].position;
+			const std::uint32_t later = vHIndexIndexPair[placeAhead(i, siz)].position;
 			prefetchVertex(&vPoints[later]);
 			prefetch(&vUserHandles[later]);
 			batch.vCell.push_back(vHIndexIndexPair[i].position);
@@ -235,7 +235,7 @@ void HC3::createVertices(Batch& batch)
 	for (const std::uint32_t i : vNew) vPoints.push_back(&batch.vPoints[i]);
 	const std::vector<std::uint32_t> vAlong = alongFinerCurve(vPoints);
 	for (std::size_t i = 0; i < vAlong.size(); ++i) {
-		const std::uint32_t later = vAlong[std::min(i + kAhead, vAlong.size() - 1)];
+		const std::uint32_t later = vAlong[placeAhead(i, vAlong.size())];
 		prefetchVertex(vPoints[later]);
 		prefetch(&batch.vUserHandles[vNew[later]]);
 		batch.vUserHandles[vNew[vAlong[i]]] = createVertex(*vPoints[vAlong[i]]);
@@ -268,7 +268,7 @@ void HC3::insertCell(std::uint32_t key, Batch& batch)
 	batch.vNewByCoordinates.clear();
 	std::size_t numDistinct = 0;
 	for (std::size_t i = 0; i < vSorted.size(); ++i) {
-		const std::uint32_t later = vSorted[std::min(i + kAhead, vSorted.size() - 1)];
+		const std::uint32_t later = vSorted[placeAhead(i, vSorted.size())];
 		prefetchVertex(&vPoints[later]);
 		prefetch(&vUserHandles[later]);
 		if (isEqualToPrevious(i)) continue;

@@ -5,6 +5,7 @@
 #include "Inline.h"
 #include "Tet3.h"
 
+#include <algorithm>
 #include <cstddef>
 
 namespace TULO3D {
@@ -12,8 +13,11 @@ namespace TULO3D {
 /// The first cache is for what comes next, the second one for what waits among much else.
 enum class Cache { kFirst, kSecond };
 
-/// So many places before its turn, in a loop that reads records here and there.
-constexpr std::size_t kAhead = 16;
+/// The place to ask for at the i-th of `size`, in a loop that reads records here and there.
+inline std::size_t placeAhead(std::size_t i, std::size_t size)
+{
+	return std::min(i + 16, size - 1);
+}
 
 // All of these are drawn into their callers: a function that does nothing but prefetch has no effect
 // that gcc knows of, and a call of it may be left out.

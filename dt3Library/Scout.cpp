@@ -22,10 +22,10 @@ void Scout::setOut(Claims claim, std::size_t i, const StartFinder& startFinder)
 	step = Step::kLookUp;
 }
 
-void Scout::startFrom(Tet3* pEnd, Claims claim, const Point3& vtx)
+void Scout::startFrom(Tet3* pEnd, const Point3& vtx)
 {
 	giveUp(); // what an exception has left
-	myClaim = claim;
+	myClaim = kLoneClaim;
 	pVtx = &vtx;
 	pTet = pEnd;
 	enterCavity();

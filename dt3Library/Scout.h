@@ -40,8 +40,8 @@ public:
 
 	/// Sets out towards vertex `i` of the finder's batch. `claim` is the scout's own bit.
 	void setOut(Claims claim, std::size_t i, const StartFinder& startFinder);
-	/// Starts where the walk to `vtx` has ended.
-	void startFrom(Tet3* pEnd, Claims claim, const Point3& vtx);
+	/// Starts alone, where the walk to `vtx` has ended.
+	void startFrom(Tet3* pEnd, const Point3& vtx);
 
 	/// Takes the next step, if there is one left.
 	void advance(const BatchTests& tests, const ArdoTest3& predicates);

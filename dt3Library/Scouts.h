@@ -35,7 +35,7 @@ public:
 	void goOn(Scout::Claims disturbed);
 
 private:
-	// Enough to fill the waits; with more, the steps of the first come too late.
+	// Enough to fill the waits; with twice as many, the steps of the first come too late.
 	static constexpr std::size_t kNumScouts = 8;
 	static_assert((Scout::kLoneClaim >> kNumScouts) != 0, "a bit for each");
 	static constexpr std::size_t kTrial = 1024;
