@@ -25,6 +25,7 @@ struct CavityBorder
 {
 	Tet3* pNeigh[4];    ///< the tetrahedron itself stands in where there is none
 	Point3* pApex[4];   ///< the corners beyond the facets
+	unsigned hull;      ///< there is no neighbour
 	unsigned open;      ///< the neighbour is not visited, or there is none
 	unsigned conflict;  ///< not visited, and to join the cavity
 	unsigned undecided; ///< not visited, and the test was not certain of it
@@ -56,11 +57,11 @@ TULO3D_ALWAYS_INLINE CavityBorder lookAround(Tet3* pTet, const Point3& vtx, Test
 	CavityBorder border;
 	NeighbourBatch batch;
 	const std::uintptr_t corners = mixOfCorners(*pTet);
-	unsigned hull = 0;
+	border.hull = 0;
 	unsigned visited = 0;
 	for (int i = 0; i < 4; ++i) {
 		Tet3* pNeigh = pTet->getOppTet(i);
-		hull |= static_cast<unsigned>(pNeigh == nullptr) << i;
+		border.hull |= static_cast<unsigned>(pNeigh == nullptr) << i;
 		pNeigh = pNeigh == nullptr ? pTet : pNeigh;
 		visited |= static_cast<unsigned>(pNeigh->hasBeenVisited) << i;
 		const std::uintptr_t facet = corners ^ addressOf(pTet->getCorner(i));
@@ -71,7 +72,7 @@ TULO3D_ALWAYS_INLINE CavityBorder lookAround(Tet3* pTet, const Point3& vtx, Test
 	}
 	const NeighbourVerdicts verdicts = test(batch, vtx);
 	const unsigned toTest = ~visited & 0xFU;
-	border.open = toTest | hull;
+	border.open = toTest | border.hull;
 	border.conflict = verdicts.inside & toTest;
 	border.undecided = toTest & ~(verdicts.inside | verdicts.outside);
 	border.positive = verdicts.positive;

@@ -4,6 +4,7 @@
 
 #include "ArdoTest3.h"
 #include "CavityBorder.h"
+#include "CavitySearch.h"
 #include "CollisionIndex.h"
 #include "Edge3.h"
 #include "HC3.h"
@@ -259,6 +260,7 @@ private:
 	std::size_t numFacetTests = 0;  ///< made by walks, since somebody has last looked
 	StarLinker star;                ///< what the current insertion makes
 	Scout loneScout;                ///< for cold cavities
+	CavitySearch cavitySearch;      ///< of the lone scout
 	Scout::Claims claimsOfDead = 0; ///< since somebody has last looked
 	CollisionIndex collisionIndex;  ///< finds the partner in a long vHashCollisions
 	Rand15 watchdogRandom;

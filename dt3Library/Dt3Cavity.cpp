@@ -161,8 +161,8 @@ Tet3* Dt3::replaceCavity(Point3* pVtx, const Scout& scout)
 
 Tet3* Dt3::replaceColdCavity(Point3* pVtx, Tet3* pStartTet)
 {
-	loneScout.startFrom(pStartTet, *pVtx);
-	while (loneScout.isOnItsWay()) loneScout.advance(batchTests, predicates);
+	loneScout.enter(Scout::kLoneClaim, *pVtx, pStartTet);
+	cavitySearch.run(&loneScout, 1, batchTests, predicates);
 	if (!loneScout.hasFound()) return replaceCavity(pVtx, pStartTet);
 	Tet3* pLastTet = replaceCavity(pVtx, loneScout);
 	loneScout.rest();

@@ -108,7 +108,7 @@ void Dt3::triangulate(std::vector<Point3*>& vVertices, Tet3* pLastTet)
 		const std::uint32_t i = *order;
 		++order;
 		Point3* pVtx = vVertices[i];
-		const Scout* pScout = scouts ? &scouts->await() : nullptr;
+		const Scout* pScout = scouts ? &scouts->next() : nullptr;
 		if (pScout != nullptr && pScout->hasFound()) {
 			expectNothingPending();
 			pLastTet = replaceCavity(pVtx, *pScout);

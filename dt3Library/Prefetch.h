@@ -19,14 +19,12 @@ inline std::size_t placeAhead(std::size_t i, std::size_t size)
 	return std::min(i + 16, size - 1);
 }
 
-// All of these are drawn into their callers: a function that does nothing but prefetch has no effect
-// that gcc knows of, and a call of it may be left out.
-
 template <Cache cache = Cache::kFirst>
 TULO3D_ALWAYS_INLINE void prefetch([[maybe_unused]] const void* p)
 {
 #if defined(__GNUC__)
 	__builtin_prefetch(p, 0, cache == Cache::kFirst ? 3 : 2);
+	__asm__ volatile(""); // else gcc leaves out calls of functions that do nothing but prefetch
 #endif
 }
 

@@ -2,10 +2,12 @@
 // Cavities that are found ahead of their insertion, several at a time.
 #pragma once
 
+#include "CavitySearch.h"
 #include "InsertionOrder.h"
 #include "NeighbourSpheres.h"
 #include "Scout.h"
 
+#include <array>
 #include <cstddef>
 
 namespace TULO3D {
@@ -14,6 +16,9 @@ class ArdoTest3;
 class StartFinder;
 
 /// A row of scouts, one for each of the next vertices.
+///
+/// They go out together and take their steps in turn; meanwhile the mesh rests. Each step asks the memory
+/// for what the next one looks at, so that nobody waits: while it answers one, the others step.
 class Scouts
 {
 public:
@@ -25,7 +30,7 @@ public:
 	~Scouts();
 
 	/// The scout of the next vertex, which has found its cavity or given up.
-	const Scout& await();
+	const Scout& next();
 
 	/// False when of the last thousand or so hardly any has found its cavity: the points lie on the hull,
 	/// or in planes and spheres with one another.
@@ -35,24 +40,40 @@ public:
 	void goOn(Scout::Claims disturbed);
 
 private:
-	// Enough to fill the waits; with twice as many, the steps of the first come too late.
-	static constexpr std::size_t kNumScouts = 8;
-	static_assert((Scout::kLoneClaim >> kNumScouts) != 0, "a bit for each");
+	// Enough to fill the waits, and a bit for each.
+	static constexpr std::size_t kNumScouts = 15;
+	static_assert((Scout::kLoneClaim >> kNumScouts) != 0, "that of the lone one is another");
 	static constexpr std::size_t kTrial = 1024;
 
-	/// Sends the scout in this place of the row to the vertex behind those of all the others, if there is
-	/// one.
-	void send(std::size_t place);
+	/// The way of a scout to the tetrahedron around its vertex.
+	struct Way
+	{
+		std::size_t place = 0;    // in the row
+		std::size_t position = 0; // of the vertex in the finder's batch
+		const Point3* pVtx = nullptr;
+		std::array<const Point3*, 2> near = {}; // on either side along the finer curve
+		Tet3* pTet = nullptr;                   // where the walk is
+		int numWalked = 0;
+	};
+
+	/// Sends a scout to each of the next vertices.
+	void sendOut();
+	/// Starts the walk; false when there is nowhere to start.
+	static bool start(Way& way);
+	/// Takes a step; false when the scout has arrived, or will not.
+	bool walk(Way& way);
 
 	const StartFinder& finder;
 	const BatchTests& tests;
 	const ArdoTest3& predicates;
-	InsertionOrder ahead;       // where the next scout goes
-	std::size_t firstPlace = 0; // in the row: the scout of the next vertex
-	std::size_t numBack = 0;    // in this trial
+	InsertionOrder ahead;    // where the next row goes
+	std::size_t numSent = 0; // in this one
+	std::size_t numIn = 0;   // of these: the vertices that are in the mesh
+	std::size_t numDone = 0; // in this trial
 	std::size_t numFound = 0;
 	bool bPays = true;
 	Scout scouts[kNumScouts];
+	CavitySearch search;
 };
 
 } // namespace TULO3D

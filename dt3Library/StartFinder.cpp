@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Offers a near start to the walk where the curve of the vertex store cannot.
 #include "StartFinder.h"
+#include "Bits.h"
 #include "FinerCurve.h"
 #include "Prefetch.h"
 #include "vectors.h"
@@ -8,32 +9,6 @@
 #include <algorithm>
 
 namespace TULO3D {
-
-namespace {
-
-unsigned lowestBit(std::uint64_t word)
-{
-	unsigned n = 0;
-	for (unsigned half = 32; half > 0; half /= 2) {
-		const std::uint64_t low = word & ((std::uint64_t{1} << half) - 1);
-		if (low == 0) n += half;
-		word = low == 0 ? word >> half : low;
-	}
-	return n;
-}
-
-unsigned highestBit(std::uint64_t word)
-{
-	unsigned n = 0;
-	for (unsigned half = 32; half > 0; half /= 2) {
-		if (word >> half == 0) continue;
-		n += half;
-		word >>= half;
-	}
-	return n;
-}
-
-} // namespace
 
 RankSet::RankSet(std::size_t limit)
 {
