@@ -4,13 +4,16 @@
 
 Every measurement is a process of its own, pinned to one core. The libraries of a row take turns,
 forwards and backwards, and a ratio is made of two neighbouring measurements, so that a machine that
-slows down hurts both. All measurements go to a CSV file; the table shows medians.
+slows down hurts both. Before each one some memory is touched and set free again: the host of a virtual
+machine may take back what lies unused, and getting it again would be paid for by whoever comes first or
+needs more than the one before. All measurements go to a CSV file; the table shows medians.
 """
 import argparse
 import collections
 import csv
 import datetime
 import json
+import mmap
 import os
 import pathlib
 import platform
@@ -47,6 +50,7 @@ TABLE = [
 ]
 SIZES = [m * 10**e for e in range(3, 7) for m in (1, 3)] + [5 * 10**6, 10**7]
 SWEEP = [Row("build", "uniform", n, BUILDERS, None) for n in SIZES]
+BYTES_PER_POINT = 800  # what we, CGAL and their points need, and some more
 QHULL_LIMIT = 10**6  # above, Qhull needs more memory than most machines have
 
 
@@ -58,15 +62,24 @@ def machine():
     return platform.machine()
 
 
+def touch_memory(num_bytes):
+    """Leaves so much memory free that the machine really has."""
+    flags = mmap.MAP_PRIVATE | mmap.MAP_ANONYMOUS | mmap.MAP_POPULATE
+    mmap.mmap(-1, num_bytes, flags=flags).close()
+
+
 def measure(options, row, library, cpu_limit=None):
     """One measurement as a dictionary; None when the library fails or takes too long."""
+    num_points = max(1000, int(row.n * options.scale))
     command = ["taskset", "-c", str(options.core), options.bench, "--library", library,
                "--operation", row.operation, "--seed", str(options.seed),
                "--repeat", str(row.repeat)]
     if row.workload == "FILE":
         command += ["--file", options.file]
     else:
-        command += ["--workload", row.workload, "--n", str(max(1000, int(row.n * options.scale)))]
+        command += ["--workload", row.workload, "--n", str(num_points)]
+
+    touch_memory(max(BYTES_PER_POINT * num_points, 1 << 30))
 
     def limit():
         if cpu_limit:
