@@ -1,41 +1,37 @@
 // SPDX-License-Identifier: MIT
-// Where the bits of a word are.
+// Where the bits of a word are, without a branch.
 #pragma once
 
+#include <array>
+#include <cstddef>
 #include <cstdint>
 
 namespace TULO3D {
 
+/// Any six bits in a row are others in this sequence, so a shift of it tells by its first six how far
+/// it goes.
+///
+/// C. E. Leiserson, H. Prokop, K. H. Randall: Using de Bruijn Sequences to Index a 1 in a Computer Word,
+/// 1998.
+inline constexpr std::uint64_t kDeBruijn = 0x022fdd63cc95386d;
+
+inline constexpr auto kShiftOf = [] {
+	std::array<std::uint8_t, 64> shiftOf{};
+	for (unsigned n = 0; n < 64; ++n) shiftOf[kDeBruijn << n >> 58U] = static_cast<std::uint8_t>(n);
+	return shiftOf;
+}();
+
 /// The number of the lowest bit that is set in `word`, which must not be zero.
 inline unsigned lowestBit(std::uint64_t word)
 {
-#if defined(__GNUC__)
-	return static_cast<unsigned>(__builtin_ctzll(word));
-#else
-	unsigned n = 0;
-	for (unsigned half = 32; half > 0; half /= 2) {
-		const std::uint64_t low = word & ((std::uint64_t{1} << half) - 1);
-		if (low == 0) n += half;
-		word = low == 0 ? word >> half : low;
-	}
-	return n;
-#endif
+	return kShiftOf[static_cast<std::size_t>(kDeBruijn * (word & (0 - word)) >> 58U)];
 }
 
 /// The number of the highest bit that is set in `word`, which must not be zero.
 inline unsigned highestBit(std::uint64_t word)
 {
-#if defined(__GNUC__)
-	return 63U - static_cast<unsigned>(__builtin_clzll(word));
-#else
-	unsigned n = 0;
-	for (unsigned half = 32; half > 0; half /= 2) {
-		if (word >> half == 0) continue;
-		n += half;
-		word >>= half;
-	}
-	return n;
-#endif
+	for (unsigned n = 1; n < 64; n *= 2) word |= word >> n; // and all below
+	return lowestBit(word - word / 2);
 }
 
 } // namespace TULO3D

@@ -1,8 +1,12 @@
 // SPDX-License-Identifier: MIT
 // The walk ends where a search of all tetrahedra says it must, from wherever it starts.
 #include "Dt3.h"
+#include "StartFinder.h"
 #include "oracle.h"
 #include "support.h"
+
+#include <iterator>
+#include <set>
 
 using namespace TULO3D;
 using points::Cloud;
@@ -132,4 +136,24 @@ TEST(Locate, WatchdogStopsALongWalkAndPersistenceFinishesIt)
 	for (int walk = 0; walk < 100 && result == -99; ++walk)
 		result = mesh.engine.locateConflictTet(&top, pTet);
 	EXPECT_TRUE(result == -1 && placeIn(pTet, top) >= 1 && pFound != nullptr);
+}
+
+TEST(Locate, RanksOnEitherSideAreThoseOfAnOrderedSet)
+{
+	// A wrong one would only make a walk longer.
+	points::Random random(5);
+	for (const int limit : {1, 64, 65, 4096, 300000}) {
+		RankSet ranks(static_cast<std::size_t>(limit));
+		std::set<std::size_t> expected;
+		for (int n = 0; n < 3000; ++n) {
+			const auto rank = static_cast<std::size_t>(random.below(limit));
+			const auto itAbove = expected.upper_bound(rank);
+			const auto itAt = expected.lower_bound(rank);
+			EXPECT_EQ(ranks.above(rank), itAbove == expected.end() ? RankSet::kNone : *itAbove);
+			EXPECT_EQ(
+			    ranks.below(rank), itAt == expected.begin() ? RankSet::kNone : *std::prev(itAt));
+			ranks.add(rank);
+			expected.insert(rank);
+		}
+	}
 }
