@@ -8,8 +8,7 @@
 
 namespace TULO3D {
 
-/// Any six bits in a row are others in this sequence, so a shift of it tells by its first six how far
-/// it goes.
+/// No six bits in a row occur twice in this word; so after a shift by n its first six tell n.
 ///
 /// C. E. Leiserson, H. Prokop, K. H. Randall: Using de Bruijn Sequences to Index a 1 in a Computer Word,
 /// 1998.

@@ -48,9 +48,9 @@ inline std::uintptr_t mixOfCorners(const Tet3& tet)
 	    addressOf(tet.getCorner(3));
 }
 
-/// Looks around pTet, which is visited. `test` is a NeighbourTest, or a part of one that may be less
-/// certain; it is asked about all four neighbours, whether they exist and are of interest or not:
-/// that is cheaper than to guess.
+/// Looks around pTet. `test` is a NeighbourTest, or a part of one that may be less certain; it is asked
+/// about all four neighbours, whether they exist and are of interest or not: that is cheaper than to
+/// guess.
 template <typename Test>
 TULO3D_ALWAYS_INLINE CavityBorder lookAround(Tet3* pTet, const Point3& vtx, Test test)
 {
@@ -71,7 +71,7 @@ TULO3D_ALWAYS_INLINE CavityBorder lookAround(Tet3* pTet, const Point3& vtx, Test
 		batch.opposite[i] = border.pApex[i];
 	}
 	const NeighbourVerdicts verdicts = test(batch, vtx);
-	const unsigned toTest = ~visited & 0xFU;
+	const unsigned toTest = ~(visited | border.hull) & 0xFU;
 	border.open = toTest | border.hull;
 	border.conflict = verdicts.inside & toTest;
 	border.undecided = toTest & ~(verdicts.inside | verdicts.outside);

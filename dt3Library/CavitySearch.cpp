@@ -56,7 +56,7 @@ TULO3D_ALWAYS_INLINE void CavitySearch::testNeighbours(
 		const CavityBorder border = lookAround<Lanes>(pTet, *pScout->pVtx, tests, predicates);
 		// What comes in from beyond the hull would remove nothing that is claimed. Once all neighbours are
 		// there, no facet of a claimed tetrahedron comes to the hull again. What is visited bears a mark that
-		// a host has left: the insertion itself refuses it.
+		// a host has left: what comes of it is left to the insertion.
 		if ((border.open & ~border.hull) != 0xFU) {
 			pScout->giveUp();
 			continue;

@@ -15,14 +15,14 @@ class Tet3;
 
 /// Finds the cavities of scouts that have entered theirs, of all at once and breadth first.
 ///
-/// In each round the memory is asked for all that surrounds the new tetrahedra, then for the corners
-/// beyond, before any of this is looked at: so nobody waits for one cache line after the other. And all
-/// go through the same loops, which thereby are long: a short one of each scout's own would end where
-/// the CPU does not expect it.
+/// In each round the memory is asked for all that surrounds the new tetrahedra; then that is read once,
+/// to ask for the corners beyond; only then is anything tested. So nobody waits for one cache line after
+/// the other. And all go through the same loops, which thereby are long: a short one of each scout's own
+/// would end where the CPU does not expect it.
 class CavitySearch
 {
 public:
-	/// A scout near the hull gives up; afterwards the others have found their cavities.
+	/// Scouts that meet the hull or a mark give up; the others have then found their cavities.
 	void run(
 	    Scout* pFirst, std::size_t count, const BatchTests& tests, const ArdoTest3& predicates);
 

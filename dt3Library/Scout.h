@@ -45,7 +45,7 @@ public:
 		bInside = false;
 	}
 
-	/// The scout has not given up. Once its search has ended, all the rest is known:
+	/// After the search: the scout has its cavity, and the following is known.
 	bool hasFound() const { return bInside; }
 
 	/// What is in conflict with the vertex, first the tetrahedron around it.

@@ -50,7 +50,7 @@ void Scouts::sendOut()
 		std::size_t numLeft = 0;
 		for (std::size_t i = 0; i < numOut; ++i) {
 			ways[numLeft] = ways[i];
-			numLeft += walk(ways[numLeft]);
+			numLeft += takeStep(ways[numLeft]);
 		}
 		numOut = numLeft;
 	}
@@ -68,7 +68,7 @@ bool Scouts::start(Way& way)
 	return way.pTet != nullptr;
 }
 
-bool Scouts::walk(Way& way)
+bool Scouts::takeStep(Way& way)
 {
 	constexpr int kMaxWalked = 100; // among cospherical vertices the walk need not end at all
 	const Tet3& tet = *way.pTet;
@@ -80,7 +80,7 @@ bool Scouts::walk(Way& way)
 		prefetchTet<Cache::kSecond>(way.pTet);
 		return way.pTet != nullptr && ++way.numWalked <= kMaxWalked;
 	}
-	// Visited: a mark that a host has left; the insertion itself refuses it.
+	// Visited: a mark that a host has left. What comes of it is left to the insertion.
 	if (sides.positive == 0xFU && !tet.hasBeenVisited) {
 		scouts[way.place].enter(static_cast<Scout::Claims>(1U << way.place), *way.pVtx, way.pTet);
 	}

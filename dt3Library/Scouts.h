@@ -51,7 +51,7 @@ private:
 		std::size_t place = 0;    // in the row
 		std::size_t position = 0; // of the vertex in the finder's batch
 		const Point3* pVtx = nullptr;
-		std::array<const Point3*, 2> near = {}; // on either side along the finer curve
+		std::array<const Point3*, 2> near = {}; // in the mesh, on either side along the finer curve
 		Tet3* pTet = nullptr;                   // where the walk is
 		int numWalked = 0;
 	};
@@ -60,8 +60,8 @@ private:
 	void sendOut();
 	/// Starts the walk; false when there is nowhere to start.
 	static bool start(Way& way);
-	/// Takes a step; false when the scout has arrived, or will not.
-	bool walk(Way& way);
+	/// To the next tetrahedron; false when the scout has arrived, or will not.
+	bool takeStep(Way& way);
 
 	const StartFinder& finder;
 	const BatchTests& tests;
