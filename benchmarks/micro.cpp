@@ -158,6 +158,13 @@ void insphereFast(State& state, Kind kind)
 	    [](const Case& c) { return kPredicates.insphereFast(c[0], c[1], c[2], c[3], c[4]).det; });
 }
 
+void insphereDoubleDouble(State& state, Kind kind)
+{
+	overCases(state, kind, [](const Case& c) {
+		return TULO3D::insphereDoubleDouble(c[0], c[1], c[2], c[3], c[4], 1.0).det;
+	});
+}
+
 void insphereStageB(State& state, Kind kind)
 {
 	overCases(state, kind, [](const Case& c) {
@@ -220,6 +227,7 @@ BENCHMARK_CAPTURE(orientFast, random, Kind::kRandom);
 BENCHMARK_CAPTURE(orientStageB, random, Kind::kRandom);
 BENCHMARK_CAPTURE(orientExact, random, Kind::kRandom);
 BENCHMARK_CAPTURE(insphereFast, random, Kind::kRandom);
+BENCHMARK_KINDS(insphereDoubleDouble);
 BENCHMARK_KINDS(insphereStageB);
 BENCHMARK_KINDS(insphereExact);
 BENCHMARK_KINDS(insphereTest);
@@ -315,15 +323,22 @@ void walkAcross(State& state)
 }
 BENCHMARK(walkAcross)->Arg(1000)->Arg(100000);
 
-/// All facets around a new vertex of ordinary size: 28 tetrahedra, offered to the table of pending
-/// halves.
-void linkStar(State& state)
+/// What links the tetrahedra of a star: the table of directed edges, or, where that is too small, the
+/// one of pending halves.
+enum class Linker { kEdges, kHalves };
+
+/// All facets around a new vertex with an ordinary number of tetrahedra, 28.
+void linkStar(State& state, Linker linker)
 {
 	constexpr int kRing = 14;
 	std::vector<Point3> vVertices(kRing + 3); // two poles, the ring, the vertex itself
 	for (int i = 0; i < kRing; ++i) {
 		const double angle = 6.283185307179586 * i / kRing;
 		vVertices[static_cast<std::size_t>(i) + 3] = Point3(std::cos(angle), std::sin(angle), 0);
+	}
+	std::vector<Point3*> vCorners; // all but the vertex itself
+	for (std::size_t i = 0; i < vVertices.size(); ++i) {
+		if (i != 2) vCorners.push_back(&vVertices[i]);
 	}
 	TetRecords records(2 * kRing);
 	const auto ring = [&](int i) { return &vVertices[static_cast<std::size_t>(i % kRing) + 3]; };
@@ -335,15 +350,25 @@ void linkStar(State& state)
 		}
 	}
 	Dt3 engine(nullptr);
+	const auto pStar = std::make_unique<StarLinker>();
+	bool bCloses = true;
 	for (auto _ : state) {
-		for (Tet3* pTet : records.vTets) engine.offerInnerFacets(pTet);
-		engine.flushHashCollisions();
-		engine.twoTetPool.reset();
+		if (linker == Linker::kEdges) {
+			pStar->clear();
+			for (Tet3* pTet : records.vTets) pStar->vTets.add(pTet);
+			for (Point3* pVtx : vCorners) pStar->vCorners.add(pVtx);
+			bCloses &= pStar->linkClosed();
+		} else {
+			for (Tet3* pTet : records.vTets) engine.offerInnerFacets(pTet);
+			engine.flushHashCollisions();
+			engine.twoTetPool.reset();
+		}
 	}
-	if (engine.numStoredTCS != 0) state.SkipWithError("the star did not close");
+	if (!bCloses || engine.numStoredTCS != 0) state.SkipWithError("the star did not close");
 	state.SetItemsProcessed(state.iterations() * 3 * kRing);
 }
-BENCHMARK(linkStar);
+BENCHMARK_CAPTURE(linkStar, edges, Linker::kEdges);
+BENCHMARK_CAPTURE(linkStar, halves, Linker::kHalves);
 
 } // namespace
 
