@@ -40,12 +40,20 @@ inline std::uintptr_t addressOf(const Point3* p)
 	return reinterpret_cast<std::uintptr_t>(p);
 }
 
-/// The exclusive or of the corners' addresses. When the three of a facet drop out of it, the fourth
-/// is left: it is there at once, where a search would guess wrong three times in four.
+/// The exclusive or of the corners' addresses.
 inline std::uintptr_t mixOfCorners(const Tet3& tet)
 {
 	return addressOf(tet.getCorner(0)) ^ addressOf(tet.getCorner(1)) ^ addressOf(tet.getCorner(2)) ^
 	    addressOf(tet.getCorner(3));
+}
+
+/// The corner of `neigh` beyond facet i of `tet`, whose mix of corners is given. When those of the facet
+/// drop out of both mixes, it is left: it is there at once, where a search would guess wrong three times
+/// in four.
+inline Point3* apexBeyond(const Tet3& tet, std::uintptr_t mix, int i, const Tet3& neigh)
+{
+	const std::uintptr_t facet = mix ^ addressOf(tet.getCorner(i));
+	return reinterpret_cast<Point3*>(facet ^ mixOfCorners(neigh));
 }
 
 /// Looks around pTet. `test` is a NeighbourTest, or a part of one that may be less certain; it is asked
@@ -56,7 +64,7 @@ TULO3D_ALWAYS_INLINE CavityBorder lookAround(Tet3* pTet, const Point3& vtx, Test
 {
 	CavityBorder border;
 	NeighbourBatch batch;
-	const std::uintptr_t corners = mixOfCorners(*pTet);
+	const std::uintptr_t mix = mixOfCorners(*pTet);
 	border.hull = 0;
 	unsigned visited = 0;
 	for (int i = 0; i < 4; ++i) {
@@ -64,9 +72,8 @@ TULO3D_ALWAYS_INLINE CavityBorder lookAround(Tet3* pTet, const Point3& vtx, Test
 		border.hull |= static_cast<unsigned>(pNeigh == nullptr) << i;
 		pNeigh = pNeigh == nullptr ? pTet : pNeigh;
 		visited |= static_cast<unsigned>(pNeigh->hasBeenVisited) << i;
-		const std::uintptr_t facet = corners ^ addressOf(pTet->getCorner(i));
 		border.pNeigh[i] = pNeigh;
-		border.pApex[i] = reinterpret_cast<Point3*>(facet ^ mixOfCorners(*pNeigh));
+		border.pApex[i] = apexBeyond(*pTet, mix, i, *pNeigh);
 		batch.corner[i] = pTet->getCorner(i);
 		batch.opposite[i] = border.pApex[i];
 	}

@@ -15,13 +15,10 @@ namespace {
 /// The corners beyond the facets.
 void prefetchApices(const Tet3& tet)
 {
-	const std::uintptr_t corners = mixOfCorners(tet);
+	const std::uintptr_t mix = mixOfCorners(tet);
 	for (int i = 0; i < 4; ++i) {
 		const Tet3* pNeigh = tet.getOppTet(i);
-		if (pNeigh == nullptr) continue;
-		const std::uintptr_t facet = corners ^ addressOf(tet.getCorner(i));
-		prefetchVertex<Cache::kSecond>(
-		    reinterpret_cast<const Point3*>(facet ^ mixOfCorners(*pNeigh)));
+		if (pNeigh != nullptr) prefetchVertex<Cache::kSecond>(apexBeyond(tet, mix, i, *pNeigh));
 	}
 }
 
