@@ -78,7 +78,7 @@ ArdoTest3::FastStage ArdoTest3::insphereFast(
 	    (daAbs * cezAbs + acAbs * dezAbs + cdAbs * aezAbs) * blift +
 	    (abAbs * dezAbs + bdAbs * aezAbs + daAbs * bezAbs) * clift +
 	    (bcAbs * aezAbs + acAbs * bezAbs + abAbs * cezAbs) * dlift;
-	return {det, permanent, isperrboundA * permanent + ispLost};
+	return {det, permanent, isperrboundA * permanent + kLostInInsphere};
 }
 
 SphereInclusion ArdoTest3::sphereInclusionTest(const Tet3* pT, const Point3* pVtx) const
@@ -89,18 +89,24 @@ SphereInclusion ArdoTest3::sphereInclusionTest(const Tet3* pT, const Point3* pVt
 	return fast.det > 0.0 ? SIC_OUTSIDE : SIC_INSIDE;
 }
 
-void ArdoTest3::expectUnderflow()
-{
-	bUnderflow = true;
-	o3dLost = kLostInOrient3d;
-	ispLost = kLostInInsphere;
-}
-
 Orientation3 ArdoTest3::orientationInDoubt(
     const Point3& a, const Point3& b, const Point3& c, const Point3& d, double permanent) const
 {
-	const bool bTiny =
-	    bUnderflow && (mayUnderflow(a) || mayUnderflow(b) || mayUnderflow(c) || mayUnderflow(d));
+	// On a lattice nearly all doubt is about points in a plane across an axis. Not a branch for each axis:
+	// which of them it is cannot be predicted.
+	const auto areEqual = [](double p, double q, double r, double s) {
+		return std::abs(p - s) + std::abs(q - s) + std::abs(r - s) == 0.0;
+	};
+	const bool bAcross = areEqual(a.x(), b.x(), c.x(), d.x()) |
+	    areEqual(a.y(), b.y(), c.y(), d.y()) | areEqual(a.z(), b.z(), c.z(), d.z());
+	return bAcross ? ORIENTATION3_COPLANAR : exactOrientation(a, b, c, d, permanent);
+}
+
+Orientation3 ArdoTest3::exactOrientation(
+    const Point3& a, const Point3& b, const Point3& c, const Point3& d, double permanent) const
+{
+	const bool bTiny = mayUnderflow(a, b, c, d);
+	if (!bTiny && permanent == 0.0) return ORIENTATION3_COPLANAR; // every product is zero
 	const double det = bTiny ? orient3dSignDespiteUnderflow(a, b, c, d)
 	                         : orient3dAdapt(*this, a, b, c, d, permanent);
 	if (det < 0.0) return ORIENTATION3_POSITIVE;
@@ -112,12 +118,10 @@ SphereInclusion ArdoTest3::inclusionInDoubt(
 {
 	const Point3 &a = *tet.getCorner(0), &b = *tet.getCorner(1), &c = *tet.getCorner(2),
 	             &d = *tet.getCorner(3);
-	if (bUnderflow && tet.hasVertex(q)) return SIC_INSIDE; // as if there were no allowance
-	if (tet.hasVertex(&q)) return SIC_VERTEX;
-	if (bUnderflow &&
-	    (mayUnderflow(a) || mayUnderflow(b) || mayUnderflow(c) || mayUnderflow(d) ||
-	        mayUnderflow(q)))
-		return insphereSignDespiteUnderflow(a, b, c, d, q) < 0 ? SIC_INSIDE : SIC_OUTSIDE;
+	const bool bTiny = mayUnderflow(a, b, c, d, q);
+	// The coordinates of a corner make every product zero, which is no case of doubt.
+	if (bTiny ? tet.hasVertex(q) : permanent == 0.0) return SIC_INSIDE;
+	if (bTiny) return insphereSignDespiteUnderflow(a, b, c, d, q) < 0 ? SIC_INSIDE : SIC_OUTSIDE;
 	// Deliberate: the code 2 of an exact zero counts as outside, so cospherical points never conflict.
 	return insphereAdapt(*this, a, b, c, d, q, permanent) > 0 ? SIC_OUTSIDE : SIC_INSIDE;
 }

@@ -6,6 +6,7 @@
 #include "Point3.h"
 #include "Tet3.h"
 #include "TetIndices.h"
+#include "Underflow.h"
 #include "tools.h"
 
 #include <cmath>
@@ -20,6 +21,7 @@ enum Orientation3 {
 	ORIENTATION3_COPLANAR = 2
 };
 
+/// SIC_VERTEX is reserved: a query that is a corner makes all products zero, so the fast stage is certain.
 enum SphereInclusion { SIC_INSIDE = 0, SIC_OUTSIDE = 1, SIC_VERTEX = 2 };
 
 /// Exact orientation and in-sphere tests.
@@ -47,11 +49,6 @@ public:
 	/// Deliberate: a point exactly on the sphere is SIC_OUTSIDE, so cospherical points are never in
 	/// conflict; a point with exactly the coordinates of a corner is SIC_INSIDE.
 	SphereInclusion sphereInclusionTest(const Tet3* pT, const Point3* pVtx) const;
-
-	/// To be called before a coordinate comes for which mayUnderflow holds: from now on the bounds of
-	/// the fast stages allow for lost products.
-	void expectUnderflow();
-	bool expectsUnderflow() const { return bUnderflow; }
 
 	/// The name of an orientation as the tetrahedron's print has it.
 	static std::string getOrientationName(Orientation3 orientation);
@@ -82,9 +79,9 @@ public:
 	double isperrboundA, isperrboundB, isperrboundC;
 
 private:
-	bool bUnderflow = false;
-	double o3dLost = 0.0, ispLost = 0.0; ///< a part of the fast stages' bounds
 	Orientation3 orientationInDoubt(
+	    const Point3& a, const Point3& b, const Point3& c, const Point3& d, double permanent) const;
+	Orientation3 exactOrientation(
 	    const Point3& a, const Point3& b, const Point3& c, const Point3& d, double permanent) const;
 	SphereInclusion inclusionInDoubt(const Tet3& tet, const Point3& q, double permanent) const;
 };
@@ -104,7 +101,7 @@ inline ArdoTest3::FastStage ArdoTest3::orient3dFast(
 	const double permanent = (std::abs(bdxcdy) + std::abs(cdxbdy)) * std::abs(adz) +
 	    (std::abs(cdxady) + std::abs(adxcdy)) * std::abs(bdz) +
 	    (std::abs(adxbdy) + std::abs(bdxady)) * std::abs(cdz);
-	return {det, permanent, o3derrboundA * permanent + o3dLost};
+	return {det, permanent, o3derrboundA * permanent + kLostInOrient3d};
 }
 
 inline Orientation3 ArdoTest3::getOrientation3(

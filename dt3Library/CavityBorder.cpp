@@ -8,12 +8,7 @@ namespace TULO3D {
 CavityBorder lookAroundThoroughly(
     Tet3* pTet, const Point3& vtx, const BatchTests& tests, const ArdoTest3& predicates)
 {
-	const auto leaveUndecided = [](const NeighbourBatch&, const Point3&) {
-		return NeighbourVerdicts{0, 0, 0};
-	};
-	CavityBorder border = predicates.expectsUnderflow()
-	    ? lookAround(pTet, vtx, leaveUndecided) // the thorough stages lose products, too
-	    : lookAround(pTet, vtx, tests.neighbours);
+	CavityBorder border = lookAround(pTet, vtx, tests.neighbours);
 	for (int i = 0; border.undecided >> i != 0; ++i) {
 		if ((border.undecided >> i & 1U) == 0) continue;
 		if (predicates.sphereInclusionTest(border.pNeigh[i], &vtx) == SIC_OUTSIDE) continue;

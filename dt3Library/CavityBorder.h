@@ -12,6 +12,17 @@ namespace TULO3D {
 
 class ArdoTest3;
 
+/// Whether a tetrahedron belongs to the cavity of the insertion under way. The engine keeps this apart
+/// from `hasBeenVisited`, which a host may have set anywhere.
+class CavityMark
+{
+public:
+	static bool isSet(const Tet3& tet) { return tet.bInCavity; }
+	/// Never taken back: a cavity dies, and a record loses its mark when it is reused.
+	static void set(Tet3& tet) { tet.bInCavity = true; }
+	static void setIf(bool bSet, Tet3& tet) { tet.bInCavity |= bSet; }
+};
+
 /// A tetrahedron of the cavity.
 struct CavityTet
 {
@@ -26,9 +37,9 @@ struct CavityBorder
 	Tet3* pNeigh[4];    ///< the tetrahedron itself stands in where there is none
 	Point3* pApex[4];   ///< the corners beyond the facets
 	unsigned hull;      ///< there is no neighbour
-	unsigned open;      ///< the neighbour is not visited, or there is none
-	unsigned conflict;  ///< not visited, and to join the cavity
-	unsigned undecided; ///< not visited, and the test was not certain of it
+	unsigned open;      ///< the neighbour is not in the cavity yet, or there is none
+	unsigned conflict;  ///< not in the cavity yet, and to join it
+	unsigned undecided; ///< not in the cavity yet, and the test was not certain of it
 	unsigned positive;  ///< the vertex is known to lie strictly on the tetrahedron's side
 
 	/// Facets between the cavity and what stays, or the hull, once nothing is undecided.
@@ -66,19 +77,19 @@ TULO3D_ALWAYS_INLINE CavityBorder lookAround(Tet3* pTet, const Point3& vtx, Test
 	NeighbourBatch batch;
 	const std::uintptr_t mix = mixOfCorners(*pTet);
 	border.hull = 0;
-	unsigned visited = 0;
+	unsigned inside = 0;
 	for (int i = 0; i < 4; ++i) {
 		Tet3* pNeigh = pTet->getOppTet(i);
 		border.hull |= static_cast<unsigned>(pNeigh == nullptr) << i;
 		pNeigh = pNeigh == nullptr ? pTet : pNeigh;
-		visited |= static_cast<unsigned>(pNeigh->hasBeenVisited) << i;
+		inside |= static_cast<unsigned>(CavityMark::isSet(*pNeigh)) << i;
 		border.pNeigh[i] = pNeigh;
 		border.pApex[i] = apexBeyond(*pTet, mix, i, *pNeigh);
 		batch.corner[i] = pTet->getCorner(i);
 		batch.opposite[i] = border.pApex[i];
 	}
 	const NeighbourVerdicts verdicts = test(batch, vtx);
-	const unsigned toTest = ~(visited | border.hull) & 0xFU;
+	const unsigned toTest = ~(inside | border.hull) & 0xFU;
 	border.open = toTest | border.hull;
 	border.conflict = verdicts.inside & toTest;
 	border.undecided = toTest & ~(verdicts.inside | verdicts.outside);

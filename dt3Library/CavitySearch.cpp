@@ -52,9 +52,8 @@ TULO3D_ALWAYS_INLINE void CavitySearch::testNeighbours(
 		if (!pScout->bInside) continue; // it has given up in this round
 		const CavityBorder border = lookAround<Lanes>(pTet, *pScout->pVtx, tests, predicates);
 		// What comes in from beyond the hull would remove nothing that is claimed. Once all neighbours are
-		// there, no facet of a claimed tetrahedron comes to the hull again. What is visited bears a mark that
-		// a host has left: what comes of it is left to the insertion.
-		if ((border.open & ~border.hull) != 0xFU) {
+		// there, no facet of a claimed tetrahedron comes to the hull again.
+		if (border.hull != 0) {
 			pScout->giveUp();
 			continue;
 		}

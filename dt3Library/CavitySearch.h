@@ -22,7 +22,7 @@ class Tet3;
 class CavitySearch
 {
 public:
-	/// Scouts that meet the hull or a mark give up; the others have then found their cavities.
+	/// Scouts that meet the hull give up; the others have then found their cavities.
 	void run(
 	    Scout* pFirst, std::size_t count, const BatchTests& tests, const ArdoTest3& predicates);
 

@@ -17,8 +17,8 @@ Dt3::Dt3(Tulo_3D* pFacade, const BatchTests& tests)
 	vTwoTetSlots.assign(kFacetSlots, nullptr);
 	twoTetPool.init(1024, 512, SimplePool<TwoTetStruct>::kMaxBlock);
 	tetPool.init(28, -1, SimplePool<Tet3>::kMaxBlock);
-	vDeadTets.reserve(kUsualCavity);
-	vRecycledTets.reserve(kUsualCavity);
+	vDeadTets.makeRoom(kUsualCavity);
+	vRecycledTets.makeRoom(kUsualCavity);
 }
 
 Dt3::~Dt3()

@@ -8,6 +8,7 @@
 #include "CollisionIndex.h"
 #include "Edge3.h"
 #include "HC3.h"
+#include "MeshArrays.h"
 #include "NeighbourSpheres.h"
 #include "Point3.h"
 #include "Scout.h"
@@ -23,6 +24,7 @@
 
 namespace TULO3D {
 
+class LiveTets;
 class Tulo_3D;
 
 /// One half of a facet between two new tetrahedra that waits for the other half. The facet consists
@@ -88,11 +90,23 @@ public:
 	Point3* insert(Point3& p);
 
 	/// Inserts a batch; vUserHandles[i] becomes the vertex of vInputPoints[i].
-	void insert(std::vector<Point3>& vInputPoints, std::vector<Point3*>& vUserHandles);
+	void insert(const std::vector<Point3>& vInputPoints, std::vector<Point3*>& vUserHandles);
+
+	/// The same for points as x, y, z, x, y, z, ...; pVertexNumbers[i], unless null, becomes the number of
+	/// the vertex of the i-th one.
+	void insert(const double* pCoordinates, std::size_t numPoints, std::int32_t* pVertexNumbers);
 
 	/// Inserts vertices that follow one another along the curve, coarse stages first. The first walk
 	/// starts at pLastTet, which must not be null.
 	void triangulate(std::vector<Point3*>& vVertices, Tet3* pLastTet);
+
+	/// Inserts the vertices that have stayed out of the mesh, and returns how many those are: none
+	/// while there is no tetrahedron.
+	std::size_t insertLeftOut();
+
+	/// Throws when an exception has cut an insertion short: what it has left is no mesh. Every
+	/// operation that a host can call begins with it.
+	void expectFinished() const;
 
 	// Dt3StartUp.cpp: from a heap of vertices to the first tetrahedron ---------------------------
 
@@ -115,7 +129,8 @@ public:
 
 	/// Inserts *ppVtx and returns a live tetrahedron that has it as a corner. When the mesh has a
 	/// vertex with these coordinates, *ppVtx becomes that vertex and the mesh stays.
-	Tet3* insertVertex(Point3** ppVtx, Tet3* pStartTet);
+	/// A long walk may take a shortcut if `bShortcut`.
+	Tet3* insertVertex(Point3** ppVtx, Tet3* pStartTet, bool bShortcut = false);
 
 	/// Redirects *ppVtx to the corner of pTet with the same coordinates.
 	Tet3* resolveDuplicate(Point3** ppVtx, Tet3* pTet, int locateResult);
@@ -172,21 +187,26 @@ public:
 	static void getTetsAroundVertex(Point3* pVtx, std::vector<Tet3*>& vTet);
 
 	/// Appends every distinct vertex, in curve order.
-	void getVertices(std::vector<Point3*>& vVertices) const { hc3.getVertices(vVertices); }
+	void getVertices(std::vector<Point3*>& vVertices) const;
+
+	std::size_t getNumVertices() const;
+	std::size_t getNumTetrahedra() const;
+	/// Writes the mesh as arrays of numbers.
+	void copyTo(const MeshArrays& arrays) const;
 
 	bool checkValidity(const std::string& name, bool bCheckSphereInc) const;
 	void print(const std::string& name) const;
 	void show(const std::string& filename, Point3* pVtx) const;
 
-	void setVerbosity(bool bVerbosity) { bVerbose = bVerbosity; }
-	bool is3D() const { return bFullDimensional; }
+	void setVerbosity(bool bVerbosity);
+	bool is3D() const;
 
 	// The members, in the order of their construction --------------------------------------------
 
 	SimplePool<TwoTetStruct> twoTetPool;
 	SimplePool<Tet3> tetPool;
-	std::vector<Tet3*> vDeadTets;               ///< removed by the current insertion
-	std::vector<Tet3*> vRecycledTets;           ///< free for reuse
+	ScratchArray<Tet3*> vDeadTets;              ///< removed by the current insertion
+	ScratchArray<Tet3*> vRecycledTets;          ///< free for reuse
 	std::vector<TwoTetStruct*> vTwoTetSlots;    ///< pending facet halves by their hash
 	std::vector<TwoTetStruct*> vHashCollisions; ///< pending halves whose slot was taken
 	int numStoredTCS;                           ///< the number of pending halves
@@ -196,20 +216,33 @@ public:
 	std::vector<Surface3*> vSurfaces;
 	Tulo_3D* pOwner;
 	bool bVerbose;
+	BatchTests batchTests; ///< the variant for this CPU
 
 private:
 	// Dt3Insert.cpp
+	class OwnLabels;
 	/// True when the coordinates are finite and so small that no exact test overflows.
-	/// Where products of them may underflow, the exact tests are told so.
-	bool accepts(const Point3& p);
+	static bool isInRange(const Point3& p);
+	/// Checks points and takes note of what is new about them, before they are stored.
+	void beginStoring(const Point3* pFirst, std::size_t numPoints);
+	/// Stores the points of a batch and returns the new vertices in curve order.
+	std::vector<Point3*> store(
+	    const std::vector<Point3>& vInputPoints, std::vector<Point3*>& vUserHandles);
+	/// Inserts the new vertices of a batch, and those that have waited for a fourth dimension.
+	void insertStored(std::vector<Point3*>& vNewVertices, std::size_t numPoints);
+	// Dt3Query.cpp
+	LiveTets liveTets() const;
 	// Dt3StartUp.cpp
 	bool isOnLine(const Point3& a, const Point3& b, const Point3& p) const;
 	/// True when the vertices are known to be coplanar, the newest one tested against the witness.
 	bool staysFlat();
 	Tet3* rememberFlat(Point3* pA, Point3* pB, Point3* pC);
 	// Dt3Locate.cpp
-	/// locateConflictTet, taken up again a bounded number of times where the watchdog stops it.
-	int locatePersistently(Point3* pVtx, Tet3*& pStartTet);
+	/// locateConflictTet; with a shortcut, a walk that has grown long goes on from a vertex nearby on the
+	/// curve if that is nearer.
+	int walk(const Point3& vtx, Tet3*& pStartTet, bool bShortcut);
+	/// The same, taken up again up to a thousand times where the watchdog stops it.
+	int locatePersistently(const Point3& vtx, Tet3*& pStartTet, bool bShortcut);
 	/// On which sides of the facets the vertex lies, exactly: in the plane where both are clear.
 	FacetSides sidesOf(const Tet3& tet, const Point3& vtx) const;
 	/// The end of a walk in the plane of facet f, beyond no facet; results as of locateConflictTet.
@@ -218,11 +251,15 @@ private:
 	/// facet at the end, and pTet becomes its owner.
 	int stopAtHullEdge(Tet3*& pTet, int f, int opp2ICI) const;
 	// Dt3Cavity.cpp
+	/// A mark that a host has left is refused while the mesh is whole: what has been stored and not
+	/// inserted stays out of it, and nothing is broken.
+	void expectWholeIfMarked(const Tet3& tet) { bUnfinished = bUnfinished && !tet.hasBeenVisited; }
 	/// Before each insertion: no facet half is left over.
 	void expectNothingPending();
 	Tet3* replaceCavity(Point3* pVtx, Tet3* pStartTet);
 	/// The same where little is in the cache: what surrounds the cavity is asked for as it grows.
 	Tet3* replaceColdCavity(Point3* pVtx, Tet3* pStartTet);
+	void startCavity(Tet3* pStartTet);
 	/// The same with the cavity that a scout has found.
 	Tet3* replaceCavity(Point3* pVtx, const Scout& scout);
 	/// Joins pVtx to the facets of the cavity; the last tetrahedron made.
@@ -244,6 +281,8 @@ private:
 	// Dt3Link.cpp
 	/// Prints what is wrong with a link from a tetrahedron to itself.
 	static void refuseSelfLink(const Tet3* pTet);
+	/// What a tetrahedron loses when it leaves the mesh.
+	void retire(Tet3* pTet);
 	/// A new tetrahedron whose corners are known to be in positive order.
 	Tet3* makePositiveTet(Point3* p0, Point3* p1, Point3* p2, Point3* p3);
 	/// Links the new star, which ends nowhere but in itself.
@@ -253,10 +292,11 @@ private:
 	void storeCollision(TwoTetStruct* pHalf);
 	TwoTetStruct* takeCollision(const Tet3* pTet, const Point3* key0, const Point3* key1);
 
-	const BatchTests& batchTests; ///< the variant for this CPU
 	ScratchArray<CavityTet> vCavityStack;
 	ScratchArray<CavityFacet> vCavityFacets;
 	FlatWitness flatWitness;
+	bool bUnfinished = false; ///< an insertion has begun to change the mesh and not ended
+	int* pNextLabel = &Tet3::runningLabel;
 	std::size_t numFacetTests = 0;  ///< made by walks, since somebody has last looked
 	StarLinker star;                ///< what the current insertion makes
 	Scout loneScout;                ///< for cold cavities

@@ -25,14 +25,16 @@ void Dt3::expectNothingPending()
 	twoTetPool.reset();
 }
 
-Tet3* Dt3::insertVertex(Point3** ppVtx, Tet3* pStartTet)
+Tet3* Dt3::insertVertex(Point3** ppVtx, Tet3* pStartTet, bool bShortcut)
 {
 	Tet3* pCurTet = pStartTet;
+	expectWholeIfMarked(*pCurTet);
 	CONDITION_CHECK(!pCurTet->hasBeenVisited);
 	expectNothingPending();
 
-	const bool bCold = pStartTet->age() > kColdAge;
-	const int locateResult = locatePersistently(*ppVtx, pCurTet);
+	const auto age = static_cast<unsigned>(*pNextLabel) - static_cast<unsigned>(pStartTet->label);
+	const bool bCold = age > kColdAge;
+	const int locateResult = locatePersistently(**ppVtx, pCurTet, bShortcut);
 	CONDITION_CHECK(locateResult!=-99);
 	if (locateResult == -2) return resolveDuplicate(ppVtx, pCurTet, locateResult);
 	if (locateResult >= 0) {
@@ -48,29 +50,28 @@ Tet3* Dt3::insertVertex(Point3** ppVtx, Tet3* pStartTet)
 template <typename Lanes>
 TULO3D_ALWAYS_INLINE void Dt3::carve(const Point3* pVtx, Tet3* pStartTet)
 {
-	vCavityFacets.clear();
-	vCavityStack.clear();
-	vCavityStack.makeRoom(1);
-	vCavityStack.push({pStartTet, pStartTet->getCorner(0)}); // the walk has ended in it
+	startCavity(pStartTet); // the walk has ended in it: no test
+	CavityMark::set(*pStartTet);
 	for (int i = 1; i < 4; ++i) star.vCorners.add(pStartTet->getCorner(i));
-	// The mark is never cleared on a dead record; setProperties does that when it is reused.
-	pStartTet->hasBeenVisited = true;
 
-	// Depth first and facets 3 to 0: this fixes the order in which the new tetrahedra are made.
+	// Depth first and facets 3 to 0: this fixes the order in which tetrahedra die and new ones are made.
 	while (!vCavityStack.empty()) {
 		const auto [pTet, pApex] = vCavityStack.pop();
-		markTetDead(pTet);
+		retire(pTet);
 		star.vCorners.add(pApex);
 		const CavityBorder border = lookAround<Lanes>(pTet, *pVtx, batchTests, predicates);
-		auto joining = vCavityStack.writer(4);
+		auto stack = vCavityStack.writer(4);
+		auto dead = vDeadTets.writer(4);
 		auto facets = vCavityFacets.writer(4);
 		for (unsigned i = 4; i-- > 0;) {
 			const bool bJoins = (border.conflict >> i & 1U) != 0;
-			border.pNeigh[i]->hasBeenVisited |= bJoins;
-			joining.pushIf(bJoins, {border.pNeigh[i], border.pApex[i]});
+			CavityMark::setIf(bJoins, *border.pNeigh[i]);
+			stack.pushIf(bJoins, {border.pNeigh[i], border.pApex[i]});
+			dead.pushIf(bJoins, border.pNeigh[i]);
 			facets.pushIf((border.boundary() >> i & 1U) != 0, {pTet, i | border.positive << 2U});
 		}
-		vCavityStack.accept(joining);
+		vCavityStack.accept(stack);
+		vDeadTets.accept(dead);
 		vCavityFacets.accept(facets);
 	}
 }
@@ -95,31 +96,32 @@ void Dt3::carveAvx2(const Point3* pVtx, Tet3* pStartTet)
 void Dt3::carveFound(const Scout& scout)
 {
 	Tet3* const pStartTet = scout.cavity().begin()->pTet;
+	startCavity(pStartTet);
 	for (int i = 1; i < 4; ++i) star.vCorners.add(pStartTet->getCorner(i));
 	for (const CavityTet& found : scout.cavity()) {
 		star.vCorners.add(found.pApex);
-		found.pTet->hasBeenVisited = true;
+		CavityMark::set(*found.pTet);
 	}
 
 	// In the same order as above. What is still claimed has not been on the stack.
 	const unsigned positive = scout.seesPositive() ? 0xFU << 2U : 0;
-	vCavityFacets.clear();
-	vCavityStack.clear();
-	vCavityStack.makeRoom(1);
-	vCavityStack.push({pStartTet, nullptr});
 	scout.release(*pStartTet);
 	while (!vCavityStack.empty()) {
 		Tet3* const pTet = vCavityStack.pop().pTet;
-		markTetDead(pTet);
-		auto joining = vCavityStack.writer(4);
+		retire(pTet);
+		auto stack = vCavityStack.writer(4);
+		auto dead = vDeadTets.writer(4);
 		auto facets = vCavityFacets.writer(4);
 		for (unsigned i = 4; i-- > 0;) {
 			Tet3* const pNeigh = pTet->getOppTet(static_cast<int>(i));
-			const bool bInside = pNeigh->hasBeenVisited;
-			joining.pushIf(scout.release(*pNeigh) & bInside, {pNeigh, nullptr});
+			const bool bInside = CavityMark::isSet(*pNeigh);
+			const bool bJoins = scout.release(*pNeigh) & bInside;
+			stack.pushIf(bJoins, {pNeigh, nullptr});
+			dead.pushIf(bJoins, pNeigh);
 			facets.pushIf(!bInside, {pTet, i | positive});
 		}
-		vCavityStack.accept(joining);
+		vCavityStack.accept(stack);
+		vDeadTets.accept(dead);
 		vCavityFacets.accept(facets);
 	}
 }
@@ -139,10 +141,19 @@ inline Tet3* Dt3::closeFacet(const CavityFacet& facet, Point3* pVtx)
 	return pNewTet;
 }
 
-Tet3* Dt3::replaceCavity(Point3* pVtx, Tet3* pStartTet)
+void Dt3::startCavity(Tet3* pStartTet)
 {
+	bUnfinished = true;
 	swapDeadAndRecycled();
 	star.clear();
+	vDeadTets.add(pStartTet);
+	vCavityStack.clear();
+	vCavityStack.add({pStartTet, pStartTet->getCorner(0)});
+	vCavityFacets.clear();
+}
+
+Tet3* Dt3::replaceCavity(Point3* pVtx, Tet3* pStartTet)
+{
 	if (batchTests.bAvx2) {
 		carveAvx2(pVtx, pStartTet);
 	} else {
@@ -153,8 +164,6 @@ Tet3* Dt3::replaceCavity(Point3* pVtx, Tet3* pStartTet)
 
 Tet3* Dt3::replaceCavity(Point3* pVtx, const Scout& scout)
 {
-	swapDeadAndRecycled();
-	star.clear();
 	carveFound(scout);
 	return fillCavity(pVtx);
 }
@@ -174,6 +183,7 @@ Tet3* Dt3::fillCavity(Point3* pVtx)
 	Tet3* pLastTet = nullptr;
 	for (const CavityFacet& facet : vCavityFacets) pLastTet = closeFacet(facet, pVtx);
 	linkClosedStar();
+	bUnfinished = false;
 	return pLastTet;
 }
 

@@ -3,6 +3,7 @@
 // the tetrahedra whose spheres contain it are replaced, as inside the hull.
 #include "Dt3.h"
 #include "Dt3Inline.h"
+#include "PointerSet.h"
 #include "TetAroundEdgeIterator.h"
 
 #include <iostream>
@@ -15,18 +16,23 @@ Tet3* Dt3::insertAtHull(Point3** ppVtx, Tet3* pCurTet, int outIndex)
 	CONDITION_CHECK_AS(outIndex > -1, "opp3ICI>-1");
 	CONDITION_CHECK(numStoredTCS==0);
 	Point3* pVtx = *ppVtx;
-	swapDeadAndRecycled();
-	star.clear();
 
 	std::vector<Tet3*> vCHTets;
-	std::vector<Tet3*> vDoomedTets;
+	std::vector<Tet3*> vInConflict;
 	for (Tet3* pTet : gatherVisibleTets(pVtx, pCurTet, outIndex)) {
-		if (predicates.sphereInclusionTest(pTet, pVtx) == SIC_OUTSIDE) {
-			vCHTets.push_back(pTet);
-		} else {
-			doom(pTet, vDoomedTets);
+		const bool bStays = predicates.sphereInclusionTest(pTet, pVtx) == SIC_OUTSIDE;
+		if (bStays) {
+			expectWholeIfMarked(*pTet);
+			CONDITION_CHECK_AS(!pTet->hasBeenVisited, "!pCHTet->hasBeenVisited");
 		}
+		(bStays ? vCHTets : vInConflict).push_back(pTet);
 	}
+
+	bUnfinished = true;
+	swapDeadAndRecycled();
+	star.clear();
+	std::vector<Tet3*> vDoomedTets;
+	for (Tet3* pTet : vInConflict) doom(pTet, vDoomedTets);
 	growDoomed(pVtx, vDoomedTets);
 
 	Tet3* pNewTet1 = createConeTets(vCHTets, pVtx);
@@ -35,17 +41,18 @@ Tet3* Dt3::insertAtHull(Point3** ppVtx, Tet3* pCurTet, int outIndex)
 	linkOpenStar();
 	if (pNewTet1 == nullptr) pNewTet1 = pNewTet2;
 	CONDITION_CHECK(pNewTet1!=0);
+	bUnfinished = false;
 	return pNewTet1;
 }
 
 std::vector<Tet3*> Dt3::gatherVisibleTets(const Point3* pVtx, Tet3* pCurTet, int outIndex) const
 {
 	// A flood over the hull surface, from facet to facet around their common edges. A tetrahedron
-	// enters with all its facets that face the vertex, so its mark is enough to gather it once.
+	// enters with all its facets that face the vertex, so it needs to be gathered only once.
+	PointerSet gathered;
 	std::vector<Tet3*> vGathered;
 	std::vector<Edge3> vEdges;
 	const auto gather = [&](Tet3* pTet, int knownFacet) {
-		pTet->hasBeenVisited = true;
 		vGathered.push_back(pTet);
 		for (int f = 0; f < 4; ++f) {
 			if (pTet->getOppTet(f) != nullptr) continue;
@@ -57,6 +64,7 @@ std::vector<Tet3*> Dt3::gatherVisibleTets(const Point3* pVtx, Tet3* pCurTet, int
 		}
 	};
 
+	gathered.add(pCurTet);
 	gather(pCurTet, outIndex);
 	while (!vEdges.empty()) {
 		TetAroundEdgeIterator it(vEdges.back());
@@ -65,17 +73,18 @@ std::vector<Tet3*> Dt3::gatherVisibleTets(const Point3* pVtx, Tet3* pCurTet, int
 		Tet3* pHullTet = *it;
 		const int h = it.getOpp2Index();
 		CONDITION_CHECK_AS(pHullTet->getOppTet(h) == nullptr, "pCurTet->getOppTet(opp2ICI)==0");
-		if (pHullTet->hasBeenVisited) continue;
+		if (gathered.contains(pHullTet)) continue;
 		if (predicates.getOrientation3(pHullTet, h, pVtx) != ORIENTATION3_NEGATIVE) continue;
+		gathered.makeRoom(vGathered.size() + 1);
+		gathered.add(pHullTet);
 		gather(pHullTet, h);
 	}
-	for (Tet3* pTet : vGathered) pTet->hasBeenVisited = false;
 	return vGathered;
 }
 
 void Dt3::doom(Tet3* pTet, std::vector<Tet3*>& vDoomedTets)
 {
-	pTet->hasBeenVisited = true;
+	CavityMark::set(*pTet);
 	markTetDead(pTet);
 	vDoomedTets.push_back(pTet);
 }
@@ -129,13 +138,12 @@ Tet3* Dt3::retriangulateDoomedTets(const std::vector<Tet3*>& vDoomedTets, Point3
 		CONDITION_CHECK(pDoomedTet->hasBeenVisited);
 		for (int i = 0; i < 4; ++i) {
 			Tet3* pOppTet = pDoomedTet->getOppTet(i);
-			if (pOppTet != nullptr && pOppTet->hasBeenVisited) continue;
+			if (pOppTet != nullptr && CavityMark::isSet(*pOppTet)) continue;
 			if (predicates.getOrientation3(pDoomedTet, i, pVtx) != ORIENTATION3_POSITIVE) continue;
 			pNewTet = createTetReplacingCorner(pDoomedTet, i, pVtx);
 			CONDITION_CHECK(pNewTet!=0);
 			CONDITION_CHECK(!pNewTet->hasBeenVisited);
 			if (pOppTet != nullptr) {
-				CONDITION_CHECK(!pOppTet->hasBeenVisited);
 				registerTets(pNewTet, 0, pOppTet, pOppTet->getIntraTetIndex(pDoomedTet));
 			}
 			star.addWithCorners(pNewTet);

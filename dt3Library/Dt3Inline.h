@@ -15,10 +15,9 @@ inline Tet3* Dt3::makePositiveTet(Point3* p0, Point3* p1, Point3* p2, Point3* p3
 		ret = tetPool.alloc();
 		CONDITION_CHECK(ret!=0);
 	} else {
-		ret = vRecycledTets.back();
-		vRecycledTets.pop_back();
+		ret = vRecycledTets.pop();
 	}
-	ret->setProperties(p0, p1, p2, p3);
+	ret->initialize(Tet3::takeLabels(1, *pNextLabel), p0, p1, p2, p3);
 	return ret;
 }
 
@@ -33,11 +32,17 @@ inline void Dt3::registerTets(Tet3* fromTet, int ith, Tet3* toTet, int jth)
 	fromTet->setOppTet(ith, toTet);
 }
 
-inline void Dt3::markTetDead(Tet3* pTet)
+inline void Dt3::retire(Tet3* pTet)
 {
+	pTet->hasBeenVisited = true; // until the record is reused
 	pTet->setCustomIndex(-1);
 	claimsOfDead |= Scout::takeClaims(*pTet);
-	vDeadTets.push_back(pTet);
+}
+
+inline void Dt3::markTetDead(Tet3* pTet)
+{
+	retire(pTet);
+	vDeadTets.add(pTet);
 }
 
 } // namespace TULO3D

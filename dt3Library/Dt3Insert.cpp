@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <cmath>
 #include <iostream>
+#include <limits>
 #include <optional>
 #include <utility>
 
@@ -20,6 +21,10 @@ namespace {
 constexpr double kMaxCoordinate = 1e60;
 constexpr const char* kRangeText = "coordinates are finite and at most 1e60 in magnitude";
 
+/// Vertices are numbered by integers of 32 bits.
+constexpr std::size_t kMaxPoints = std::numeric_limits<std::int32_t>::max();
+constexpr const char* kNumberText = "an engine takes at most 2147483647 points";
+
 /// A walk from the last vertex of the curve takes some ten facet tests. Several times as many, over
 /// a while, and the curve does not lead from vertex to vertex.
 constexpr std::size_t kWhile = 256;
@@ -27,24 +32,62 @@ constexpr std::size_t kLongWalk = 40;
 
 } // namespace
 
-bool Dt3::accepts(const Point3& p)
+/// Draws labels without the process-wide counter, which engines in other threads use as well: with each
+/// tetrahedron they would wait for the cache line of one another.
+class Dt3::OwnLabels
 {
-	const bool bAccepted = std::abs(p.x()) <= kMaxCoordinate && std::abs(p.y()) <= kMaxCoordinate &&
+public:
+	explicit OwnLabels(Dt3& theEngine) : engine(theEngine), first(Tet3::takeLabels(0)), next(first)
+	{
+		engine.pNextLabel = &next;
+	}
+	OwnLabels(const OwnLabels&) = delete;
+	OwnLabels& operator=(const OwnLabels&) = delete;
+	~OwnLabels()
+	{
+		engine.pNextLabel = &Tet3::runningLabel;
+		Tet3::takeLabels(static_cast<unsigned>(next) - static_cast<unsigned>(first));
+	}
+
+private:
+	Dt3& engine;
+	int first;
+	int next;
+};
+
+bool Dt3::isInRange(const Point3& p)
+{
+	return std::abs(p.x()) <= kMaxCoordinate && std::abs(p.y()) <= kMaxCoordinate &&
 	    std::abs(p.z()) <= kMaxCoordinate; // false for NaN
-	if (bAccepted && mayUnderflow(p)) predicates.expectUnderflow();
-	return bAccepted;
+}
+
+void Dt3::expectFinished() const
+{
+	CONDITION_CHECK_AS(!bUnfinished, "no exception has cut an earlier insertion short");
+}
+
+void Dt3::beginStoring(const Point3* pFirst, std::size_t numPoints)
+{
+	const Point3* pLast = pFirst + numPoints;
+	CONDITION_CHECK_AS(std::all_of(pFirst, pLast, isInRange), kRangeText);
+	CONDITION_CHECK_AS(numPoints <= kMaxPoints - hc3.size(), kNumberText);
+	const auto isTiny = [](const Point3& p) { return mayUnderflow(p); };
+	if (std::any_of(pFirst, pLast, isTiny)) batchTests.neighbours = decideNothing;
+	bUnfinished = true;
 }
 
 Point3* Dt3::insert(Point3& p)
 {
-	CONDITION_CHECK_AS(accepts(p), kRangeText);
+	expectFinished();
+	beginStoring(&p, 1);
 	Tet3* pLastTet = nullptr;
 	Point3* pVtx = hc3.insertPoint(p, pLastTet);
+	bUnfinished = false;
 	if (bFullDimensional) {
 		// The neighbour on the curve may be a vertex that never entered the mesh.
 		if (pLastTet == nullptr) pLastTet = hc3.findNearbyTet(*pVtx);
 		CONDITION_CHECK(!pLastTet->hasBeenVisited);
-		insertVertex(&pVtx, hc3.nearerTet(*pVtx, pLastTet));
+		insertVertex(&pVtx, pLastTet, true);
 		return pVtx;
 	}
 	pLastTet = startUp();
@@ -56,8 +99,35 @@ Point3* Dt3::insert(Point3& p)
 	return pVtx;
 }
 
-void Dt3::insert(std::vector<Point3>& vInputPoints, std::vector<Point3*>& vUserHandles)
+void Dt3::insert(const std::vector<Point3>& vInputPoints, std::vector<Point3*>& vUserHandles)
 {
+	std::vector<Point3*> vNewVertices = store(vInputPoints, vUserHandles);
+	insertStored(vNewVertices, vInputPoints.size());
+}
+
+void Dt3::insert(const double* pCoordinates, std::size_t numPoints, std::int32_t* pVertexNumbers)
+{
+	std::vector<Point3*> vNewVertices;
+	{
+		// In a block of its own: none of this is needed while the mesh grows.
+		std::vector<Point3> vPoints;
+		vPoints.reserve(numPoints);
+		for (std::size_t i = 0; i < numPoints; ++i, pCoordinates += 3) {
+			vPoints.emplace_back(pCoordinates[0], pCoordinates[1], pCoordinates[2]);
+		}
+		std::vector<Point3*> vHandles;
+		vNewVertices = store(vPoints, vHandles);
+		if (pVertexNumbers != nullptr) {
+			for (const Point3* pVtx : vHandles) *pVertexNumbers++ = pVtx->getNumber();
+		}
+	}
+	insertStored(vNewVertices, numPoints);
+}
+
+std::vector<Point3*> Dt3::store(
+    const std::vector<Point3>& vInputPoints, std::vector<Point3*>& vUserHandles)
+{
+	expectFinished();
 	if (bVerbose) {
 		std::cout << std::endl << "Dt3::insert(vector,vector) has been called" << std::endl;
 	}
@@ -66,13 +136,17 @@ void Dt3::insert(std::vector<Point3>& vInputPoints, std::vector<Point3*>& vUserH
 		vUserHandles.clear();
 	}
 	std::cout << "numPoints=" << vInputPoints.size() << std::endl;
-	if (vInputPoints.empty()) return;
-	const auto isAccepted = [this](const Point3& p) { return accepts(p); };
-	const bool bInRange = std::all_of(vInputPoints.begin(), vInputPoints.end(), isAccepted);
-	CONDITION_CHECK_AS(bInRange, kRangeText);
-
 	std::vector<Point3*> vNewVertices;
+	if (vInputPoints.empty()) return vNewVertices;
+	beginStoring(vInputPoints.data(), vInputPoints.size());
 	hc3.insertPoints(vInputPoints, vUserHandles, vNewVertices);
+	bUnfinished = false;
+	return vNewVertices;
+}
+
+void Dt3::insertStored(std::vector<Point3*>& vNewVertices, std::size_t numPoints)
+{
+	if (numPoints == 0) return;
 	if (bFullDimensional) {
 		if (vNewVertices.empty()) return;
 		triangulate(vNewVertices, hc3.findNearbyTet(*vNewVertices.front()));
@@ -83,12 +157,23 @@ void Dt3::insert(std::vector<Point3>& vInputPoints, std::vector<Point3*>& vUserH
 	if (pFirstTet == nullptr) return;
 	// Vertices of earlier calls wait for their turn. Equal counts alone do not tell: an earlier point
 	// that is repeated in this batch balances one that is not.
-	const std::size_t numInput = vInputPoints.size();
-	if (hc3.size() != numInput || vNewVertices.size() != numInput) {
+	if (hc3.size() != numPoints || vNewVertices.size() != numPoints) {
 		vNewVertices.clear();
 		hc3.getVertices(vNewVertices);
 	}
 	triangulate(vNewVertices, pFirstTet);
+}
+
+std::size_t Dt3::insertLeftOut()
+{
+	expectFinished();
+	if (!bFullDimensional) return 0;
+	std::vector<Point3*> vLeftOut;
+	hc3.getVertices(vLeftOut);
+	const auto isInMesh = [](const Point3* pVtx) { return pVtx->getOneTet() != nullptr; };
+	vLeftOut.erase(std::remove_if(vLeftOut.begin(), vLeftOut.end(), isInMesh), vLeftOut.end());
+	if (!vLeftOut.empty()) triangulate(vLeftOut, hc3.findNearbyTet(*vLeftOut.front()));
+	return vLeftOut.size();
 }
 
 void Dt3::triangulate(std::vector<Point3*>& vVertices, Tet3* pLastTet)
@@ -98,7 +183,9 @@ void Dt3::triangulate(std::vector<Point3*>& vVertices, Tet3* pLastTet)
 		std::cout << "Attention: triangulate has got an empty vector" << std::endl;
 		return;
 	}
+	CONDITION_CHECK_AS(vVertices.size() <= kMaxPoints, kNumberText);
 
+	const OwnLabels labels(*this);
 	std::optional<StartFinder> finder;
 	std::optional<Scouts> scouts;
 	std::size_t numInserted = 0;
@@ -116,6 +203,7 @@ void Dt3::triangulate(std::vector<Point3*>& vVertices, Tet3* pLastTet)
 			if (finder) pLastTet = finder->nearestStart(i, pLastTet);
 			pLastTet = insertVertex(&pVtx, pLastTet);
 		}
+		bUnfinished = true; // until the last vertex is in
 		if (finder) finder->add(i);
 		if (scouts) scouts->goOn(std::exchange(claimsOfDead, Scout::Claims{0}));
 
@@ -127,6 +215,7 @@ void Dt3::triangulate(std::vector<Point3*>& vVertices, Tet3* pLastTet)
 		}
 		numFacetTests = 0;
 	}
+	bUnfinished = false;
 }
 
 } // namespace TULO3D

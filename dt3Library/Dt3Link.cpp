@@ -191,7 +191,7 @@ void Dt3::resetFacetHash()
 
 void Dt3::swapDeadAndRecycled()
 {
-	vDeadTets.swap(vRecycledTets);
+	std::swap(vDeadTets, vRecycledTets);
 }
 
 } // namespace TULO3D

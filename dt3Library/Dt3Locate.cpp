@@ -12,7 +12,8 @@ namespace TULO3D {
 namespace {
 
 constexpr std::size_t kMaxFacetTests = 10000;
-constexpr int kMaxWalks = 1000;
+constexpr int kMaxFurtherWalks = 1000;
+constexpr std::size_t kLongWalk = 64;
 
 /// How many facets come before the first one of the set, in cyclic order from facet f.
 int firstFrom(int f, unsigned set)
@@ -25,17 +26,23 @@ int firstFrom(int f, unsigned set)
 
 int Dt3::locateConflictTet(Point3* pVtx, Tet3*& pStartTet)
 {
+	return walk(*pVtx, pStartTet, false);
+}
+
+int Dt3::walk(const Point3& vtx, Tet3*& pStartTet, bool bShortcut)
+{
 	if (pStartTet == nullptr) goToHell("locateConflictTet");
 
 	int f = 0;       // the facet to test next
 	int numLeft = 4; // facets of this tetrahedron still to test
 	const std::size_t lastTest = numFacetTests + kMaxFacetTests;
+	const std::size_t longAt = numFacetTests + kLongWalk;
 	FacetSides sides;
 	for (;;) {
 		prefetchNeighbours(*pStartTet); // for the next step; in the end, for the cavity
 		// All four sides at once cost less than one after the other and a wrong guess about each. What
 		// counts is the first facet with the point beyond it, else the first one in its plane.
-		sides = sidesOf(*pStartTet, *pVtx);
+		sides = sidesOf(*pStartTet, vtx);
 		const unsigned stops = sides.negative != 0 ? sides.negative : ~sides.positive & 0xFU;
 		const int passed = stops != 0 ? firstFrom(f, stops) : numLeft - 1;
 		numFacetTests += static_cast<std::size_t>(passed) + 1;
@@ -48,10 +55,20 @@ int Dt3::locateConflictTet(Point3* pVtx, Tet3*& pStartTet)
 		}
 		if (stops == 0) break;
 		f = (f + passed) & 3;
-		if (sides.negative == 0) return stopInPlane(pStartTet, f, sides, *pVtx);
+		if (sides.negative == 0) return stopInPlane(pStartTet, f, sides, vtx);
 
 		Tet3* pNext = pStartTet->getOppTet(f);
 		if (pNext == nullptr) return f;
+		if (bShortcut && numFacetTests >= longAt) {
+			bShortcut = false;
+			Tet3* pNearer = hc3.nearerTet(vtx, pNext);
+			if (pNearer != pNext) {
+				pStartTet = pNearer;
+				f = 0;
+				numLeft = 4;
+				continue;
+			}
+		}
 		// The point is known to be on this side of the facet through which the walk enters.
 		f = nextIndex(pNext->getIntraTetIndex(pStartTet));
 		numLeft = 3;
@@ -68,6 +85,7 @@ int Dt3::locateConflictTet(Point3* pVtx, Tet3*& pStartTet)
 	    isPositive(2), "predicates.getOrientation3(pStartTet,2,pVtx)==ORIENTATION3_POSITIVE");
 	CONDITION_CHECK_AS(
 	    isPositive(3), "predicates.getOrientation3(pStartTet,3,pVtx)==ORIENTATION3_POSITIVE");
+	const Point3* pVtx = &vtx;
 	CONDITION_CHECK(predicates.sphereInclusionTest(pStartTet,pVtx)==SIC_INSIDE);
 	return -1;
 }
@@ -120,24 +138,23 @@ int Dt3::stopAtHullEdge(Tet3*& pTet, int f, int opp2ICI) const
 	return outIndex;
 }
 
-int Dt3::locatePersistently(Point3* pVtx, Tet3*& pStartTet)
+int Dt3::locatePersistently(const Point3& vtx, Tet3*& pStartTet, bool bShortcut)
 {
 	// Thin and long meshes make walks of more steps than the watchdog allows.
-	int result = -99;
-	for (int walk = 0; walk < kMaxWalks && result == -99; ++walk) {
-		result = locateConflictTet(pVtx, pStartTet);
+	int result = walk(vtx, pStartTet, bShortcut);
+	for (int n = 0; n < kMaxFurtherWalks && result == -99; ++n) {
+		result = walk(vtx, pStartTet, bShortcut);
 	}
 	return result;
 }
 
 Tet3* Dt3::locate(const Point3& p)
 {
-	if (!hc3.bValid || !accepts(p)) return nullptr;
-	Point3 copy(p);
-	Tet3* pTet = hc3.findNearbyTet(copy);
+	expectFinished();
+	if (!hc3.bValid || !isInRange(p)) return nullptr;
+	Tet3* pTet = hc3.findNearbyTet(p);
 	if (pTet == nullptr) return nullptr;
-	pTet = hc3.nearerTet(copy, pTet);
-	const int result = locatePersistently(&copy, pTet);
+	const int result = locatePersistently(p, pTet, true);
 	return result == -1 || result == -2 ? pTet : nullptr;
 }
 

@@ -8,6 +8,12 @@
 
 namespace TULO3D {
 
+void Dt3::setVerbosity(bool bVerbosity)
+{
+	expectFinished();
+	bVerbose = bVerbosity;
+}
+
 void Dt3::print(const std::string& name) const
 {
 	std::vector<Tet3*> vTets;

@@ -1,15 +1,16 @@
 // SPDX-License-Identifier: MIT
-// The two traversals that give the host the mesh.
+// What a host asks of the mesh.
 #include "Dt3.h"
+#include "LiveTets.h"
 #include "PointerSet.h"
 #include "Prefetch.h"
+#include "mapAhead.h"
 
 #include <algorithm>
 #include <cstdint>
 #include <functional>
 #include <iostream>
 #include <limits>
-#include <numeric>
 
 namespace TULO3D {
 
@@ -48,6 +49,7 @@ void sortByAddress(std::vector<Tet3*>& vTet)
 
 void Dt3::getAllTetrahedra(std::vector<Tet3*>& vTet) const
 {
+	expectFinished();
 	CONDITION_CHECK(vTet.empty());
 	const auto isEntry = [](const Point3* pVtx) {
 		return pVtx->getOneTet() != nullptr && !pVtx->getOneTet()->hasBeenVisited;
@@ -59,26 +61,77 @@ void Dt3::getAllTetrahedra(std::vector<Tet3*>& vTet) const
 		return;
 	}
 
-	// The mesh hangs together, so a flood from any tetrahedron would reach all that live; and these
-	// are the records of the pool less the dead ones. Reading them off in address order is a hundred
-	// times faster than jumping from neighbour to neighbour.
-	std::vector<const Tet3*> vDead(vDeadTets.begin(), vDeadTets.end());
+	const LiveTets live = liveTets();
+	vTet.reserve(live.size());
+	live.forEach([&vTet](Tet3* pTet) { vTet.push_back(pTet); });
+}
+
+LiveTets Dt3::liveTets() const
+{
+	std::vector<Tet3*> vDead(vDeadTets.begin(), vDeadTets.end());
 	vDead.insert(vDead.end(), vRecycledTets.begin(), vRecycledTets.end());
-	std::sort(vDead.begin(), vDead.end(), std::less<const Tet3*>());
-	const auto blocks = tetPool.usedBlocks();
-	const auto addCount = [](std::size_t sum, const auto& block) { return sum + block.second; };
-	vTet.reserve(
-	    std::accumulate(blocks.begin(), blocks.end(), std::size_t{0}, addCount) - vDead.size());
-	auto itDead = vDead.begin();
-	for (const auto& [pFirst, count] : blocks) {
-		for (Tet3* pTet = pFirst; pTet != pFirst + count; ++pTet) {
-			if (itDead != vDead.end() && *itDead == pTet) {
-				++itDead;
-			} else {
-				vTet.push_back(pTet);
+	std::sort(vDead.begin(), vDead.end(), std::less<Tet3*>());
+	return LiveTets(tetPool.usedBlocks(), vDead);
+}
+
+std::size_t Dt3::getNumVertices() const
+{
+	expectFinished();
+	return hc3.size();
+}
+
+std::size_t Dt3::getNumTetrahedra() const
+{
+	expectFinished();
+	return tetPool.numUsed() - vDeadTets.size() - vRecycledTets.size();
+}
+
+void Dt3::copyTo(const MeshArrays& arrays) const
+{
+	expectFinished();
+	const LiveTets live = liveTets();
+	CONDITION_CHECK_AS(live.size() <= std::numeric_limits<std::int32_t>::max(),
+	    "a mesh in arrays has at most 2147483647 tetrahedra");
+	if (arrays.pCoordinates != nullptr || arrays.pTetOfVertex != nullptr) {
+		for (const auto& [pFirst, count] : hc3.vertexPool.usedBlocks()) {
+			for (const Point3* pVtx = pFirst; pVtx != pFirst + count; ++pVtx) {
+				const auto number = static_cast<std::size_t>(pVtx->getNumber());
+				if (arrays.pCoordinates != nullptr) {
+					double* const p = arrays.pCoordinates + 3 * number;
+					pVtx->xyz(p[0], p[1], p[2]);
+				}
+				if (arrays.pTetOfVertex != nullptr) {
+					arrays.pTetOfVertex[number] = live.numberOf(pVtx->getOneTet());
+				}
 			}
 		}
 	}
+	const std::size_t numBytes = 4 * live.size() * sizeof(std::int32_t);
+	std::int32_t* pCorner = arrays.pCorners;
+	std::int32_t* pNeighbour = arrays.pNeighbours;
+	if (pCorner != nullptr) mapAhead(pCorner, numBytes);
+	if (pNeighbour != nullptr) mapAhead(pNeighbour, numBytes);
+	live.forEach([&](const Tet3* pTet) {
+		prefetchTet(pTet + 16);
+		if (pCorner != nullptr) {
+			for (int i = 0; i < 4; ++i) *pCorner++ = pTet->getCorner(i)->getNumber();
+		}
+		if (pNeighbour != nullptr) {
+			for (int i = 0; i < 4; ++i) *pNeighbour++ = live.numberOf(pTet->getOppTet(i));
+		}
+	});
+}
+
+void Dt3::getVertices(std::vector<Point3*>& vVertices) const
+{
+	expectFinished();
+	hc3.getVertices(vVertices);
+}
+
+bool Dt3::is3D() const
+{
+	expectFinished();
+	return bFullDimensional;
 }
 
 void Dt3::getTetsAroundVertex(Point3* pVtx, std::vector<Tet3*>& vTet)

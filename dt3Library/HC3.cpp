@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The vertex store: folds duplicates, orders a batch, offers a start.
 #include "HC3.h"
-#include "FinerCurve.h"
 #include "KeySort.h"
 #include "Prefetch.h"
 #include "Tet3.h"
@@ -13,7 +12,6 @@
 #include <cstdint>
 #include <cstring>
 #include <iostream>
-#include <limits>
 #include <new>
 #include <utility>
 
@@ -100,6 +98,7 @@ struct HC3::Batch
 	const std::vector<Point3>& vPoints;
 	std::vector<Point3*>& vUserHandles;
 	std::vector<Point3*>& vNewVertices;
+	std::int32_t firstNumber;
 	VertexItems newItems;
 	std::vector<std::uint32_t> vCell; // positions in vPoints, as are the three below
 	std::vector<std::uint32_t> vByCoordinates;
@@ -117,9 +116,10 @@ HC3::HC3(unsigned bits) : numBits(bits)
 	}
 }
 
-Point3* HC3::createVertex(const Point3& point)
+Point3* HC3::createVertex(const Point3& point, std::int32_t number)
 {
 	pNewest = new (vertexPool.alloc()) Point3(point.x(), point.y(), point.z());
+	pNewest->number = number;
 	return pNewest;
 }
 
@@ -167,7 +167,8 @@ Point3* HC3::insertPoint(const Point3& point, Tet3*& pStartTet)
 	const IdxVtx probe = probeFor(hilbertIndex(point), point);
 	VertexItems::Position at = items.lowerBound(probe);
 	if (items.isEnd(at) || Func_ltIdxVtxPtr()(&probe, items[at])) {
-		at = items.insertAt(at, createItem(probe.key, createVertex(point)));
+		at = items.insertAt(
+		    at, createItem(probe.key, createVertex(point, static_cast<std::int32_t>(size()))));
 	}
 
 	Point3* pVtx = items[at]->pVtx;
@@ -186,8 +187,6 @@ void HC3::insertPoints(const std::vector<Point3>& vPoints, std::vector<Point3*>&
 {
 	CONDITION_CHECK(vUserHandles.empty());
 	const std::size_t siz = vPoints.size();
-	CONDITION_CHECK_AS(siz <= std::numeric_limits<std::uint32_t>::max(),
-		"a batch has at most 4294967295 points");
 	if (bbox.add(vPoints)) {
 		bbox.enlargeBounds(takeBatchMargin());
 		rebuildKeys();
@@ -204,7 +203,8 @@ void HC3::insertPoints(const std::vector<Point3>& vPoints, std::vector<Point3*>&
 
 	vUserHandles.resize(siz);
 	vNewVertices.reserve(vNewVertices.size() + siz);
-	Batch batch{vPoints, vUserHandles, vNewVertices, {}, {}, {}, {}, {}};
+	const auto firstNumber = static_cast<std::int32_t>(size());
+	Batch batch{vPoints, vUserHandles, vNewVertices, firstNumber, {}, {}, {}, {}, {}};
 	for (std::size_t i = 0; i < siz;) {
 		const std::uint32_t key = vHIndexIndexPair[i].key;
 		batch.vCell.clear();
@@ -217,42 +217,33 @@ void HC3::insertPoints(const std::vector<Point3>& vPoints, std::vector<Point3*>&
 		}
 		insertCell(key, batch);
 	}
+	if (batch.newItems.size() < siz) closeNumberGaps(vUserHandles, firstNumber);
 	items.merge(std::move(batch.newItems));
 }
 
-void HC3::createVertices(Batch& batch)
+void HC3::closeNumberGaps(const std::vector<Point3*>& vUserHandles, std::int32_t firstNumber)
 {
-	constexpr std::size_t kMany = 64;
-	const std::vector<std::uint32_t>& vNew = batch.vNewByInput;
-	if (vNew.size() <= kMany) {
-		for (const std::uint32_t i : vNew) batch.vUserHandles[i] = createVertex(batch.vPoints[i]);
-		return;
+	// A vertex has the place of its first point in the batch, so far.
+	std::int32_t place = firstNumber;
+	std::int32_t next = firstNumber;
+	for (Point3* pVtx : vUserHandles) {
+		if (pVtx->number == place++) pVtx->number = next++;
 	}
-	// They enter the mesh in input order, here and there in the cell; but neighbours in the mesh that
-	// are neighbours in memory share the cache. Nothing else depends on where a vertex lies in memory.
-	std::vector<const Point3*> vPoints;
-	vPoints.reserve(vNew.size());
-	for (const std::uint32_t i : vNew) vPoints.push_back(&batch.vPoints[i]);
-	const std::vector<std::uint32_t> vAlong = alongFinerCurve(vPoints);
-	for (std::size_t i = 0; i < vAlong.size(); ++i) {
-		const std::uint32_t later = vAlong[placeAhead(i, vAlong.size())];
-		prefetchVertex(vPoints[later]);
-		prefetch(&batch.vUserHandles[vNew[later]]);
-		batch.vUserHandles[vNew[vAlong[i]]] = createVertex(*vPoints[vAlong[i]]);
-	}
-	pNewest = batch.vUserHandles[vNew.back()];
 }
 
 void HC3::insertCell(std::uint32_t key, Batch& batch)
 {
 	const std::vector<Point3>& vPoints = batch.vPoints;
 	std::vector<Point3*>& vUserHandles = batch.vUserHandles;
+	const auto numberOf = [&batch](std::uint32_t position) {
+		return batch.firstNumber + static_cast<std::int32_t>(position);
+	};
 	if (batch.vCell.size() == 1) { // as nearly all are
 		const std::uint32_t position = batch.vCell.front();
 		Point3*& pVtx = vUserHandles[position];
 		pVtx = findVertex(key, vPoints[position]);
 		if (pVtx != nullptr) return;
-		pVtx = createVertex(vPoints[position]);
+		pVtx = createVertex(vPoints[position], numberOf(position));
 		batch.vNewVertices.push_back(pVtx);
 		batch.newItems.append(createItem(key, pVtx));
 		return;
@@ -285,8 +276,8 @@ void HC3::insertCell(std::uint32_t key, Batch& batch)
 		batch.vNewByInput = batch.vNewByCoordinates;
 		std::sort(batch.vNewByInput.begin(), batch.vNewByInput.end());
 	}
-	createVertices(batch);
 	for (const std::uint32_t position : batch.vNewByInput) {
+		vUserHandles[position] = createVertex(vPoints[position], numberOf(position));
 		batch.vNewVertices.push_back(vUserHandles[position]);
 	}
 	for (const std::uint32_t position : batch.vNewByCoordinates) {
@@ -320,6 +311,7 @@ Tet3* HC3::nearerTet(const Point3& point, Tet3* pTet) const
 	const auto consider = [&](const Point3& vtx) {
 		const double distance = squaredDistance(point, vtx);
 		if (distance >= least || vtx.getOneTet() == nullptr) return;
+		if (vtx.getOneTet()->hasBeenVisited) return;
 		least = distance;
 		pTet = vtx.getOneTet();
 	};

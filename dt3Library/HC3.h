@@ -44,6 +44,7 @@ public:
 
 	/// `pTet`, or a tetrahedron of a vertex that is nearer to `point` than its corner 0, among the few
 	/// that surround the point on the curve. The next one on the curve need not be near: it jumps.
+	/// Tetrahedra that bear a host's mark are passed over.
 	Tet3* nearerTet(const Point3& point, Tet3* pTet) const;
 
 	/// Appends every vertex, in the order of the curve.
@@ -68,11 +69,11 @@ private:
 
 	/// Inserts the points of a batch that share one cell of the curve.
 	void insertCell(std::uint32_t key, Batch& batch);
-	/// Creates the new vertices of a cell.
-	void createVertices(Batch& batch);
+	/// Numbers the new vertices of a batch with repeated points, in the order of the input.
+	static void closeNumberGaps(const std::vector<Point3*>& vUserHandles, std::int32_t firstNumber);
 	/// The vertex with the coordinates of `point`; null when there is none.
 	Point3* findVertex(std::uint32_t key, const Point3& point) const;
-	Point3* createVertex(const Point3& point);
+	Point3* createVertex(const Point3& point, std::int32_t number);
 	IdxVtx* createItem(std::uint32_t key, Point3* pVtx);
 
 	Point3* pNewest = nullptr;

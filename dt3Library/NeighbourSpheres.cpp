@@ -219,6 +219,11 @@ FacetSides testFacetsPortable(const Point3* const (&corner)[4], const Point3& qu
 
 } // namespace
 
+NeighbourVerdicts decideNothing(const NeighbourBatch&, const Point3&)
+{
+	return {0, 0, 0};
+}
+
 const BatchTests kPortableTests = {testNeighboursPortable, testFacetsPortable, false};
 
 const BatchTests* avx2Tests()

@@ -40,10 +40,14 @@ using FacetTest = FacetSides (*)(const Point3* const (&corner)[4], const Point3&
 /// The tests of one variant.
 struct BatchTests
 {
-	NeighbourTest neighbours;
+	NeighbourTest neighbours; ///< all stages
 	FacetTest facets;
 	bool bAvx2; ///< loops that have them compiled in are to be those for AVX2
 };
+
+/// Certain of nothing. The stages behind the first one have no allowance for products that underflow;
+/// where such coordinates are in the mesh, this takes their place.
+NeighbourVerdicts decideNothing(const NeighbourBatch& batch, const Point3& query);
 
 /// For any CPU.
 extern const BatchTests kPortableTests;

@@ -27,6 +27,8 @@ public:
 		return bNew;
 	}
 
+	bool contains(const void* p) const { return *findSlot(p) != nullptr; }
+
 	/// Makes room for `count` pointers altogether.
 	void makeRoom(std::size_t count)
 	{

@@ -80,8 +80,7 @@ bool Scouts::takeStep(Way& way)
 		prefetchTet<Cache::kSecond>(way.pTet);
 		return way.pTet != nullptr && ++way.numWalked <= kMaxWalked;
 	}
-	// Visited: a mark that a host has left. What comes of it is left to the insertion.
-	if (sides.positive == 0xFU && !tet.hasBeenVisited) {
+	if (sides.positive == 0xFU) {
 		scouts[way.place].enter(static_cast<Scout::Claims>(1U << way.place), *way.pVtx, way.pTet);
 	}
 	return false;

@@ -96,7 +96,7 @@ Tet3* StartFinder::nearestStart(std::size_t i, Tet3* pLastTet) const
 	Tet3* pNearest = pLastTet;
 	double least = squaredDistance(target, *pLastTet->getCorner(0));
 	for (const Point3* p : neighbours(i)) {
-		if (p == nullptr || p->getOneTet() == nullptr) continue;
+		if (p == nullptr || p->getOneTet() == nullptr || p->getOneTet()->hasBeenVisited) continue;
 		const double distance = squaredDistance(target, *p);
 		if (distance >= least) continue;
 		least = distance;

@@ -44,8 +44,9 @@ int Tet3::runningLabel = 1000;
 
 Tet3::Tet3()
     : hasBeenVisited(false),
+      bInCavity(false),
       claims(0),
-      label(takeLabel()),
+      label(takeLabels(1)),
       aVertexPointer{},
       aNeighbours{},
       customIndex(-1)
@@ -54,7 +55,13 @@ Tet3::Tet3()
 }
 
 Tet3::Tet3(const Tet3& /*other*/)
-    : hasBeenVisited(false), claims(0), label(-1), aVertexPointer{}, aNeighbours{}, customIndex(-1)
+    : hasBeenVisited(false),
+      bInCavity(false),
+      claims(0),
+      label(-1),
+      aVertexPointer{},
+      aNeighbours{},
+      customIndex(-1)
 {
 	std::cout << "CCTOR of Tet3" << std::endl;
 }

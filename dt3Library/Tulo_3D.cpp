@@ -30,6 +30,23 @@ void Tulo_3D::insert(std::vector<Point3>& vInputPoints)
 	pDt3->insert(vInputPoints, vUserHandles);
 }
 
+void Tulo_3D::insert(const std::vector<Point3>& vInputPoints)
+{
+	std::vector<Point3*> vUserHandles;
+	pDt3->insert(vInputPoints, vUserHandles);
+}
+
+void Tulo_3D::insert(
+    const double* pCoordinates, std::size_t numPoints, std::int32_t* pVertexNumbers)
+{
+	pDt3->insert(pCoordinates, numPoints, pVertexNumbers);
+}
+
+std::size_t Tulo_3D::insertLeftOut()
+{
+	return pDt3->insertLeftOut();
+}
+
 Tet3* Tulo_3D::locate(const Point3& p)
 {
 	return pDt3->locate(p);
@@ -47,7 +64,23 @@ void Tulo_3D::getTetrahedra(std::vector<Tet3*>& v) const
 
 void Tulo_3D::getTetsAroundVertex(Point3* pVtx, std::vector<Tet3*>& v)
 {
+	pDt3->expectFinished();
 	Dt3::getTetsAroundVertex(pVtx, v);
+}
+
+std::size_t Tulo_3D::getNumVertices() const
+{
+	return pDt3->getNumVertices();
+}
+
+std::size_t Tulo_3D::getNumTetrahedra() const
+{
+	return pDt3->getNumTetrahedra();
+}
+
+void Tulo_3D::copyTo(const MeshArrays& arrays) const
+{
+	pDt3->copyTo(arrays);
 }
 
 void Tulo_3D::print(const std::string& name)

@@ -12,8 +12,6 @@ namespace TULO3D {
 
 namespace {
 
-constexpr double kLeastSafe = 1e-45; // up to here no term of a test underflows
-
 /// A whole number of either sign, on the stack. Doubles of at most 1e60 are 1274 bits long when
 /// counted from the smallest one; five factors and the sums around them fit.
 class Whole
@@ -156,12 +154,6 @@ SphereRow<Whole> rowFrom(const Point3& p, const Point3& origin, const Units& uni
 }
 
 } // namespace
-
-bool mayUnderflow(const Point3& p)
-{
-	const auto isTiny = [](double v) { return v != 0.0 && std::abs(v) < kLeastSafe; };
-	return isTiny(p.x()) || isTiny(p.y()) || isTiny(p.z());
-}
 
 int orient3dSignDespiteUnderflow(const Point3& a, const Point3& b, const Point3& c, const Point3& d)
 {

@@ -7,6 +7,8 @@
 
 #include "Point3.h"
 
+#include <cmath>
+
 namespace TULO3D {
 
 // What is lost when products underflow, in the fast stages: less than 2^-1022 in each, should the host
@@ -16,8 +18,22 @@ namespace TULO3D {
 constexpr double kLostInOrient3d = 1e-244;
 constexpr double kLostInInsphere = 1e-122;
 
+constexpr double kLeastSafe =
+    1e-45; // nonzero coordinates from here on: no term of a test underflows
+
 /// True when products of the coordinates may underflow in an exact test.
-bool mayUnderflow(const Point3& p);
+inline bool mayUnderflow(const Point3& p)
+{
+	const auto isTiny = [](double v) { return (std::abs(v) < kLeastSafe) & (v != 0.0); };
+	return isTiny(p.x()) | isTiny(p.y()) | isTiny(p.z());
+}
+
+/// The same for several points; every one is looked at, which costs less than a misprediction.
+template <typename... Points>
+bool mayUnderflow(const Point3& p, const Points&... others)
+{
+	return (mayUnderflow(p) | ... | mayUnderflow(others));
+}
 
 /// The sign of orient3d, negative for a positive order of the corners. Exact whatever underflows.
 int orient3dSignDespiteUnderflow(

@@ -6,9 +6,11 @@
 #include "tulo3dExport.h"
 
 #include <cfloat>
+#include <cstdint>
 
 namespace TULO3D {
 
+class HC3;
 class Tet3;
 
 /// A point in space and, inside an engine, a vertex of the mesh.
@@ -34,7 +36,13 @@ public:
 	}
 
 	/// Deliberate: unlike the copy constructor, assignment copies the incident tetrahedron too.
-	Point3& operator=(const Point3& other) = default;
+	Point3& operator=(const Point3& other)
+	{
+		exchange(other.px, other.py, other.pz);
+		pOneTet = other.pOneTet;
+		customIndex = other.customIndex;
+		return *this;
+	}
 
 	~Point3() = default;
 
@@ -81,6 +89,11 @@ public:
 	void setCustomIndex(int index) { customIndex = index; }
 	///@}
 
+	/// The number of a vertex; -1 for a point that is none. The vertices of an engine are numbered from 0
+	/// in the order in which their points were first given: without repeated points, vertex i is the i-th
+	/// point. The number stays when more points are inserted. Copies do not have it.
+	std::int32_t getNumber() const { return number; }
+
 	/// True when all three coordinates are equal as numbers (so -0.0 equals +0.0).
 	bool operator==(const Point3& other) const
 	{
@@ -108,6 +121,8 @@ public:
 	void debug() const;
 
 private:
+	friend class HC3;
+
 	double px;
 	double py;
 	double pz;
@@ -116,6 +131,9 @@ private:
 public:
 	/// An index that the host may attach to a point or a vertex; -1 when unset.
 	int customIndex;
+
+private:
+	std::int32_t number = -1;
 };
 
 } // namespace TULO3D

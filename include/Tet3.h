@@ -12,6 +12,7 @@
 
 namespace TULO3D {
 
+class CavityMark;
 class Dt3;
 class Facet3;
 class Edge3;
@@ -49,20 +50,7 @@ public:
 	/// neighbours, not visited, custom index -1. Each corner now names it as its incident one.
 	void setProperties(Point3* pI, Point3* pJ, Point3* pK, Point3* pL)
 	{
-		label = takeLabel();
-		assert((pI!=NULL && pJ!=NULL && pK!=NULL && pL!=NULL));
-		hasBeenVisited = false;
-		claims = 0;
-		aVertexPointer[0] = pI;
-		aVertexPointer[1] = pJ;
-		aVertexPointer[2] = pK;
-		aVertexPointer[3] = pL;
-		for (Tet3*& pNeighbour : aNeighbours) pNeighbour = nullptr;
-		customIndex = -1;
-		pI->setOneTet(this);
-		pJ->setOneTet(this);
-		pK->setOneTet(this);
-		pL->setOneTet(this);
+		initialize(takeLabels(1), pI, pJ, pK, pL);
 	}
 
 	/// Corner ith, 0..3.
@@ -192,10 +180,31 @@ public:
 	static int runningLabel;
 
 private:
+	friend class CavityMark;
 	friend class Dt3;
 	friend class Scout;
 	friend class StarLinker;
 	friend TULO3D_API std::ostream& operator<<(std::ostream& stream, const Tet3& tet);
+
+	/// setProperties with a label that has been drawn already.
+	void initialize(int newLabel, Point3* pI, Point3* pJ, Point3* pK, Point3* pL)
+	{
+		assert((pI!=NULL && pJ!=NULL && pK!=NULL && pL!=NULL));
+		hasBeenVisited = false;
+		bInCavity = false;
+		claims = 0;
+		label = newLabel;
+		aVertexPointer[0] = pI;
+		aVertexPointer[1] = pJ;
+		aVertexPointer[2] = pK;
+		aVertexPointer[3] = pL;
+		for (Tet3*& pNeighbour : aNeighbours) pNeighbour = nullptr;
+		customIndex = -1;
+		pI->setOneTet(this);
+		pJ->setOneTet(this);
+		pK->setOneTet(this);
+		pL->setOneTet(this);
+	}
 
 	/// Links neighbours 1, 2 and 3 at once, none of which is this tetrahedron.
 	void linkInside(Tet3* p1, Tet3* p2, Tet3* p3)
@@ -205,18 +214,13 @@ private:
 		aNeighbours[3] = p3;
 	}
 
-	/// The next label. A very long run uses up all integers; then they start again from below.
-	static int takeLabel()
+	/// Takes the next `count` labels and returns the first of them. A very long run uses up all
+	/// integers; then they start again from below.
+	static int takeLabels(unsigned count, int& counter = runningLabel)
 	{
-		const int taken = runningLabel;
-		runningLabel = static_cast<int>(static_cast<unsigned>(taken) + 1U);
+		const int taken = counter;
+		counter = static_cast<int>(static_cast<unsigned>(taken) + count);
 		return taken;
-	}
-
-	/// How many tetrahedra have been made since this one.
-	unsigned age() const
-	{
-		return static_cast<unsigned>(runningLabel) - static_cast<unsigned>(label);
 	}
 
 	static bool range03(int i) { return static_cast<unsigned>(i) < 4U; }
@@ -224,6 +228,7 @@ private:
 	/// The first index of `pT`, which may be null, among the neighbours. Ends the process when it is none.
 	int searchNeighbour(const Tet3* pT) const;
 
+	bool bInCavity;       // of the insertion under way
 	std::uint16_t claims; // of the scouts, while vertices are on their way in
 	int label;
 	Point3* aVertexPointer[4];

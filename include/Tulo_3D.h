@@ -6,6 +6,7 @@
 #include "Bbox3.h"
 #include "Edge3.h"
 #include "Facet3.h"
+#include "MeshArrays.h"
 #include "Point3.h"
 #include "Segment3.h"
 #include "Tet3.h"
@@ -17,6 +18,8 @@
 #include "testDataGenerators.h"
 #include "tulo3dExport.h"
 
+#include <cstddef>
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -76,6 +79,19 @@ public:
 	/// Inserts a batch whose vertices need not be told apart.
 	void insert(std::vector<Point3>& vInputPoints);
 
+	/// Inserts a batch that stays as it is.
+	void insert(const std::vector<Point3>& vInputPoints);
+
+	/// Inserts a batch of `numPoints` points given as x, y, z, x, y, z, ... `pVertexNumbers`, unless null,
+	/// has room for as many numbers: the i-th becomes that of the vertex of the i-th point. Throws as
+	/// above.
+	void insert(
+	    const double* pCoordinates, std::size_t numPoints, std::int32_t* pVertexNumbers = nullptr);
+
+	/// Inserts the vertices that have stayed out of the mesh: coplanar points that came one by one
+	/// before the first tetrahedron. Returns how many those were; 0 while there is no tetrahedron.
+	std::size_t insertLeftOut();
+
 	/// The tetrahedron that contains `p`, inside or on its boundary. Null when p lies outside the
 	/// convex hull, in a hull facet or on its edges (unless it is a vertex), when there is no
 	/// tetrahedron, or when p is beyond the range of coordinates.
@@ -91,6 +107,16 @@ public:
 	/// Replaces the contents of `v` by all tetrahedra that have `pVtx` as a corner, in ascending
 	/// address order. A vertex that is not in the mesh is reported, and `v` is left empty.
 	void getTetsAroundVertex(Point3* pVtx, std::vector<Tet3*>& v);
+
+	/// The number of distinct vertices, those out of the mesh included.
+	std::size_t getNumVertices() const;
+
+	/// The number of tetrahedra.
+	std::size_t getNumTetrahedra() const;
+
+	/// Writes the mesh to arrays of the caller, which have room for `getNumVertices` vertices and
+	/// `getNumTetrahedra` tetrahedra.
+	void copyTo(const MeshArrays& arrays) const;
 
 	/// Prints every tetrahedron to standard output under the heading `name`.
 	void print(const std::string& name);

@@ -85,3 +85,44 @@ TEST(AfterFailure, MarksThatTheHostLeftAreRefusedAndForgottenOnceCleared)
 	mesh.insert(points::make("Uniform", 60, 2));
 	EXPECT_VALID(mesh);
 }
+
+TEST(AfterFailure, WhateverIsLeftMarkedTheMeshStaysRight)
+{
+	points::Random random(11);
+	int numRefused = 0;
+	for (int round = 0; round < 50; ++round) {
+		Recorded mesh;
+		mesh.insert(
+		    points::make(round % 2 ? "Lattice" : "Uniform", 60, static_cast<unsigned>(round)));
+		std::vector<Tet3*> vTets = mesh.tets();
+		for (int n = 1 << round % 5; n > 0; --n) random.of(vTets)->hasBeenVisited = true;
+		const bool bBatch = round % 3 == 0;
+		const Cloud cloud = bBatch ? points::make("Uniform", 30, 7) : Cloud{random.point(-1, 5)};
+		const std::string text =
+		    support::printedBy([&] { bBatch ? mesh.insert(cloud) : void(mesh.insert(cloud[0])); });
+		const bool bRefused = text == "threw";
+		std::vector<Tet3*> vNow;
+		numRefused += bRefused;
+		for (const Point3* pVtx : mesh.vertices()) {
+			if (pVtx->getOneTet() == nullptr) continue;
+			mesh.mesh.getTetsAroundVertex(const_cast<Point3*>(pVtx), vNow);
+			for (Tet3* pTet : vNow) pTet->hasBeenVisited = false;
+		}
+		if (!bRefused) {
+			EXPECT_VALID(mesh) << "round " << round;
+			continue;
+		}
+		// What was stored is out of the mesh, until it is asked for; of a batch, what had not had its turn.
+		std::size_t numLeftOut = 0;
+		for (const Point3* pVtx : mesh.vertices()) numLeftOut += pVtx->getOneTet() == nullptr;
+		EXPECT_TRUE(numLeftOut == cloud.size() || (bBatch && numLeftOut > 0)) << "round " << round;
+		EXPECT_EQ(mesh.mesh.insertLeftOut(), numLeftOut);
+		if (bBatch) mesh.input.insert(mesh.input.end(), cloud.begin(), cloud.end());
+		mesh.handles.clear();
+		const Cloud all(mesh.input);
+		mesh.input.clear();
+		for (const Point3& p : all) mesh.insert(p);
+		EXPECT_VALID(mesh) << "round " << round;
+	}
+	EXPECT_TRUE(numRefused > 5 && numRefused < 45) << numRefused;
+}

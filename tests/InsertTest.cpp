@@ -56,6 +56,63 @@ TEST(Insert, CoplanarSinglesStayOutUntilTheyComeAgain)
 	EXPECT_VALID(r);
 }
 
+TEST(Insert, WhatWasLeftOutEntersTogether)
+{
+	// A scan line by line: the first one, alone, is flat.
+	Recorded r;
+	for (int x = 0; x < 40; ++x) r.insert(Point3(x, 0, (x * x) % 7));
+	for (int x = 0; x < 40; ++x) r.insert(Point3(x, 1, (x * x) % 5));
+	EXPECT_EQ(r.leftOut.size(), 37U);
+	EXPECT_EQ(Tulo_3D().insertLeftOut(), 0U);
+	std::size_t numInserted = 0;
+	EXPECT_EQ(support::printedBy([&] { numInserted = r.mesh.insertLeftOut(); }), "");
+	EXPECT_EQ(numInserted, r.leftOut.size());
+	r.leftOut.clear();
+	EXPECT_EQ(r.mesh.insertLeftOut(), 0U);
+	EXPECT_VALID(r);
+}
+
+TEST(Insert, ASinglePointIsWalkedToFromItsNeighbourOnTheCurve)
+{
+	// Cospherical vertices leave a choice, which the start decides; labels show it.
+	const support::Capture quiet;
+	std::vector<Point3*> handles;
+	Tulo_3D().insert(points::make("Lattice", 27)); // takes the first margin of the process
+	Dt3 engine(nullptr), byHand(nullptr);
+	const int firstLabel = Tet3::runningLabel;
+	const auto labelled = [](Dt3& of) {
+		std::vector<Tet3*> tets;
+		of.getAllTetrahedra(tets);
+		std::set<std::string> texts; // label and corners
+		for (const Tet3* pTet : tets) {
+			std::ostringstream text;
+			text << *pTet;
+			std::string key = text.str().substr(0, text.str().find(')'));
+			for (int i = 0; i < 4; ++i) {
+				key += ' ' + std::to_string(pTet->getCorner(i)->getNumber());
+			}
+			texts.insert(key);
+		}
+		return texts;
+	};
+	for (Dt3* pEngine : {&engine, &byHand}) {
+		Tet3::runningLabel = firstLabel;
+		handles.clear();
+		pEngine->insert(points::make("Lattice", 64), handles);
+		for (Point3 p : points::make("BodyCentred", 100)) {
+			p = p + Vector3(0.5, 0, 0.25);
+			if (pEngine == &engine) {
+				engine.insert(p);
+				continue;
+			}
+			Tet3* pStart = nullptr;
+			Point3* pVtx = byHand.hc3.insertPoint(p, pStart);
+			byHand.insertVertex(&pVtx, pStart);
+		}
+	}
+	EXPECT_TRUE(labelled(engine) == labelled(byHand));
+}
+
 TEST(Insert, ABatchLetsEarlierVerticesInAlsoWhenTheCountsAgree)
 {
 	// Five vertices and five points in the batch, but (0, 0, 0) is not among these.

@@ -139,17 +139,34 @@ TEST_F(Link, PairsEveryFacetHoweverManyShareASlot)
 
 TEST_F(Link, AHalfThatIsLeftOverIsReported)
 {
-	// A live tetrahedron left visited is taken for one of the cavity, and its facet is not filled.
+	// A live tetrahedron left marked is taken for one of the cavity, and its facet is not filled.
 	Tet3 *pT = make(), *pU = make(4, 1, 3, 2);
 	Dt3::registerTets(pT, 0, pU, 0);
-	pU->hasBeenVisited = true;
+	CavityMark::set(*pU);
 	p[5] = Point3(0.2, 0.2, 0.2);
 	Point3* pVtx = &p[5];
 	const std::string text = printedBy([&] { engine.insertVertex(&pVtx, pT); });
 	EXPECT_TRUE(startsWith(text, "numStoredTCS after insertVertex: 3\n")) << text;
 	EXPECT_NE(text.find("Condition [ numStoredTCS==0 failed ]"), std::string::npos);
+	pU->hasBeenVisited = true;
 	EXPECT_EQ(
 	    conditionFailedBy([&] { engine.insertVertex(&pVtx, pU); }), "!pCurTet->hasBeenVisited");
+}
+
+TEST_F(Link, AWalkInACircleIsTakenUpAThousandTimes)
+{
+	// Beyond facet 1 of each of three tetrahedra lies the next one, and the point.
+	Tet3* ring[] = {make(), make(), make()};
+	for (int i = 0; i < 3; ++i) Dt3::registerTets(ring[i], 1, ring[(i + 1) % 3], 2);
+	p[5] = Point3(-1, -1, 0.2);
+	Point3* pVtx = &p[5];
+	const std::string text = printedBy([&] { engine.insertVertex(&pVtx, ring[0]); });
+	std::size_t numStops = 0;
+	for (std::size_t at = 0; (at = text.find("watchDog: bad point\n", at)) != text.npos; ++at) {
+		++numStops;
+	}
+	EXPECT_EQ(numStops, 1001U) << "the first walk and a thousand more";
+	EXPECT_NE(text.find("Condition [ locateResult!=-99 failed ]"), text.npos);
 }
 
 TEST_F(Link, ADeadTetrahedronIsReusedFromTheNextInsertionOn)
@@ -165,4 +182,22 @@ TEST_F(Link, ADeadTetrahedronIsReusedFromTheNextInsertionOn)
 	EXPECT_NE(make(), pU);
 	for (int i = 0; i < 3; ++i) engine.swapDeadAndRecycled();
 	EXPECT_EQ(make(), pU) << "what was not taken carries over";
+}
+
+TEST(Recycling, RecordsDieInTheOrderInWhichTheyJoinTheCavity)
+{
+	// The one that died last is reused first, so the order shows in the labels of the records in memory.
+	const int firstLabel = Tet3::runningLabel;
+	support::Recorded mesh;
+	for (const Point3& p : {Point3(0, 0, 0), Point3(10, 0, 0), Point3(0, 10, 0), Point3(0, 0, 10),
+	         Point3(2, 2, 2), Point3(1, 1, 1), Point3(2, 1, 3)}) {
+		mesh.insert(p);
+	}
+	std::vector<int> labels;
+	for (const Tet3* pTet : mesh.tets()) {
+		std::ostringstream text;
+		text << *pTet;
+		labels.push_back(std::stoi(text.str().substr(text.str().find('=') + 1)) - firstLabel);
+	}
+	EXPECT_EQ(labels, (std::vector<int>{11, 12, 13, 4, 7, 8, 9, 10, 14, 15, 16}));
 }

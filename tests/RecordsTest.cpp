@@ -136,6 +136,17 @@ TEST(Records, IndexTablesDescribeOneTetrahedron)
 		EXPECT_NE(text.find(part), std::string::npos) << text;
 }
 
+TEST(Records, AnOrientationIsPrintedExactlyHoweverSmallTheCorners)
+{
+	for (const double size : {1e-45, 1e-110, 1e-300, 4e-324}) {
+		Point3 a(0, 0, 0), b(size, 0, 0), c(0, size, 0), d(0, 0, size);
+		Tet3 tet;
+		tet.setProperties(&a, &b, &c, &d);
+		EXPECT_NE(textOf(tet).find("ownOri=ORI3_ORIENTATION3_POSITIVE\n"), std::string::npos)
+		    << size;
+	}
+}
+
 TEST(Records, NeighboursFacetsEdgesAndStarsAgreeFromAllSides)
 {
 	Looked mesh;

@@ -58,6 +58,11 @@ struct Store : HC3
 		std::stable_sort(made.begin(), made.end(),
 		    [this](auto p, auto q) { return hilbertIndex(*p) < hilbertIndex(*q); });
 		ASSERT_TRUE(bSingles || vNew == made);
+		// Records are made in the same order: those of a batch follow one another in memory, but for the
+		// steps from block to block.
+		std::size_t numSteps = 0;
+		for (std::size_t i = 1; i < vNew.size(); ++i) numSteps += vNew[i] != vNew[i - 1] + 1;
+		ASSERT_LT(numSteps, 30U);
 		std::list<IdxVtx> records;
 		std::set<IdxVtx*, Func_ltIdxVtxPtr> reference;
 		for (const auto& [p, pVtx] : vertexOf)

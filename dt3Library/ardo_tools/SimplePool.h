@@ -10,6 +10,7 @@
 #include <cstdlib>
 #include <functional>
 #include <iostream>
+#include <numeric>
 #include <utility>
 #include <vector>
 
@@ -99,6 +100,13 @@ public:
 		for (T* pBlock : blockList) std::free(pBlock);
 		pristine = true;
 		blockList.clear();
+	}
+
+	/// How many records have been handed out. For a pool that is never reset.
+	std::size_t numUsed() const
+	{
+		const auto numBefore = std::accumulate(vSizes.begin(), vSizes.end(), std::size_t{0});
+		return numBefore - static_cast<std::size_t>(currentBlockSize - lastIndex - 1);
 	}
 
 	/// The records handed out so far, by address: for each block its first and their number. For a

@@ -1,0 +1,72 @@
+// SPDX-License-Identifier: MIT
+// The tetrahedra of the mesh as the records of their pool, without the dead ones.
+#pragma once
+
+#include "Tet3.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <utility>
+#include <vector>
+
+namespace TULO3D {
+
+/// Numbers the tetrahedra by ascending address.
+///
+/// The engine keeps no list of them. They are connected, so a search from any one would reach all; but
+/// reading the blocks of the pool in order is a hundred times faster than going from neighbour to
+/// neighbour.
+class LiveTets
+{
+public:
+	/// The blocks of the pool, each its first record and how many are in use, and the dead records, both
+	/// by ascending address.
+	LiveTets(
+	    const std::vector<std::pair<Tet3*, std::size_t>>& blocks, const std::vector<Tet3*>& vDead);
+
+	std::size_t size() const { return numTets; }
+
+	/// Calls visit(pTet) for each tetrahedron, in the order of the numbers.
+	template <typename Visit>
+	void forEach(Visit visit) const
+	{
+		for (const Run& run : runs) {
+			for (Tet3* pTet = run.pFirst; pTet != run.pLast; ++pTet) visit(pTet);
+		}
+	}
+
+	/// The number of a tetrahedron; -1 for null.
+	std::int32_t numberOf(const Tet3* pTet) const
+	{
+		if (pTet == nullptr) return -1;
+		const auto address = reinterpret_cast<std::uintptr_t>(pTet);
+		const std::uintptr_t page = (address - lowest) >> pageBits;
+		std::uintptr_t origin = page < vOrigins.size() ? vOrigins[page] : 0;
+		if (origin == 0) origin = runOf(pTet).origin;
+		return static_cast<std::int32_t>((address - origin) / sizeof(Tet3));
+	}
+
+private:
+	/// Records that follow one another, none of them dead.
+	struct Run
+	{
+		Tet3* pFirst;
+		Tet3* pLast;           ///< behind the last one
+		std::uintptr_t origin; ///< where number 0 would be if the run began as early as that
+	};
+
+	void addRun(Tet3* pFirst, Tet3* pLast);
+	void makeTable();
+	const Run& runOf(const Tet3* pTet) const;
+
+	std::vector<Run> runs;
+	std::size_t numTets = 0;
+
+	// Pages of addresses from `lowest` on: the origin of the run in which all of the page lies; 0 where
+	// there is none. Nearly every look-up ends here, in a table that fits into the nearest cache.
+	std::vector<std::uintptr_t> vOrigins;
+	std::uintptr_t lowest = 0;
+	unsigned pageBits = 10;
+};
+
+} // namespace TULO3D
