@@ -39,8 +39,14 @@ class Dt3;
 /// insertion; neither is ever freed by the host. Nothing can be removed.
 ///
 /// Coordinates must be finite and at most 1e60 in magnitude: an insertion with any other throws
-/// before it has stored anything. Nonzero ones below 1e-45 make every later test slower, as products of
-/// them may underflow; all signs stay exact.
+/// before it has stored anything. Nonzero ones below 1e-45 make every later insertion slower, as products
+/// of them may underflow; all signs stay exact.
+///
+/// An exception that cuts an insertion short, such as `std::bad_alloc`, leaves an object of which every
+/// later call throws `TuloException`; only destroying it is right. Exceptions for what a call was given
+/// (coordinates, a vector that is not empty, a tetrahedron that the host has left marked) leave the mesh as
+/// it was; of a batch that meets such a mark late, the vertices not yet inserted stay out, see
+/// `insertLeftOut`.
 ///
 /// One object is to be used by one thread at a time, queries included. Because of a few shared
 /// counters, no two objects should be inserted into at the same time either.
@@ -64,8 +70,9 @@ public:
 	///
 	/// Deliberate: while all points so far are coplanar they are stored; when the first one off
 	/// their plane arrives by this operation, only the four corners of the first tetrahedron enter
-	/// the mesh. Insert a batch when coplanar points may come first. A point that was left out enters
-	/// when it is inserted by this operation again, but not as part of a batch.
+	/// the mesh. Insert a batch when coplanar points may come first, or call `insertLeftOut`
+	/// afterwards. A point that was left out also enters when it is inserted by this operation again, but
+	/// not as part of a batch.
 	///
 	/// Throws `TuloException` for a coordinate that is not finite or beyond 1e60.
 	Point3* insert(Point3& p);
@@ -95,6 +102,10 @@ public:
 	/// The tetrahedron that contains `p`, inside or on its boundary. Null when p lies outside the
 	/// convex hull, in a hull facet or on its edges (unless it is a vertex), when there is no
 	/// tetrahedron, or when p is beyond the range of coordinates.
+	///
+	/// Of several tetrahedra that share the facet, edge or vertex on which p lies, it is the one where a
+	/// walk ends that starts at the vertex next to p along the library's space-filling curve. A walk that
+	/// has made 64 tests of a facet goes on from a nearer vertex if there is one around p on the curve.
 	Tet3* locate(const Point3& p);
 
 	/// Appends every distinct vertex to `v`, in the order of the library's space-filling curve.
