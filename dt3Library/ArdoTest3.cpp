@@ -2,9 +2,8 @@
 // The machine constants, the fast stage of the in-sphere test, and the names of the results.
 #include "ArdoTest3.h"
 #include "AdaptiveStages.h"
+#include "Message.h"
 #include "Underflow.h"
-
-#include <iostream>
 
 namespace TULO3D {
 
@@ -142,16 +141,17 @@ std::string ArdoTest3::getOrientationName(Orientation3 orientation)
 
 void ArdoTest3::printOrientation(Orientation3 orientation, const std::string& label)
 {
-	std::cout << label << ": ";
+	Message line;
+	line << label << ": ";
 	switch (orientation) {
 	case ORIENTATION3_POSITIVE:
-		std::cout << "positive" << std::endl;
+		line << "positive" << std::endl;
 		break;
 	case ORIENTATION3_NEGATIVE:
-		std::cout << "negative" << std::endl;
+		line << "negative" << std::endl;
 		break;
 	case ORIENTATION3_COPLANAR:
-		std::cout << "coplanar" << std::endl;
+		line << "coplanar" << std::endl;
 		break;
 	}
 }

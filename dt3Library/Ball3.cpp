@@ -2,10 +2,10 @@
 // A sphere: its radius and its print.
 #include "Ball3.h"
 
+#include "Message.h"
 #include "printing.h"
 
 #include <cmath>
-#include <iostream>
 
 namespace TULO3D {
 
@@ -16,7 +16,7 @@ double Ball3::getRadius() const
 
 void Ball3::debug() const
 {
-	std::cout << "Ball3: " << center << ", r=" << getRadius() << std::endl;
+	Message() << "Ball3: " << center << ", r=" << getRadius() << std::endl;
 }
 
 } // namespace TULO3D

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 // A box that grows with its points.
 #include "Bbox3.h"
+#include "Message.h"
 
 #include <algorithm>
-#include <iostream>
 
 namespace TULO3D {
 
@@ -103,7 +103,7 @@ double Bbox3::getMaxCoord() const
 
 void Bbox3::debug() const
 {
-	std::cout << "Bbox3: (" << minX << "," << minY << "," << minZ << ") -> (" << maxX << "," << maxY
+	Message() << "Bbox3: (" << minX << "," << minY << "," << minZ << ") -> (" << maxX << "," << maxY
 	          << "," << maxZ << ")" << std::endl;
 }
 

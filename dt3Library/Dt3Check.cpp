@@ -2,11 +2,10 @@
 // Verifies the mesh facet by facet, and shows the first place where it is wrong.
 #include "Colors.h"
 #include "Dt3.h"
+#include "Message.h"
 #include "Visualizer3.h"
 #include "printing.h"
 #include "vectors.h"
-
-#include <iostream>
 
 namespace TULO3D {
 
@@ -14,25 +13,25 @@ namespace {
 
 void printHeader(const std::string& name, std::size_t numTets, bool bCheckSphereInc)
 {
-	std::cout << "\n\n** CheckValidity at [ " << name << "]:"
-	          << " Number of tetrahedra: " << numTets << std::endl;
-	std::cout << "   with --checkvisited" << std::endl;
-	std::cout << (bCheckSphereInc ? "   with" : "   without") << " --checkSphereInc" << std::endl;
-	std::cout << "   vTets.size()=" << numTets << std::endl;
+	Message() << "\n\n** CheckValidity at [ " << name << "]:"
+	          << " Number of tetrahedra: " << numTets << std::endl
+	          << "   with --checkvisited" << std::endl
+	          << (bCheckSphereInc ? "   with" : "   without") << " --checkSphereInc" << std::endl
+	          << "   vTets.size()=" << numTets << std::endl;
 }
 
 void checkNotVisited(const Tet3& tet)
 {
 	if (!tet.hasBeenVisited) return;
 	printError("Dt3::CheckValidity()", "pcurrentTet->hasBeenvisited=true");
-	std::cout << tet;
+	Message() << tet;
 	CONDITION_CHECK(false);
 }
 
 void reportSphere(const Tet3& tet, const Point3& vtx)
 {
 	printErrorBanner("checkValidity: ERROR ERROR ERROR");
-	std::cout << "Dt3::checkValidity, HUH - sphereIncTest failed: " << tet << ", Vertex=" << vtx
+	Message() << "Dt3::checkValidity, HUH - sphereIncTest failed: " << tet << ", Vertex=" << vtx
 	          << std::endl;
 
 	const Point3 center = tet.getCircumcenter();
@@ -60,7 +59,7 @@ bool Dt3::checkValidity(const std::string& name, bool bCheckSphereInc) const
 			const Orientation3 side = predicates.getOrientation3(pTet, i, pVtx);
 			if (side != ORIENTATION3_NEGATIVE) {
 				printErrorBanner("ERROR: checkValidity at [" + name + "]");
-				std::cout << "Dt3::checkValidity, HUH, vertex " << *pVtx
+				Message() << "Dt3::checkValidity, HUH, vertex " << *pVtx
 				          << " should be on the negative side, tet=" << *pTet << "oppIndex=" << i
 				          << ", Vertex=" << *pVtx << std::endl;
 				ArdoTest3::printOrientation(side, "checkValidity");
@@ -74,7 +73,7 @@ bool Dt3::checkValidity(const std::string& name, bool bCheckSphereInc) const
 			}
 		}
 	}
-	std::cout << "** CheckValidity at (" << name << ") has been finished, seems OK" << std::endl;
+	Message() << "** CheckValidity at (" << name << ") has been finished, seems OK" << std::endl;
 	return true;
 }
 

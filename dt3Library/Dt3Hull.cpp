@@ -3,10 +3,9 @@
 // the tetrahedra whose spheres contain it are replaced, as inside the hull.
 #include "Dt3.h"
 #include "Dt3Inline.h"
+#include "Message.h"
 #include "PointerSet.h"
 #include "TetAroundEdgeIterator.h"
-
-#include <iostream>
 
 namespace TULO3D {
 
@@ -130,7 +129,7 @@ Tet3* Dt3::createConeTets(const std::vector<Tet3*>& vCHTets, Point3* pVtx)
 Tet3* Dt3::retriangulateDoomedTets(const std::vector<Tet3*>& vDoomedTets, Point3* pVtx)
 {
 	if (vDoomedTets.empty()) {
-		std::cout << "Warning: vDoomedTets() without input tets, returning NULL" << std::endl;
+		Message() << "Warning: vDoomedTets() without input tets, returning NULL" << std::endl;
 		return nullptr;
 	}
 	Tet3* pNewTet = nullptr;

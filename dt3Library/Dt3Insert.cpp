@@ -2,13 +2,13 @@
 // How points arrive: one, or a batch in stages from coarse to fine.
 #include "Dt3.h"
 #include "InsertionOrder.h"
+#include "Message.h"
 #include "Scouts.h"
 #include "StartFinder.h"
 #include "Underflow.h"
 
 #include <algorithm>
 #include <cmath>
-#include <iostream>
 #include <limits>
 #include <optional>
 #include <utility>
@@ -129,13 +129,13 @@ std::vector<Point3*> Dt3::store(
 {
 	expectFinished();
 	if (bVerbose) {
-		std::cout << std::endl << "Dt3::insert(vector,vector) has been called" << std::endl;
+		Message() << std::endl << "Dt3::insert(vector,vector) has been called" << std::endl;
 	}
 	if (!vUserHandles.empty()) {
 		printWarning("Dt3::insert()", "vUserHandles is not empty as it should be");
 		vUserHandles.clear();
 	}
-	std::cout << "numPoints=" << vInputPoints.size() << std::endl;
+	Message() << "numPoints=" << vInputPoints.size() << std::endl;
 	std::vector<Point3*> vNewVertices;
 	if (vInputPoints.empty()) return vNewVertices;
 	beginStoring(vInputPoints.data(), vInputPoints.size());
@@ -180,7 +180,7 @@ void Dt3::triangulate(std::vector<Point3*>& vVertices, Tet3* pLastTet)
 {
 	if (pLastTet == nullptr) goToHell("pLastTet==NULL in Dt3::triangulate");
 	if (vVertices.empty()) {
-		std::cout << "Attention: triangulate has got an empty vector" << std::endl;
+		Message() << "Attention: triangulate has got an empty vector" << std::endl;
 		return;
 	}
 	CONDITION_CHECK_AS(vVertices.size() <= kMaxPoints, kNumberText);

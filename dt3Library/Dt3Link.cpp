@@ -3,11 +3,12 @@
 // between two new tetrahedra is offered twice; the first half waits in a table for the second.
 #include "Dt3.h"
 #include "Dt3Inline.h"
+#include "Message.h"
 #include "printing.h"
 
 #include <algorithm>
 #include <cstdint>
-#include <iostream>
+#include <iomanip>
 #include <utility>
 
 namespace TULO3D {
@@ -18,13 +19,14 @@ namespace {
 void reportOrientation(
     Orientation3 ori, const Point3* p0, const Point3* p1, const Point3* p2, const Point3* p3)
 {
-	std::cout << "Dt3::createTet(), ERROR: "
-	          << (ori == ORIENTATION3_NEGATIVE ? "ORIENTATION3_NEGATIVE" : "ORIENTATION3_COPLANAR")
-	          << " ORIENTATION OF: " << std::endl;
-	std::cout.precision(15); // Deliberate: the stream keeps it.
-	for (const Point3* p : {p0, p1, p2, p3}) std::cout << *p << std::endl;
+	Message message;
+	message << "Dt3::createTet(), ERROR: "
+	        << (ori == ORIENTATION3_NEGATIVE ? "ORIENTATION3_NEGATIVE" : "ORIENTATION3_COPLANAR")
+	        << " ORIENTATION OF: " << std::endl
+	        << std::setprecision(15); // Deliberate: the stream keeps it.
+	for (const Point3* p : {p0, p1, p2, p3}) message << *p << std::endl;
 	if (ori == ORIENTATION3_COPLANAR) {
-		std::cout << "..probably a legal situaion but observe!" << std::endl;
+		message << "..probably a legal situaion but observe!" << std::endl;
 	}
 }
 
@@ -46,7 +48,7 @@ Tet3* Dt3::createTetReplacingCorner(Tet3* pTet, int ith, Point3* pVtx)
 
 void Dt3::refuseSelfLink(const Tet3* pTet)
 {
-	std::cout << "register tets has been called with fromTet==toTet==" << pTet << std::endl
+	Message() << "register tets has been called with fromTet==toTet==" << pTet << std::endl
 	          << *pTet << std::endl;
 }
 
@@ -111,7 +113,7 @@ void Dt3::linkClosedStar()
 	for (Tet3* pTet : star.vTets) offerInnerFacets(pTet);
 	flushHashCollisions();
 	if (numStoredTCS != 0) {
-		std::cout << "numStoredTCS after insertVertex: " << numStoredTCS << std::endl;
+		Message() << "numStoredTCS after insertVertex: " << numStoredTCS << std::endl;
 	}
 	CONDITION_CHECK(numStoredTCS==0);
 }

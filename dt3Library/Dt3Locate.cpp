@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
 // The walk: from tetrahedron to tetrahedron, across any facet that has the point beyond it.
 #include "Dt3.h"
+#include "Message.h"
 #include "Prefetch.h"
 #include "TetAroundEdgeIterator.h"
 
 #include <cstdint>
-#include <iostream>
 
 namespace TULO3D {
 
@@ -50,7 +50,7 @@ int Dt3::walk(const Point3& vtx, Tet3*& pStartTet, bool bShortcut)
 			// Deliberate: a random step, so that a caller who tries again starts somewhere else.
 			Tet3* pElsewhere = pStartTet->getOppTet(watchdogRandom.next() % 4);
 			if (pElsewhere != nullptr) pStartTet = pElsewhere;
-			std::cout << "watchDog: bad point" << std::endl;
+			Message() << "watchDog: bad point" << std::endl;
 			return -99;
 		}
 		if (stops == 0) break;

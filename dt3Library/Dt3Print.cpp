@@ -2,9 +2,8 @@
 // Shows the whole mesh: as text, and as a drawing.
 #include "Colors.h"
 #include "Dt3.h"
+#include "Message.h"
 #include "Visualizer3.h"
-
-#include <iostream>
 
 namespace TULO3D {
 
@@ -18,16 +17,17 @@ void Dt3::print(const std::string& name) const
 {
 	std::vector<Tet3*> vTets;
 	getAllTetrahedra(vTets);
-	std::cout << "\n\n**** Dt3::print(" << name << "), numTets=" << vTets.size() << std::endl;
-	for (const Tet3* pTet : vTets) std::cout << *pTet << '\n';
-	std::cout.flush();
+	Message message;
+	message << "\n\n**** Dt3::print(" << name << "), numTets=" << vTets.size() << std::endl;
+	for (const Tet3* pTet : vTets) message << *pTet << '\n';
+	message << std::flush;
 }
 
 void Dt3::show(const std::string& filename, Point3* pVtx) const
 {
 	std::vector<Tet3*> vTets;
 	getAllTetrahedra(vTets);
-	std::cout << "  Dt3::show(): vTets.size()=" << vTets.size() << std::endl;
+	Message() << "  Dt3::show(): vTets.size()=" << vTets.size() << std::endl;
 
 	Visualizer3 vis(filename);
 	for (const Tet3* pTet : vTets) {

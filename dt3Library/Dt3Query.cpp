@@ -2,6 +2,7 @@
 // What a host asks of the mesh.
 #include "Dt3.h"
 #include "LiveTets.h"
+#include "Message.h"
 #include "PointerSet.h"
 #include "Prefetch.h"
 #include "mapAhead.h"
@@ -9,7 +10,6 @@
 #include <algorithm>
 #include <cstdint>
 #include <functional>
-#include <iostream>
 #include <limits>
 
 namespace TULO3D {
@@ -57,7 +57,7 @@ void Dt3::getAllTetrahedra(std::vector<Tet3*>& vTet) const
 	std::vector<Point3*> vVertices;
 	getVertices(vVertices);
 	if (std::none_of(vVertices.begin(), vVertices.end(), isEntry)) {
-		std::cout << "Dt3::getAllTetrahedra(), oneTet==NULL" << std::endl;
+		Message() << "Dt3::getAllTetrahedra(), oneTet==NULL" << std::endl;
 		return;
 	}
 

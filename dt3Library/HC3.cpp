@@ -2,6 +2,7 @@
 // The vertex store: folds duplicates, orders a batch, offers a start.
 #include "HC3.h"
 #include "KeySort.h"
+#include "Message.h"
 #include "Prefetch.h"
 #include "Tet3.h"
 #include "tools.h"
@@ -11,7 +12,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
-#include <iostream>
 #include <new>
 #include <utility>
 
@@ -111,7 +111,7 @@ HC3::HC3(unsigned bits) : numBits(bits)
 	vertexPool.init(4, -1, SimplePool<Point3>::kMaxBlock);
 	itemPool.init(4, -1, SimplePool<IdxVtx>::kMaxBlock);
 	if (numBits >= 33 || numBits % 3 != 0) {
-		std::cout << "HC3::HC3(..): invalid bitlength" << std::endl;
+		Message() << "HC3::HC3(..): invalid bitlength" << std::endl;
 		hardStop();
 	}
 }

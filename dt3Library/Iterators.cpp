@@ -2,7 +2,8 @@
 // The step from one tetrahedron around an edge to the next.
 #include "TetAroundEdgeIterator.h"
 
-#include <iostream>
+#include "Message.h"
+
 #include <string>
 
 namespace TULO3D {
@@ -30,7 +31,7 @@ TetAroundEdgeIterator& TetAroundEdgeIterator::operator++()
 void TetAroundEdgeIterator::debug() const
 {
 	const std::string rule(35, '-');
-	std::cout << rule << std::endl
+	Message() << rule << std::endl
 	          << "# This is a TetAroundEdgeIterator:" << std::endl
 	          << curEdge << rule << std::endl
 	          << std::endl;

@@ -2,16 +2,16 @@
 // The two printed forms of a point: for a host, and for the library's own messages.
 #include "Point3.h"
 
+#include "Message.h"
 #include "printing.h"
 
 #include <iomanip>
-#include <iostream>
 
 namespace TULO3D {
 
 void Point3::debug() const
 {
-	std::cout << "Point3: " << px << "," << py << "," << pz << std::endl;
+	Message() << "Point3: " << px << "," << py << "," << pz << std::endl;
 }
 
 std::ostream& operator<<(std::ostream& stream, const Point3& point)

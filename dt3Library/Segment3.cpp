@@ -2,15 +2,14 @@
 // A segment's print.
 #include "Segment3.h"
 
+#include "Message.h"
 #include "printing.h"
-
-#include <iostream>
 
 namespace TULO3D {
 
 void Segment3::debug() const
 {
-	std::cout << "Segment3: " << src << "," << trg << std::endl;
+	Message() << "Segment3: " << src << "," << trg << std::endl;
 }
 
 } // namespace TULO3D

@@ -5,6 +5,7 @@
 #include "ArdoTest3.h"
 #include "Edge3.h"
 #include "Facet3.h"
+#include "Message.h"
 #include "TetIndices.h"
 #include "printing.h"
 #include "tools.h"
@@ -12,7 +13,6 @@
 
 #include <algorithm>
 #include <array>
-#include <iostream>
 #include <iterator>
 
 namespace TULO3D {
@@ -28,14 +28,33 @@ std::array<Point3*, 3> facetVertices(const Tet3& tet, int opp3)
 	return {tet.getCorner(i0), tet.getCorner(i1), tet.getCorner(i2)};
 }
 
-void printFacet(const Tet3& tet, int opp3)
+void printFacet(Message& message, const Tet3& tet, int opp3)
 {
 	int i0 = 0;
 	int i1 = 0;
 	int i2 = 0;
 	tet.getFacetIndices(opp3, i0, i1, i2);
-	std::cout << tet << "...with index " << opp3 << '\n'
-	          << i0 << "," << i1 << "," << i2 << std::endl;
+	message << tet << "...with index " << opp3 << '\n' << i0 << "," << i1 << "," << i2 << std::endl;
+}
+
+void reportNoCommonFacet(const Tet3& tet0, int i0, const Tet3& tet1, int i1)
+{
+	Message message;
+	message << "Tet3::haveCommonFacet() ERROR" << std::endl;
+	printFacet(message, tet0, i0);
+	printFacet(message, tet1, i1);
+}
+
+void reportNoNeighbour(const Tet3& tet, const Tet3* pT)
+{
+	Message message;
+	message << "Tet3::getIntraTetIndex went wrong: ";
+	if (pT != nullptr) {
+		message << *pT;
+	} else {
+		message << "NULL"; // asked for a hull facet that the tetrahedron does not have
+	}
+	message << ", this is " << tet << std::endl;
 }
 
 } // namespace
@@ -51,7 +70,7 @@ Tet3::Tet3()
       aNeighbours{},
       customIndex(-1)
 {
-	std::cout << "Tet default constructor (is actually not called)" << std::endl;
+	Message() << "Tet default constructor (is actually not called)" << std::endl;
 }
 
 Tet3::Tet3(const Tet3& /*other*/)
@@ -63,7 +82,7 @@ Tet3::Tet3(const Tet3& /*other*/)
       aNeighbours{},
       customIndex(-1)
 {
-	std::cout << "CCTOR of Tet3" << std::endl;
+	Message() << "CCTOR of Tet3" << std::endl;
 }
 
 int Tet3::getIntraTetIndexInOppTetForReg(const Tet3* pOther, int ith) const
@@ -144,9 +163,7 @@ bool Tet3::haveCommonFacet(Tet3* pT0, int i0, Tet3* pT1, int i1)
 	});
 	if (bCommon) return true;
 
-	std::cout << "Tet3::haveCommonFacet() ERROR" << std::endl;
-	printFacet(*pT0, i0);
-	printFacet(*pT1, i1);
+	reportNoCommonFacet(*pT0, i0, *pT1, i1);
 	hardStop();
 }
 
@@ -169,13 +186,13 @@ int Tet3::debug_getOppTetIndex(int ith) const
 {
 	assert(range03(ith));
 	if (!aNeighbours[ith]) return -1;
-	std::cout << "Tet3::debug_getTetIndex(): Not implemented yet" << std::endl;
+	Message() << "Tet3::debug_getTetIndex(): Not implemented yet" << std::endl;
 	return 0;
 }
 
 void Tet3::reportSelfLink(int ith, [[maybe_unused]] const Tet3* pC) const
 {
-	std::cout << "this=" << this << ", pC=" << pC << std::endl << *this;
+	Message() << "this=" << this << ", pC=" << pC << std::endl << *this;
 	printWarning("Tet3::setOppTet()",
 	    "trying to set *this as neighbor of *this, ith=" + std::to_string(ith));
 	assert(this!=pC);
@@ -186,13 +203,7 @@ int Tet3::searchNeighbour(const Tet3* pT) const
 	const auto it = std::find(std::begin(aNeighbours), std::end(aNeighbours), pT);
 	if (it != std::end(aNeighbours)) return static_cast<int>(it - std::begin(aNeighbours));
 
-	std::cout << "Tet3::getIntraTetIndex went wrong: ";
-	if (pT != nullptr) {
-		std::cout << *pT;
-	} else {
-		std::cout << "NULL"; // asked for a hull facet that this tetrahedron does not have
-	}
-	std::cout << ", this is " << *this << std::endl;
+	reportNoNeighbour(*this, pT);
 	hardStop();
 }
 

@@ -2,9 +2,8 @@
 // Looking up corners and edges of a triangle, its barycentre and its print.
 #include "Triangle3.h"
 
+#include "Message.h"
 #include "printing.h"
-
-#include <iostream>
 
 namespace TULO3D {
 
@@ -19,7 +18,7 @@ int Triangle3::getIntraTriangleIndex(const Point3* p) const
 	for (int i = 0; i < 3; ++i) {
 		if (aCorners[i] == p) return i;
 	}
-	std::cerr << "Triangle3::getIntraTriangleIndex(): invalid (p)" << std::endl;
+	Message::ofErrors() << "Triangle3::getIntraTriangleIndex(): invalid (p)" << std::endl;
 	return kNotFound;
 }
 
@@ -30,8 +29,8 @@ int Triangle3::getIntraTriangleIndex(const Point3* p1, const Point3* p2) const
 		const Point3* pSecond = aCorners[(i + 2) % 3];
 		if ((pFirst == p1 && pSecond == p2) || (pFirst == p2 && pSecond == p1)) return i;
 	}
-	std::cerr << "Triangle3::getIntraTriangleIndex(): invalid (p1,p2)" << std::endl;
-	std::cout << "Have searched for " << p1 << " and " << p2 << " in " << *this << std::endl;
+	Message::ofErrors() << "Triangle3::getIntraTriangleIndex(): invalid (p1,p2)" << std::endl;
+	Message() << "Have searched for " << p1 << " and " << p2 << " in " << *this << std::endl;
 	return kNotFound;
 }
 

@@ -2,11 +2,11 @@
 // Unit vectors and normals.
 #include "Vector3.h"
 
+#include "Message.h"
 #include "Point3.h"
 #include "vectors.h"
 
 #include <cmath>
-#include <iostream>
 
 namespace TULO3D {
 
@@ -14,7 +14,7 @@ Vector3 normalize(const Vector3& other)
 {
 	const double length = std::sqrt(dot(other, other));
 	if (length > 0) return Vector3(other.x() / length, other.y() / length, other.z() / length);
-	std::cout << "warning: normalize(const Vector3& other), Null length vector!" << std::endl;
+	Message() << "warning: normalize(const Vector3& other), Null length vector!" << std::endl;
 	return Vector3(0, 0, 0);
 }
 

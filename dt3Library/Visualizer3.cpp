@@ -4,11 +4,11 @@
 #include "Visualizer3.h"
 
 #include "Colors.h"
+#include "Message.h"
 #include "tools.h"
 
 #include <cassert>
 #include <cmath>
-#include <iostream>
 #include <locale>
 
 namespace TULO3D {
@@ -37,15 +37,15 @@ void writeTriangle(std::ostream& stream, const Point3& p0, const Point3& p1, con
 
 Visualizer3::Visualizer3(const std::string& filename)
 {
-	std::cout << "Visualizer, writing " << filename << std::endl;
+	Message() << "Visualizer, writing " << filename << std::endl;
 	// A host's own locale may write decimal commas, which no reader of drawings understands.
 	stream.imbue(std::locale::classic());
 	stream.open(filename);
 	if (!stream.is_open()) {
-		std::cout << filename << " not open" << std::endl;
+		Message() << filename << " not open" << std::endl;
 		hardStop();
 	}
-	std::cout << "  Writing " << filename << std::endl;
+	Message() << "  Writing " << filename << std::endl;
 	stream << "LIST" << std::endl << "{" << std::endl;
 }
 
@@ -137,7 +137,7 @@ void Visualizer3::writePoint(const Point3& point, int linewidth, const std::stri
 std::string Visualizer3::getColor()
 {
 	if (colorIndex < kCycledColors) return colorArray[colorIndex];
-	std::cout << "Attention, returning colorArray[13] which is the last available color"
+	Message() << "Attention, returning colorArray[13] which is the last available color"
 	          << std::endl;
 	return colorArray[kCycledColors - 1];
 }

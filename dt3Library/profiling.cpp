@@ -2,9 +2,10 @@
 // Named counters and named stopwatches, in tables that live until the process ends.
 #include "profiling.h"
 
+#include "Message.h"
+
 #include <chrono>
 #include <iomanip>
-#include <iostream>
 #include <map>
 
 namespace {
@@ -36,16 +37,16 @@ double timer(const std::string& name)
 	const auto it = startReadings.find(name);
 	if (it == startReadings.end()) {
 		startReadings[name] = performanceCounter();
-		std::cout << "*** Timer [" + name + "] start" << std::endl;
+		Message() << "*** Timer [" + name + "] start" << std::endl;
 		return 0;
 	}
 
 	const long long now = performanceCounter();
 	long long frequency = 1;
-	if (!performanceFrequency(frequency)) std::cout << "no timer present,sorry" << std::endl;
+	if (!performanceFrequency(frequency)) Message() << "no timer present,sorry" << std::endl;
 	const double elapsed = static_cast<double>(now - it->second) / static_cast<double>(frequency);
 	// Deliberate: the precision goes back to six digits, the fixed notation stays.
-	std::cout << "*** Timer [" + name + "] stop, elapsed time: " << std::fixed
+	Message() << "*** Timer [" + name + "] stop, elapsed time: " << std::fixed
 	          << std::setprecision(3) << elapsed << " s" << std::endl
 	          << std::endl
 	          << std::setprecision(6);
@@ -63,9 +64,10 @@ void benchCounter(std::string& name)
 		++counters[name];
 		return;
 	}
-	std::cout << std::endl << "Counters: " << std::endl;
+	TULO3D::Message message;
+	message << std::endl << "Counters: " << std::endl;
 	for (const auto& [counterName, count] : counters) {
-		std::cout << counterName << "\t" << count << std::endl;
+		message << counterName << "\t" << count << std::endl;
 	}
-	std::cout << std::endl;
+	message << std::endl;
 }

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 // Messages, the checked condition and the hard stops.
 #include "tools.h"
+#include "Message.h"
 
 #include <cstdlib>
 #include <iomanip>
-#include <iostream>
 #include <sstream>
 
 namespace TULO3D {
@@ -15,7 +15,7 @@ constexpr const char* kIndent = "      ";
 
 void printFramed(const std::string& prefix, const char* level, const std::string& text)
 {
-	std::cout << std::endl << kIndent + prefix + level + text << std::endl << std::endl;
+	Message() << std::endl << kIndent + prefix + level + text << std::endl << std::endl;
 }
 
 } // namespace
@@ -33,7 +33,7 @@ void printWarning(const std::string& prefix, const std::string& text)
 void printErrorBanner(const std::string& text)
 {
 	const std::string rule = std::string(text.size() + 36, '*') + "\n";
-	std::cout << "\n\n" + rule + rule + "                " + text + "\n" + rule + rule;
+	Message() << "\n\n" + rule + rule + "                " + text + "\n" + rule + rule;
 }
 
 std::string nextDebugFilePrefix()
@@ -50,21 +50,23 @@ void goToHell(const std::string& reason)
 {
 	printError("goToHell", " reason: " + reason);
 	const volatile int* volatile pNowhere = nullptr; // volatile: no compiler may remove the read
-	std::cout << *pNowhere << std::endl;
+	const int nothing = *pNowhere;
+	Message() << nothing << std::endl;
 	std::abort();
 }
 
 void hardStop()
 {
-	std::cout.flush();
+	Message() << std::flush;
 	std::exit(1);
 }
 
 void failCondition(const char* conditionText, const char* file, int line)
 {
+	Message message; // so that nothing comes between the two
 	// Deliberate: the prefix brings its own comma, so the printed line has two.
 	printError("Tulo, ", std::string("Condition [ ") + conditionText + " failed ]");
-	std::cout << kIndent << file << ":" + std::to_string(line) << std::endl;
+	message << kIndent << file << ":" + std::to_string(line) << std::endl;
 	throw TuloException();
 }
 

@@ -14,6 +14,7 @@
 #include "Triangle3.h"
 #include "TuloException.h"
 #include "Vector3.h"
+#include "messages.h"
 #include "profiling.h"
 #include "testDataGenerators.h"
 #include "tulo3dExport.h"

@@ -5,6 +5,7 @@
 #include "tools.h"
 
 #include <functional>
+#include <thread>
 
 using namespace TULO3D;
 using points::Cloud;
@@ -100,6 +101,49 @@ TEST(Messages, AreLiteral)
 		Stage stage;
 		EXPECT_EQ(support::conditionFailedBy([&] { line.action(stage); }), line.text);
 	}
+}
+
+TEST(Messages, GoWhereTheirThreadHasChosen)
+{
+	for (const Line& line : kPrinted) {
+		Stage stage;
+		std::ostringstream chosen;
+		const auto actWith = [&](std::ostream* pStream) {
+			const support::MessagesTo to(pStream);
+			line.action(stage);
+		};
+		EXPECT_EQ(support::printedBy([&] { std::thread([&] { actWith(&chosen); }).join(); }), "");
+		EXPECT_EQ(chosen.str(), line.text);
+	}
+	const support::MessagesTo silence(nullptr);
+	for (const Line& line : kPrinted) {
+		Stage stage;
+		EXPECT_EQ(support::printedBy([&] { line.action(stage); }), "");
+	}
+	std::ostream* pElsewhere = nullptr;
+	std::thread([&] { pElsewhere = setMessageStream(nullptr); }).join();
+	EXPECT_EQ(pElsewhere, &std::cout);
+	EXPECT_EQ(setMessageStream(nullptr), nullptr);
+}
+
+TEST(Messages, OfATriangleGoToStandardErrorUnlessAStreamIsChosen)
+{
+	Point3 p;
+	const Triangle3 triangle(&p, &p, &p);
+	const auto errorsWith = [&](std::ostream* pStream) {
+		const std::ostringstream errors;
+		std::streambuf* const pOld = std::cerr.rdbuf(errors.rdbuf());
+		const support::MessagesTo to(pStream);
+		EXPECT_EQ(support::printedBy([&] { triangle.getIntraTriangleIndex(nullptr); }), "");
+		std::cerr.rdbuf(pOld);
+		return errors.str();
+	};
+	const std::string line = "Triangle3::getIntraTriangleIndex(): invalid (p)\n";
+	std::ostringstream chosen;
+	EXPECT_EQ(errorsWith(&std::cout), line);
+	EXPECT_EQ(errorsWith(nullptr), "");
+	EXPECT_EQ(errorsWith(&chosen), "");
+	EXPECT_EQ(chosen.str(), line);
 }
 
 TEST(MessagesDeathTest, DrawingsOfAProcessAreNumberedFromZero)

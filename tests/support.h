@@ -38,6 +38,19 @@ private:
 	std::streambuf* pOld;
 };
 
+/// Leads the messages of this thread to a stream while it lives; null is silence.
+class MessagesTo
+{
+public:
+	explicit MessagesTo(std::ostream* pStream) : pFormer(TULO3D::setMessageStream(pStream)) {}
+	MessagesTo(const MessagesTo&) = delete;
+	MessagesTo& operator=(const MessagesTo&) = delete;
+	~MessagesTo() { TULO3D::setMessageStream(pFormer); }
+
+private:
+	std::ostream* pFormer;
+};
+
 /// What `f` prints to standard output; "threw" is appended when it throws a TuloException.
 template <class F>
 std::string printedBy(F f)

@@ -2,6 +2,7 @@
 // Storage for records that exist by the million and die all at once.
 #pragma once
 
+#include "Message.h"
 #include "mapAhead.h"
 #include "tools.h"
 
@@ -9,7 +10,6 @@
 #include <cstddef>
 #include <cstdlib>
 #include <functional>
-#include <iostream>
 #include <numeric>
 #include <utility>
 #include <vector>
@@ -31,7 +31,7 @@ public:
 	~SimplePool()
 	{
 		if (blockList.size() > 50) {
-			std::cout << "SimplePool::~SimplePool: Number of containers to release: "
+			Message() << "SimplePool::~SimplePool: Number of containers to release: "
 			          << blockList.size() << std::endl;
 		}
 		releaseAll();
@@ -45,7 +45,7 @@ public:
 	void init(int firstBlock, int growth, int maxBlock)
 	{
 		if (initialized) {
-			std::cout << "SimplePool::init(..), ERROR: This pool is already initialized"
+			Message() << "SimplePool::init(..), ERROR: This pool is already initialized"
 			          << std::endl;
 			hardStop();
 		}
@@ -71,7 +71,7 @@ public:
 		vSizes.push_back(size);
 		currentBlock = static_cast<T*>(std::malloc(static_cast<std::size_t>(size) * sizeof(T)));
 		if (currentBlock == nullptr) {
-			std::cout << "SimplePool::alloc(..), ERROR: Out of memory, sorry" << std::endl;
+			Message() << "SimplePool::alloc(..), ERROR: Out of memory, sorry" << std::endl;
 			hardStop();
 		}
 		blockList.push_back(currentBlock);
