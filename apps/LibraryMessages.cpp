@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: MIT
-// The stream buffer that std::cout gets for the time of a run.
+// The buffer behind the stream that the library's messages go to for the time of a run.
 #include "LibraryMessages.h"
+
+#include "messages.h"
 
 #include <algorithm>
 #include <cstdio>
-#include <iostream>
 
 namespace app {
 
@@ -19,13 +20,14 @@ bool isTrouble(const std::string& text)
 
 } // namespace
 
-LibraryMessages::LibraryMessages(bool bPass) : bPassing(bPass), pFormer(std::cout.rdbuf(this))
+LibraryMessages::LibraryMessages(bool bPass)
+    : bPassing(bPass), stream(this), pFormer(TULO3D::setMessageStream(&stream))
 {
 }
 
 LibraryMessages::~LibraryMessages()
 {
-	std::cout.rdbuf(pFormer);
+	TULO3D::setMessageStream(pFormer);
 	release();
 }
 

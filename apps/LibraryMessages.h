@@ -2,12 +2,13 @@
 // Keeps what the library prints away from standard output, which belongs to the program's results.
 #pragma once
 
+#include <ostream>
 #include <streambuf>
 #include <string>
 
 namespace app {
 
-/// While an object lives, everything written to `std::cout` comes here.
+/// While an object lives, all messages that the library prints in its thread come here.
 ///
 /// Ordinary notices are held back; the first message of trouble lets them out on standard error, all
 /// that follow pass at once, and so does everything when `bPass` is set. What is still held when the
@@ -33,7 +34,8 @@ private:
 
 	bool bPassing;
 	std::string held;
-	std::streambuf* pFormer;
+	std::ostream stream;
+	std::ostream* pFormer;
 };
 
 } // namespace app
