@@ -116,7 +116,7 @@ inline Orientation3 ArdoTest3::getOrientation3(
 inline Orientation3 ArdoTest3::getOrientation3(const Tet3* pC, int ith, const Point3* pVtx) const
 {
 	assert(range03(ith));
-	if (!range03(ith)) hardStop();
+	if (!range03(ith)) hardStop(StopReason::kWrongUse, "range03(ith)");
 	if (pC == nullptr) goToHell("getOrientation3, pC==NULL");
 	const auto [i, j, k] = insideFacet(ith);
 	return getOrientation3(pC->getCorner(i), pC->getCorner(j), pC->getCorner(k), pVtx);

@@ -2,7 +2,6 @@
 // The vertex store: folds duplicates, orders a batch, offers a start.
 #include "HC3.h"
 #include "KeySort.h"
-#include "Message.h"
 #include "Prefetch.h"
 #include "Tet3.h"
 #include "tools.h"
@@ -111,8 +110,7 @@ HC3::HC3(unsigned bits) : numBits(bits)
 	vertexPool.init(4, -1, SimplePool<Point3>::kMaxBlock);
 	itemPool.init(4, -1, SimplePool<IdxVtx>::kMaxBlock);
 	if (numBits >= 33 || numBits % 3 != 0) {
-		Message() << "HC3::HC3(..): invalid bitlength" << std::endl;
-		hardStop();
+		printAndStop(StopReason::kWrongUse, "HC3::HC3(..): invalid bitlength");
 	}
 }
 

@@ -122,8 +122,8 @@ Point3* Tet3::getOppVtxInOppTet(int ith, bool bMayBeNull) const
 	const Tet3* pNeigh = getOppTet(ith);
 	if (pNeigh) return pNeigh->getCorner(pNeigh->getIntraTetIndex(this));
 	if (bMayBeNull) return nullptr;
-	printError("Tet3::getOppVtxInOppTet", "no neighbor tet");
-	hardStop();
+	const std::string text = printError("Tet3::getOppVtxInOppTet", "no neighbor tet");
+	hardStop(StopReason::kWrongUse, text.c_str());
 }
 
 Facet3 Tet3::getFacet(int ith)
@@ -164,7 +164,7 @@ bool Tet3::haveCommonFacet(Tet3* pT0, int i0, Tet3* pT1, int i1)
 	if (bCommon) return true;
 
 	reportNoCommonFacet(*pT0, i0, *pT1, i1);
-	hardStop();
+	hardStop(StopReason::kBrokenMesh, "Tet3::haveCommonFacet() ERROR");
 }
 
 Point3 Tet3::getCircumcenter() const
@@ -204,7 +204,7 @@ int Tet3::searchNeighbour(const Tet3* pT) const
 	if (it != std::end(aNeighbours)) return static_cast<int>(it - std::begin(aNeighbours));
 
 	reportNoNeighbour(*this, pT);
-	hardStop();
+	hardStop(StopReason::kBrokenMesh, "Tet3::getIntraTetIndex went wrong");
 }
 
 std::ostream& operator<<(std::ostream& stream, const Tet3& tet)

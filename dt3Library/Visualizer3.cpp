@@ -42,8 +42,7 @@ Visualizer3::Visualizer3(const std::string& filename)
 	stream.imbue(std::locale::classic());
 	stream.open(filename);
 	if (!stream.is_open()) {
-		Message() << filename << " not open" << std::endl;
-		hardStop();
+		printAndStop(StopReason::kFileNotOpen, (filename + " not open").c_str());
 	}
 	Message() << "  Writing " << filename << std::endl;
 	stream << "LIST" << std::endl << "{" << std::endl;

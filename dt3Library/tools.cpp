@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <iomanip>
 #include <sstream>
+#include <utility>
 
 namespace TULO3D {
 
@@ -13,16 +14,25 @@ namespace {
 
 constexpr const char* kIndent = "      ";
 
-void printFramed(const std::string& prefix, const char* level, const std::string& text)
+thread_local StopHandler stopHandler = nullptr;
+
+std::string printFramed(const std::string& prefix, const char* level, const std::string& text)
 {
-	Message() << std::endl << kIndent + prefix + level + text << std::endl << std::endl;
+	std::string line = prefix + level + text;
+	Message() << std::endl << kIndent + line << std::endl << std::endl;
+	return line;
 }
 
 } // namespace
 
-void printError(const std::string& prefix, const std::string& text)
+StopHandler setStopHandler(StopHandler handler)
 {
-	printFramed(prefix, ", ERROR: ", text);
+	return std::exchange(stopHandler, handler);
+}
+
+std::string printError(const std::string& prefix, const std::string& text)
+{
+	return printFramed(prefix, ", ERROR: ", text);
 }
 
 void printWarning(const std::string& prefix, const std::string& text)
@@ -48,17 +58,25 @@ std::string nextDebugFilePrefix()
 
 void goToHell(const std::string& reason)
 {
-	printError("goToHell", " reason: " + reason);
+	const std::string line = printError("goToHell", " reason: " + reason);
+	if (stopHandler != nullptr) stopHandler(StopReason::kBrokenMesh, line.c_str());
 	const volatile int* volatile pNowhere = nullptr; // volatile: no compiler may remove the read
 	const int nothing = *pNowhere;
 	Message() << nothing << std::endl;
 	std::abort();
 }
 
-void hardStop()
+void hardStop(StopReason reason, const char* text)
 {
 	Message() << std::flush;
+	if (stopHandler != nullptr) stopHandler(reason, text);
 	std::exit(1);
+}
+
+void printAndStop(StopReason reason, const char* text)
+{
+	Message() << text << std::endl;
+	hardStop(reason, text);
 }
 
 void failCondition(const char* conditionText, const char* file, int line)

@@ -3,14 +3,16 @@
 #pragma once
 
 #include "TuloException.h"
+#include "messages.h"
 
 #include <cassert>
 #include <string>
 
 namespace TULO3D {
 
-/// Writes an empty line, "      prefix, ERROR: text" and an empty line to standard output.
-void printError(const std::string& prefix, const std::string& text);
+/// Writes an empty line, "      prefix, ERROR: text" and an empty line; returns the line between
+/// without its indentation.
+std::string printError(const std::string& prefix, const std::string& text);
 
 /// The same with WARNING: for what the library survives.
 void printWarning(const std::string& prefix, const std::string& text);
@@ -21,12 +23,16 @@ void printErrorBanner(const std::string& text);
 /// "00000_", "00001_", ...: keeps the debug files of one run apart. Never reset.
 std::string nextDebugFilePrefix();
 
-/// The end of the road for states that only a defect can bring about: reports, then reads through
-/// null, so that a debugger halts at the spot.
+/// The end of the road for states that only a defect can bring about: reports, asks the thread's stop
+/// handler, then reads through null, so that a debugger halts at the spot.
 [[noreturn]] void goToHell(const std::string& reason);
 
-/// Ends the process with status 1, whatever the build. The caller has printed why.
-[[noreturn]] void hardStop();
+/// Asks the thread's stop handler, which may throw, then ends the process with status 1, whatever the
+/// build. The caller has printed `text`.
+[[noreturn]] void hardStop(StopReason reason, const char* text);
+
+/// Prints `text` on a line of its own, then stops.
+[[noreturn]] void printAndStop(StopReason reason, const char* text);
 
 /// True for the index of a corner, a facet or a neighbour of a tetrahedron.
 constexpr bool range03(int i)

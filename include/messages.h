@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
-// Where the library's messages go.
+// What a host can choose: where the library's messages go, and what happens instead of a hard stop.
 #pragma once
 
 /// @file
-/// Where the library's messages go.
+/// What a host can choose: where the library's messages go, and what happens instead of a hard stop.
 
 #include "tulo3dExport.h"
 
@@ -19,5 +19,27 @@ namespace TULO3D {
 /// corner go to standard error. Null stands for silence. A stream must outlive its choice. Threads may
 /// share one: while one of them prints a message, the others wait.
 TULO3D_API std::ostream* setMessageStream(std::ostream* pStream);
+
+/// Why the library cannot go on.
+enum class StopReason {
+	kOutOfMemory, ///< no block of memory for further vertices or tetrahedra
+	kFileNotOpen, ///< a drawing cannot be written
+	kWrongUse,    ///< an argument that the called operation excludes
+	kBrokenMesh   ///< a mesh whose links do not fit together: changed by the host, or by a defect
+};
+
+/// What a host does instead of a hard stop. `text` is the message that has just been printed, without
+/// the records printed with it and the frame around it; it is valid until the handler returns or
+/// throws.
+using StopHandler = void (*)(StopReason reason, const char* text);
+
+/// Chooses what is called where a call from this thread would end the process, and returns the
+/// handler chosen before. Null, the default, stands for none.
+///
+/// The handler may throw. The exception leaves the library through the call that failed; then an object
+/// that was being inserted into can only be destroyed, which frees all its memory. When the handler
+/// returns, the process ends: with status 1, or abnormally where a pointer is null that only a defect
+/// can make so. Assertions, where compiled in, end it without asking.
+TULO3D_API StopHandler setStopHandler(StopHandler handler);
 
 } // namespace TULO3D

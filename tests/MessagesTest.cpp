@@ -5,6 +5,8 @@
 #include "tools.h"
 
 #include <functional>
+#include <iterator>
+#include <new>
 #include <thread>
 
 using namespace TULO3D;
@@ -86,6 +88,38 @@ const Line kConditions[] = {
 	{"!pCHTet->hasBeenVisited", [](Stage& s) { s.pTet->hasBeenVisited = true; s.engine.createConeTets({s.pTet}, &s.alien); }},
 	{"pDoomedTet->hasBeenVisited", [](Stage& s) { s.engine.retriangulateDoomedTets({s.pTet}, &s.alien); }},
 	{"false", [](Stage&) { ArdoTest3::getOrientationName(static_cast<Orientation3>(3)); }},
+};
+
+/// A place where the process would end: what the stop handler is told, and how the printed text goes on.
+struct Stop
+{
+	StopReason reason;
+	std::string text;
+	std::function<void(Stage&)> action;
+	std::string rest; // a regular expression
+};
+
+struct Huge
+{
+	char bytes[1 << 20];
+};
+
+Tet3* const pNull = nullptr;
+using Why = StopReason;
+const Stop kStops[] = {
+	{Why::kOutOfMemory, "SimplePool::alloc(..), ERROR: Out of memory, sorry", [](Stage&) { SimplePool<Huge>().init(2147483647, 1, 1); }, ""},
+	{Why::kFileNotOpen, "no/such/folder/a.list not open", [](Stage& s) { s.engine.show("no/such/folder/a.list", nullptr); }, ""},
+	{Why::kWrongUse, "SimplePool::init(..), ERROR: This pool is already initialized", [](Stage& s) { s.engine.tetPool.init(4, -1, 10); }, ""},
+	{Why::kWrongUse, "HC3::HC3(..): invalid bitlength", [](Stage&) { HC3 store(28); }, ""},
+	{Why::kWrongUse, "HC3::HC3(..): invalid bitlength", [](Stage&) { HC3 store(33); }, ""},
+	{Why::kWrongUse, "HC3::HC3(..): invalid bitlength", [](Stage&) { HC3 store(36); }, ""},
+	{Why::kWrongUse, "Tet3::getOppVtxInOppTet, ERROR: no neighbor tet", [](Stage& s) { s.pTet->getOppVtxInOppTet(1, false); }, ""},
+	{Why::kBrokenMesh, "Tet3::getIntraTetIndex went wrong", [](Stage& s) { s.pTet->getIntraTetIndex(s.pTet); }, ": Tetrahedron .*(\n.*)*, this is Tetrahedron"},
+	{Why::kBrokenMesh, "Tet3::haveCommonFacet() ERROR", [](Stage& s) { Tet3::haveCommonFacet(s.pTet, 0, s.pTet, 1); }, "\n(.*\n)*\\.\\.\\.with index 0\n1,2,3\n(.*\n)*\\.\\.\\.with index 1\n0,3,2"},
+	{Why::kBrokenMesh, "goToHell, ERROR:  reason: because", [](Stage&) { goToHell("because"); }, ""},
+	{Why::kBrokenMesh, "goToHell, ERROR:  reason: locateConflictTet", [](Stage& s) { Tet3* pStart = nullptr; s.engine.locateConflictTet(s.pVtx, pStart); }, ""},
+	{Why::kBrokenMesh, "goToHell, ERROR:  reason: pLastTet==NULL in Dt3::triangulate", [](Stage& s) { s.engine.triangulate(s.handles, nullptr); }, ""},
+	{Why::kBrokenMesh, "goToHell, ERROR:  reason: getOrientation3, pC==NULL", [](Stage& s) { s.engine.predicates.getOrientation3(pNull, 0, s.pVtx); }, ""},
 };
 // clang-format on
 
@@ -169,27 +203,55 @@ TEST(Messages, AFailedConditionNamesItselfAndItsPlaceAndThrows)
 	EXPECT_EQ(std::string(TuloException().what()).rfind(what, 0), 0U);
 }
 
-TEST(MessagesDeathTest, StopsEndTheProcess)
+TEST(Messages, AStopHandlerIsToldWhyAndMayThrow)
 {
-	Stage s;
-	Tet3* pNull = nullptr;
-	const auto abnormal = [](int status) { return status != 0; };
-	const auto one = testing::ExitedWithCode(1);
-	const auto inLines = [](const std::string& expression) {
+	static StopReason reason;
+	static std::string text;
+	const StopHandler handler = [](StopReason why, const char* pText) {
+		reason = why;
+		text = pText;
+		throw std::bad_alloc();
+	};
+	EXPECT_EQ(setStopHandler(handler), nullptr);
+	for (const Stop& stop : kStops) {
+		text.clear();
+		Stage stage;
+		const std::string printed = support::printedBy(
+		    [&] { EXPECT_THROW(stop.action(stage), std::bad_alloc) << stop.text; });
+		EXPECT_TRUE(text == stop.text && reason == stop.reason) << text;
+		EXPECT_NE(printed.find(stop.text), std::string::npos) << printed;
+	}
+	StopHandler elsewhere = handler;
+	std::thread([&] { elsewhere = setStopHandler(handler); }).join();
+	EXPECT_EQ(elsewhere, nullptr) << "a thread's choice is its own";
+	EXPECT_EQ(setStopHandler(nullptr), handler);
+}
+
+TEST(MessagesDeathTest, StopsEndTheProcessEvenWhenAHandlerReturns)
+{
+	const auto asRegex = [](const Stop& stop) {
+		std::string expression;
+		for (const char c : stop.text)
+			expression += (c == '(' || c == ')' ? "\\" : "") + std::string(1, c);
+		expression += stop.rest;
 #ifdef GTEST_USES_SIMPLE_RE // on Windows, and without groups
 		return expression.substr(0, expression.find_first_of(".\n"));
 #else
 		return expression;
 #endif
 	};
-	// clang-format off
-	EXPECT_EXIT(loudly([&] { s.engine.show("no/such/folder/a.list", nullptr); }), one, "no/such/folder/a.list not open");
-	EXPECT_EXIT(loudly([&] { goToHell("because"); }), abnormal, "      goToHell, ERROR:  reason: because");
-	EXPECT_EXIT(loudly([&] { s.engine.locateConflictTet(s.pVtx, pNull); }), abnormal, " reason: locateConflictTet");
-	EXPECT_EXIT(loudly([&] { s.engine.triangulate(s.handles, nullptr); }), abnormal, " reason: pLastTet==NULL in Dt3::triangulate");
-	EXPECT_EXIT(loudly([&] { s.engine.predicates.getOrientation3(pNull, 0, s.pVtx); }), abnormal, " reason: getOrientation3, pC==NULL");
-	EXPECT_EXIT(loudly([&] { s.pTet->getIntraTetIndex(s.pTet); }), one, inLines("Tet3::getIntraTetIndex went wrong: Tetrahedron .*(\n.*)*, this is Tetrahedron"));
-	EXPECT_EXIT(loudly([&] { s.pTet->getOppVtxInOppTet(1, false); }), one, "      Tet3::getOppVtxInOppTet, ERROR: no neighbor tet");
-	EXPECT_EXIT(loudly([&] { Tet3::haveCommonFacet(s.pTet, 0, s.pTet, 1); }), one, inLines("Tet3::haveCommonFacet\\(\\) ERROR\n(.*\n)*\\.\\.\\.with index 0\n1,2,3\n(.*\n)*\\.\\.\\.with index 1\n0,3,2"));
-	// clang-format on
+	for (const Stop& stop : kStops) {
+		Stage stage;
+		const bool bCrash = stop.text.rfind("goToHell", 0) == 0;
+		const auto ends = [bCrash](int status) {
+			return bCrash ? status != 0 : testing::ExitedWithCode(1)(status);
+		};
+		EXPECT_EXIT(loudly([&] { stop.action(stage); }), ends, asRegex(stop));
+		if (&stop != std::begin(kStops) && &stop + 1 != std::end(kStops)) continue;
+		const auto askFirst = [&] {
+			setStopHandler([](StopReason, const char*) { std::cerr << "asked" << std::endl; });
+			stop.action(stage);
+		};
+		EXPECT_EXIT(loudly(askFirst), ends, "asked");
+	}
 }

@@ -1,10 +1,9 @@
 // SPDX-License-Identifier: MIT
-// The pools: how they grow, what a reset keeps, and their hard stops.
+// The pools: how they grow, and what a reset keeps.
 #include "ardo_tools/SimplePool.h"
 #include "support.h"
 
 using namespace TULO3D;
-using support::loudly;
 
 // Address sanitizer is to report exhausted memory to the pool as any allocator does.
 extern "C" const char* __asan_default_options()
@@ -75,13 +74,4 @@ TEST(Pool, DestructorAnnouncesMoreThanFiftyBlocks)
 	EXPECT_EQ(support::printedBy([] { Pool(1, 1, 1).take(50); }), "");
 	EXPECT_EQ(support::printedBy([] { Pool(1, 1, 1).take(51); }),
 	    "SimplePool::~SimplePool: Number of containers to release: 51\n");
-}
-
-TEST(PoolDeathTest, MisuseAndExhaustionEndTheProcessWithStatusOne)
-{
-	const auto one = testing::ExitedWithCode(1);
-	EXPECT_EXIT(loudly([] { Pool(4, -1, 10).init(4, -1, 10); }), one,
-	    "SimplePool::init\\(..\\), ERROR: This pool is already initialized");
-	EXPECT_EXIT(loudly([] { SimplePool<Large>().init(2147483647, 1, 1); }), one,
-	    "SimplePool::alloc\\(..\\), ERROR: Out of memory, sorry");
 }

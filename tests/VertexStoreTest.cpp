@@ -185,11 +185,3 @@ TEST(VertexStoreDeathTest, AMovedBoxGetsItsWholeSizeAsMarginButATenthForTheFirst
 	EXPECT_FRESH_PROCESS_PRINTS(
 	    insertAll(), "^0..0 -1..3 -1..3 -1..3 -1..3 -2..20 -2..20 -14.5..31.5 -1..3 $");
 }
-
-TEST(VertexStoreDeathTest, KeysOfAnOddLengthEndTheProcessWithStatusOne)
-{
-	for (const unsigned bits : {28U, 33U, 36U}) {
-		EXPECT_EXIT(support::loudly([bits] { HC3 store(bits); }), testing::ExitedWithCode(1),
-		    "HC3::HC3\\(..\\): invalid bitlength");
-	}
-}

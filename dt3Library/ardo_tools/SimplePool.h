@@ -45,9 +45,8 @@ public:
 	void init(int firstBlock, int growth, int maxBlock)
 	{
 		if (initialized) {
-			Message() << "SimplePool::init(..), ERROR: This pool is already initialized"
-			          << std::endl;
-			hardStop();
+			printAndStop(StopReason::kWrongUse,
+			    "SimplePool::init(..), ERROR: This pool is already initialized");
 		}
 		maxBlockSize = maxBlock;
 		firstBlockSize = firstBlock;
@@ -69,10 +68,11 @@ public:
 	{
 		const int size = requested < 0 ? nextAutomaticSize() : requested;
 		vSizes.push_back(size);
+		blockList.reserve(blockList.size() + 1); // now: a block that cannot be listed is never freed
 		currentBlock = static_cast<T*>(std::malloc(static_cast<std::size_t>(size) * sizeof(T)));
 		if (currentBlock == nullptr) {
-			Message() << "SimplePool::alloc(..), ERROR: Out of memory, sorry" << std::endl;
-			hardStop();
+			printAndStop(
+			    StopReason::kOutOfMemory, "SimplePool::alloc(..), ERROR: Out of memory, sorry");
 		}
 		blockList.push_back(currentBlock);
 		currentBlockSize = size;
