@@ -32,7 +32,8 @@ Tet3* Dt3::insertVertex(Point3** ppVtx, Tet3* pStartTet, bool bShortcut)
 	CONDITION_CHECK(!pCurTet->hasBeenVisited);
 	expectNothingPending();
 
-	const auto age = static_cast<unsigned>(*pNextLabel) - static_cast<unsigned>(pStartTet->label);
+	const auto age = static_cast<unsigned>(Tet3::loadLabel(*pNextLabel)) -
+	    static_cast<unsigned>(pStartTet->label);
 	const bool bCold = age > kColdAge;
 	const int locateResult = locatePersistently(**ppVtx, pCurTet, bShortcut);
 	CONDITION_CHECK(locateResult!=-99);

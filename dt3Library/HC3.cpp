@@ -8,6 +8,7 @@
 #include "vectors.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -83,10 +84,8 @@ IdxVtx probeFor(std::uint32_t key, const Point3& point)
 /// this process, its whole size later on. Deliberate: one flag for all stores.
 double takeBatchMargin()
 {
-	static bool bFirst = true;
-	const double margin = bFirst ? 0.1 : 1.0;
-	bFirst = false;
-	return margin;
+	static std::atomic<bool> bFirst{true};
+	return bFirst.exchange(false) ? 0.1 : 1.0;
 }
 
 } // namespace

@@ -7,6 +7,7 @@
 #include "Message.h"
 #include "tools.h"
 
+#include <atomic>
 #include <cassert>
 #include <cmath>
 #include <locale>
@@ -15,7 +16,16 @@ namespace TULO3D {
 
 namespace {
 
-int colorIndex = 0; // of the process: a second drawing goes on where the first one stopped
+// Of the process: a second drawing goes on where the first one stopped.
+std::atomic<int> colorIndex{0};
+
+std::string colorAt(int index)
+{
+	if (index < kCycledColors) return colorArray[index];
+	Message() << "Attention, returning colorArray[13] which is the last available color"
+	          << std::endl;
+	return colorArray[kCycledColors - 1];
+}
 
 /// Six digits, the stream's default: the file is for the eye.
 void writeCoordinates(std::ostream& stream, const Point3& p)
@@ -135,17 +145,14 @@ void Visualizer3::writePoint(const Point3& point, int linewidth, const std::stri
 
 std::string Visualizer3::getColor()
 {
-	if (colorIndex < kCycledColors) return colorArray[colorIndex];
-	Message() << "Attention, returning colorArray[13] which is the last available color"
-	          << std::endl;
-	return colorArray[kCycledColors - 1];
+	return colorAt(colorIndex);
 }
 
 std::string Visualizer3::getNextColor()
 {
-	std::string color = getColor();
-	colorIndex = (colorIndex + 1) % kCycledColors;
-	return color;
+	int index = colorIndex;
+	while (!colorIndex.compare_exchange_weak(index, (index + 1) % kCycledColors)) {}
+	return colorAt(index);
 }
 
 } // namespace TULO3D

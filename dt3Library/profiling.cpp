@@ -7,6 +7,8 @@
 #include <chrono>
 #include <iomanip>
 #include <map>
+#include <mutex>
+#include <optional>
 
 namespace {
 
@@ -28,29 +30,38 @@ bool performanceFrequency(long long& frequency)
 
 } // namespace
 
+// Both tables are locked without printing: a host's stream may use these instruments itself.
+
 namespace TULO3D {
 
 double timer(const std::string& name)
 {
+	static std::mutex mutex;
 	static std::map<std::string, long long> startReadings;
 
-	const auto it = startReadings.find(name);
-	if (it == startReadings.end()) {
-		startReadings[name] = performanceCounter();
+	const long long now = performanceCounter();
+	std::optional<long long> start;
+	{
+		const std::lock_guard<std::mutex> lock(mutex);
+		const auto [it, bStarts] = startReadings.emplace(name, now);
+		if (!bStarts) {
+			start = it->second;
+			startReadings.erase(it);
+		}
+	}
+	if (!start) {
 		Message() << "*** Timer [" + name + "] start" << std::endl;
 		return 0;
 	}
 
-	const long long now = performanceCounter();
 	long long frequency = 1;
 	if (!performanceFrequency(frequency)) Message() << "no timer present,sorry" << std::endl;
-	const double elapsed = static_cast<double>(now - it->second) / static_cast<double>(frequency);
+	const double elapsed = static_cast<double>(now - *start) / static_cast<double>(frequency);
 	// Deliberate: the precision goes back to six digits, the fixed notation stays.
 	Message() << "*** Timer [" + name + "] stop, elapsed time: " << std::fixed
 	          << std::setprecision(3) << elapsed << " s" << std::endl
 	          << std::endl
 	          << std::setprecision(6);
-	startReadings.erase(it);
 	return elapsed;
 }
 
@@ -58,15 +69,19 @@ double timer(const std::string& name)
 
 void benchCounter(std::string& name)
 {
+	static std::mutex mutex;
 	static std::map<std::string, int> counters;
 
+	std::unique_lock<std::mutex> lock(mutex);
 	if (name != "GETCOUNTERS") {
 		++counters[name];
 		return;
 	}
+	const std::map<std::string, int> counted(counters);
+	lock.unlock();
 	TULO3D::Message message;
 	message << std::endl << "Counters: " << std::endl;
-	for (const auto& [counterName, count] : counters) {
+	for (const auto& [counterName, count] : counted) {
 		message << counterName << "\t" << count << std::endl;
 	}
 	message << std::endl;

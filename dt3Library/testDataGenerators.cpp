@@ -4,6 +4,7 @@
 
 #include "tools.h"
 
+#include <atomic>
 #include <ctime>
 
 namespace TULO3D {
@@ -13,10 +14,10 @@ namespace {
 /// Seed 0 stands for the time of day; calls within the same second are kept apart by their number.
 void seedByTime(Rand15& random)
 {
-	static int numCalls = 0;
+	static std::atomic<int> numCalls{0};
+	const int numBefore = numCalls++;
 	random.seed(static_cast<unsigned int>(std::time(nullptr)));
-	for (int i = 0; i < numCalls; ++i) random.seed(static_cast<unsigned int>(random.next()));
-	++numCalls;
+	for (int i = 0; i < numBefore; ++i) random.seed(static_cast<unsigned int>(random.next()));
 }
 
 } // namespace

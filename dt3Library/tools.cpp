@@ -3,6 +3,7 @@
 #include "tools.h"
 #include "Message.h"
 
+#include <atomic>
 #include <cstdlib>
 #include <iomanip>
 #include <sstream>
@@ -48,11 +49,11 @@ void printErrorBanner(const std::string& text)
 
 std::string nextDebugFilePrefix()
 {
-	static int counter = -1; // Deliberate: the first file has number 0.
-	++counter;
+	static std::atomic<int> counter{-1}; // Deliberate: the first file has number 0.
+	const int number = ++counter;
 	std::ostringstream stream;
 	stream.imbue(std::locale::classic());
-	stream << std::setw(5) << std::setfill('0') << counter << '_';
+	stream << std::setw(5) << std::setfill('0') << number << '_';
 	return stream.str();
 }
 

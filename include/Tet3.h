@@ -176,7 +176,7 @@ public:
 	bool hasBeenVisited;
 
 	/// The label of the next tetrahedron made in this process. Labels are for printing, and tell how old
-	/// a tetrahedron is.
+	/// a tetrahedron is. Not to be read while another thread inserts.
 	static int runningLabel;
 
 private:
@@ -218,8 +218,8 @@ private:
 	/// integers; then they start again from below.
 	static int takeLabels(unsigned count, int& counter = runningLabel)
 	{
-		const int taken = counter;
-		counter = static_cast<int>(static_cast<unsigned>(taken) + count);
+		const int taken = loadLabel(counter);
+		storeLabel(counter, static_cast<int>(static_cast<unsigned>(taken) + count));
 		return taken;
 	}
 
@@ -227,6 +227,25 @@ private:
 	void reportSelfLink(int ith, const Tet3* pC) const;
 	/// The first index of `pT`, which may be null, among the neighbours. Ends the process when it is none.
 	int searchNeighbour(const Tet3* pT) const;
+
+	// Threads share `runningLabel`. Deliberate: loaded and stored, not incremented in one locked step,
+	// which would cost more than the rest of a label. So two threads may draw the same one.
+	static int loadLabel(const int& counter)
+	{
+#if defined(__GNUC__)
+		return __atomic_load_n(&counter, __ATOMIC_RELAXED);
+#else
+		return counter;
+#endif
+	}
+	static void storeLabel(int& counter, int next)
+	{
+#if defined(__GNUC__)
+		__atomic_store_n(&counter, next, __ATOMIC_RELAXED);
+#else
+		counter = next;
+#endif
+	}
 
 	bool bInCavity;       // of the insertion under way
 	std::uint16_t claims; // of the scouts, while vertices are on their way in

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
-// Two instruments for a host's own measurements. Not for use from several threads.
+// Two instruments for a host's own measurements, for all threads together.
 #pragma once
 
 /// @file
-/// A stopwatch and counters for a host's own measurements. Not for use from several threads.
+/// A stopwatch and counters for a host's own measurements, for all threads together.
 
 #include "tulo3dExport.h"
 
