@@ -94,12 +94,14 @@ public:
 		aNeighbours[ith] = pC;
 	}
 
-	/// The index 0..3 of corner `p`, which must be one.
+	/// The index 0..3 of corner `p`, which must be one; of several the first.
 	int getIntraTetIndex(const Point3* pp) const
 	{
-		// Counted down, not searched for: which of the four it is cannot be predicted.
-		const int i = 3 - 3 * (aVertexPointer[0] == pp) - 2 * (aVertexPointer[1] == pp) -
-		    (aVertexPointer[2] == pp);
+		// Conditional moves, no branches: which of the four it is cannot be predicted.
+		int i = 3;
+		i = aVertexPointer[2] == pp ? 2 : i;
+		i = aVertexPointer[1] == pp ? 1 : i;
+		i = aVertexPointer[0] == pp ? 0 : i;
 		if (i == 3) {
 			assert(aVertexPointer[3]==pp);
 		}

@@ -147,6 +147,25 @@ TEST(Records, AnOrientationIsPrintedExactlyHoweverSmallTheCorners)
 	}
 }
 
+TEST(Records, IndexOfACornerIsTheFirstOneThatIsThePoint)
+{
+	const support::Capture quiet;
+	Point3 p, other;
+	Tet3 tet;
+	for (int places = 0; places < 16; ++places) {
+		int first = 3;
+		for (int i = 3; i >= 0; --i) {
+			const bool bHere = (places >> i & 1) != 0;
+			tet.setCorner(i, bHere ? &p : &other);
+			if (bHere) first = i;
+		}
+#ifndef NDEBUG
+		if (places == 0) continue; // no corner: an assertion
+#endif
+		EXPECT_EQ(tet.getIntraTetIndex(&p), first) << places;
+	}
+}
+
 TEST(Records, NeighboursFacetsEdgesAndStarsAgreeFromAllSides)
 {
 	Looked mesh;
