@@ -49,6 +49,16 @@ int Edge3::getTargetIndex() const
 	return namesAnEdge(opp3ICI, opp2ICI) ? edgeTarget(opp3ICI, opp2ICI) : kNoIndex;
 }
 
+bool Edge3::operator==(const Edge3& other) const
+{
+	const Point3* pSource = checkedCorner(pTet, getSourceIndex());
+	const Point3* pTarget = checkedCorner(pTet, getTargetIndex());
+	const Point3* pOtherSource = checkedCorner(other.pTet, other.getSourceIndex());
+	const Point3* pOtherTarget = checkedCorner(other.pTet, other.getTargetIndex());
+	return (pSource == pOtherSource && pTarget == pOtherTarget) ||
+	    (pSource == pOtherTarget && pTarget == pOtherSource);
+}
+
 bool Edge3::operator<(const Edge3& other) const
 {
 	const std::less<const Point3*> isBelow;

@@ -38,15 +38,13 @@ public:
 	Point3* getTargetVtx() const { return pTet->getCorner(getTargetIndex()); }
 	///@}
 
-	/// True when the two edges have the same ends, in either direction.
-	bool operator==(const Edge3& other) const
-	{
-		return pLowerEnd == other.pLowerEnd && pHigherEnd == other.pHigherEnd;
-	}
+	/// True when the two edges have the same ends now, in either direction.
+	bool operator==(const Edge3& other) const;
 	/// True when at least one end differs.
 	bool operator!=(const Edge3& other) const { return !(*this == other); }
 
-	/// An order by the addresses of the ends; the two names of one edge are equivalent.
+	/// An order by the addresses that the ends had when the handles were made, so that handles in a
+	/// set keep their order; the two names of one edge are equivalent.
 	bool operator<(const Edge3& other) const;
 
 private:

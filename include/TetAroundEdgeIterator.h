@@ -51,7 +51,7 @@ public:
 	/// Equal when at the same tetrahedron around the same edge.
 	bool operator==(const TetAroundEdgeIterator& other) const
 	{
-		return curEdge == other.curEdge && **this == *other;
+		return **this == *other && curEdge == other.curEdge;
 	}
 	/// True at different tetrahedra or around different edges.
 	bool operator!=(const TetAroundEdgeIterator& other) const { return !(*this == other); }

@@ -166,6 +166,22 @@ TEST(Records, IndexOfACornerIsTheFirstOneThatIsThePoint)
 	}
 }
 
+TEST(Records, EdgesAreEqualByTheirEndsOfTheMomentAndOrderedByThoseTheyWereMadeWith)
+{
+	const support::Capture quiet;
+	Point3 p[5];
+	Tet3 tet, moved;
+	tet.setProperties(&p[0], &p[1], &p[2], &p[3]);
+	moved.setProperties(&p[0], &p[1], &p[2], &p[3]);
+	const Edge3 edge = tet.getEdge(0, 1), later = moved.getEdge(1, 0);
+	EXPECT_TRUE(edge == later && !(edge != later));
+	moved.setCorner(3, &p[4]);
+	EXPECT_TRUE(edge != later && moved.getEdge(0, 1) == later);
+	EXPECT_TRUE(!(edge < later) && !(later < edge) && edge < moved.getEdge(0, 1));
+	tet.setCorner(3, &p[4]);
+	EXPECT_TRUE(edge == later && TetAroundEdgeIterator(edge) == TetAroundEdgeIterator(edge));
+}
+
 TEST(Records, NeighboursFacetsEdgesAndStarsAgreeFromAllSides)
 {
 	Looked mesh;
