@@ -30,7 +30,7 @@ int Triangle3::getIntraTriangleIndex(const Point3* p1, const Point3* p2) const
 		if ((pFirst == p1 && pSecond == p2) || (pFirst == p2 && pSecond == p1)) return i;
 	}
 	Message::ofErrors() << "Triangle3::getIntraTriangleIndex(): invalid (p1,p2)" << std::endl;
-	Message() << "Have searched for " << p1 << " and " << p2 << " in " << *this << std::endl;
+	Message() << "Have searched for " << p1 << " and " << p2 << " in " << *this;
 	return kNotFound;
 }
 

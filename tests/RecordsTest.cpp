@@ -89,9 +89,11 @@ TEST(Records, TriangleKnowsItsCornersAndEdges)
 		EXPECT_EQ(triangle.getIntraTriangleIndex(&p[3]), -999);
 		EXPECT_EQ(triangle.getIntraTriangleIndex(&p[0], &p[3]), -999);
 	});
-	const std::string start = textOf("Have searched for ", &p[0], " and ", &p[3],
-	    " in Triangle: \nith=0, vertex (", &p[0], "): ", p[0], "  oppTet=0 (NULL)\nith=1");
-	EXPECT_EQ(text.substr(0, start.size()), start);
+	const std::string printed =
+	    textOf("Have searched for ", &p[0], " and ", &p[3], " in Triangle: \nith=0, vertex (",
+	        &p[0], "): ", p[0], "  oppTet=0 (NULL)\nith=1, vertex (", &p[1], "): ", p[1],
+	        "  oppTet=", &triangle, "\nith=2, vertex (", &p[2], "): ", p[2], "  oppTet=0 (NULL)\n");
+	EXPECT_EQ(text, printed);
 	EXPECT_EQ(testing::internal::GetCapturedStderr(),
 	    "Triangle3::getIntraTriangleIndex(): invalid (p)\nTriangle3::getIntraTriangleIndex(): "
 	    "invalid (p1,p2)\n");
