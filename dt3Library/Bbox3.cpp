@@ -10,7 +10,7 @@ namespace TULO3D {
 namespace {
 
 /// Widens one axis of a box that is not empty; true when that changed it.
-bool widen(double& min, double& max, double coordinate)
+bool widenAxis(double& min, double& max, double coordinate)
 {
 	if (min > coordinate) {
 		min = coordinate;
@@ -44,28 +44,28 @@ bool Bbox3::add(const Point3& p)
 		p.xyz(maxX, maxY, maxZ);
 		return true;
 	}
-	const bool bX = widen(minX, maxX, p.x());
-	const bool bY = widen(minY, maxY, p.y());
-	const bool bZ = widen(minZ, maxZ, p.z());
-	return bX || bY || bZ;
+	return widen(p);
 }
 
 bool Bbox3::add(const std::vector<Point3>& vPoints)
 {
 	if (vPoints.empty()) return false;
 	bool bChanged = !isValid() && add(vPoints.front());
-	const Bbox3 before(*this);
-	for (const Point3& point : vPoints) treatPointForValidBox(point);
-	bChanged |=
-	    !(before.getMinPoint() == getMinPoint()) || !(before.getMaxPoint() == getMaxPoint());
+	for (const Point3& point : vPoints) bChanged |= widen(point);
 	return bChanged;
 }
 
 void Bbox3::treatPointForValidBox(const Point3& p)
 {
-	widen(minX, maxX, p.x());
-	widen(minY, maxY, p.y());
-	widen(minZ, maxZ, p.z());
+	widen(p);
+}
+
+bool Bbox3::widen(const Point3& p)
+{
+	const bool bX = widenAxis(minX, maxX, p.x());
+	const bool bY = widenAxis(minY, maxY, p.y());
+	const bool bZ = widenAxis(minZ, maxZ, p.z());
+	return bX || bY || bZ;
 }
 
 void Bbox3::enlargeBounds(double factor)

@@ -19,10 +19,12 @@ public:
 	/// The box of `vPoints`; empty when there are none.
 	explicit Bbox3(const std::vector<Point3>& vPoints);
 
-	/// Grows the box to contain `p`; true when that changed it.
+	/// Grows the box to contain `p`; true when that changed it. A coordinate that is not a number
+	/// changes nothing, unless it is the first.
 	bool add(const Point3& p);
 
-	/// Grows the box to contain every point; true when that changed it.
+	/// Grows the box to contain every point; true when that changed it, or when it was empty and there
+	/// is a point.
 	bool add(const std::vector<Point3>& vPoints);
 
 	/// Widens every side by `factor` times its length, half of it at either end.
@@ -72,6 +74,9 @@ protected:
 	void treatPointForValidBox(const Point3& p);
 
 private:
+	/// The same; true when that changed it.
+	bool widen(const Point3& p);
+
 	double minX = DBL_MAX;
 	double minY = DBL_MAX;
 	double minZ = DBL_MAX;

@@ -100,11 +100,14 @@ public:
 		return px == other.px && py == other.py && pz == other.pz;
 	}
 
-	/// Lexicographic order on (x, y, z).
+	/// Lexicographic order on (x, y, z). A coordinate that is not a number equals any other, so with
+	/// such points it is no order; no vertex has one.
 	bool operator<(const Point3& other) const
 	{
-		if (px != other.px) return px < other.px;
-		if (py != other.py) return py < other.py;
+		if (other.px > px) return true;
+		if (px > other.px) return false;
+		if (other.py > py) return true;
+		if (py > other.py) return false;
 		return pz < other.pz;
 	}
 

@@ -6,12 +6,15 @@
 
 #include <algorithm>
 #include <cfloat>
+#include <limits>
 #include <set>
 
 using namespace TULO3D;
 using Looked = support::Recorded;
 
 namespace {
+
+constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 
 template <class... T>
 std::string textOf(const T&... values)
@@ -49,6 +52,12 @@ TEST(Records, EachCopyOfAPointTakesOverWhatItPromises)
 		for (const Point3& q : ordered) EXPECT_TRUE((p < q) == (&p < &q) && (p == q) == (&p == &q));
 	}
 	EXPECT_TRUE(Point3(0.0, 0, 0) == Point3(-0.0, 0, 0));
+	// What is not a number decides nothing: the next coordinate does.
+	for (const Point3& p : {Point3(kNaN, 2, 3), Point3(1, kNaN, 3), Point3(1, 2, kNaN)}) {
+		EXPECT_EQ(p < Point3(1, 2, 4), p.z() == 3) << p;
+		EXPECT_FALSE(Point3(1, 2, 3) < p || p < p || p == p) << p;
+		EXPECT_EQ(Point3(1, 1, 9) < p, p.y() == 2) << p;
+	}
 	EXPECT_EQ(Ball3(0, 0, 0, 4).getRadius(), 2);
 	EXPECT_EQ(getNormalVector(Point3(0, 0, 0), Point3(5, 0, 0), Point3(0, 3, 0)).z(), 1);
 }
@@ -69,6 +78,13 @@ TEST(Records, BoxGrowsAndSaysWhetherItDid)
 	    {box.getMaxPoint(), {9, 5, 7.5}}, // Deliberate: it grows too
 	    {other.getMinPoint(), {9, 0, 0}}};
 	for (const auto& [p, expected] : found) EXPECT_TRUE(p == expected) << p;
+	// A bound that is not a number stays, and is no change.
+	Bbox3 unclear;
+	EXPECT_TRUE(unclear.add(points::Cloud{Point3(0, kNaN, 0), Point3(2, 5, 0)}));
+	EXPECT_TRUE(!unclear.add(Point3(1, 9, kNaN)) && !unclear.add(points::Cloud{Point3(1, 7, 0)}) &&
+	    unclear.getMaxX() == 2);
+	EXPECT_TRUE(unclear.add(points::Cloud{Point3(kNaN, 0, -1)}) && unclear.getMinZ() == -1);
+	EXPECT_TRUE(Bbox3().add(Point3(kNaN, 0, 0)) && !Bbox3({Point3(kNaN, 0, 0)}).isValid());
 }
 
 TEST(Records, TriangleKnowsItsCornersAndEdges)
