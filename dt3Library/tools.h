@@ -17,6 +17,12 @@ std::string printError(const std::string& prefix, const std::string& text);
 /// The same with WARNING: for what the library survives.
 void printWarning(const std::string& prefix, const std::string& text);
 
+/// Reserved for a level of information, which the library never issues: what would stand between the
+/// prefix and the text of such a message, and at the start of one without a prefix, after the indent of
+/// six blanks that all messages have.
+constexpr const char* kInfoLevel = ", INFO: ";
+constexpr const char* kInfoStart = "INFO: ";
+
 /// Writes `text` between rules of asterisks; the validity check opens its reports with it.
 void printErrorBanner(const std::string& text);
 

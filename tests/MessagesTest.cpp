@@ -135,6 +135,7 @@ TEST(Messages, AreLiteral)
 		Stage stage;
 		EXPECT_EQ(support::conditionFailedBy([&] { line.action(stage); }), line.text);
 	}
+	EXPECT_EQ(std::string(kInfoLevel) + kInfoStart, ", INFO: INFO: ") << "reserved, never printed";
 }
 
 TEST(Messages, GoWhereTheirThreadHasChosen)
