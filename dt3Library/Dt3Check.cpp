@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
 // Verifies the mesh facet by facet, and shows the first place where it is wrong.
-#include "Colors.h"
 #include "Dt3.h"
 #include "Message.h"
 #include "Visualizer3.h"
@@ -38,7 +37,7 @@ void reportSphere(const Tet3& tet, const Point3& vtx)
 	const Vector3 radius = *tet.getCorner(0) - center;
 	Visualizer3 vis(nextDebugFilePrefix() + "sphereIncBug.list");
 	vis.writeTet(&tet, RED);
-	vis.writePoint(vtx, kMarkWidth, RED);
+	vis.writePoint(&vtx, kMarkWidth, RED);
 	vis.writeBall(center, dot(radius, radius));
 	vis.close();
 }

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
 // Shows the whole mesh: as text, and as a drawing.
-#include "Colors.h"
 #include "Dt3.h"
 #include "Message.h"
 #include "Visualizer3.h"
@@ -33,9 +32,9 @@ void Dt3::show(const std::string& filename, Point3* pVtx) const
 	for (const Tet3* pTet : vTets) {
 		vis.writeTet(pTet, Visualizer3::getNextColor());
 		// Deliberate: a shared corner is drawn once for each of its tetrahedra; this is a plain dump.
-		for (int i = 0; i < 4; ++i) vis.writePoint(*pTet->getCorner(i), kCornerWidth, GREEN);
+		for (int i = 0; i < 4; ++i) vis.writePoint(pTet->getCorner(i), kCornerWidth, GREEN);
 	}
-	if (pVtx) vis.writePoint(*pVtx, kMarkWidth, RED);
+	if (pVtx) vis.writePoint(pVtx, kMarkWidth, RED);
 	vis.close();
 }
 

@@ -3,7 +3,6 @@
 // Deliberate: lines end with std::endl, so that what a dying process has drawn is in the file.
 #include "Visualizer3.h"
 
-#include "Colors.h"
 #include "Message.h"
 #include "tools.h"
 
@@ -138,9 +137,9 @@ void Visualizer3::writePoints(
 	stream << color << std::endl << "}" << std::endl;
 }
 
-void Visualizer3::writePoint(const Point3& point, int linewidth, const std::string& color)
+void Visualizer3::writePoint(const Point3* pPoint, int linewidth, const std::string& color)
 {
-	writePoints({point}, linewidth, color);
+	writePoints({*pPoint}, linewidth, color);
 }
 
 std::string Visualizer3::getColor()

@@ -2,6 +2,7 @@
 // Writes geometry to a text file in the OOGL object file format, for a viewer such as Geomview.
 #pragma once
 
+#include "Colors.h"
 #include "Point3.h"
 #include "Tet3.h"
 
@@ -31,7 +32,8 @@ public:
 	/// The four facets; a null tetrahedron is reported and not written.
 	void writeTet(const Tet3* pTet, const std::string& color);
 	void writePoints(const std::vector<Point3>& vPoints, int linewidth, const std::string& color);
-	void writePoint(const Point3& point, int linewidth, const std::string& color);
+	/// A list of one point, which must not be null.
+	void writePoint(const Point3* pPoint, int linewidth, const std::string& color);
 
 	/// The current colour of the process-wide cycle of 14.
 	static std::string getColor();

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
 // The bytes of drawings, their colours, and whether Geomview reads them.
-#include "Colors.h"
 #include "Visualizer3.h"
 #include "scratch.h"
 #include "support.h"
@@ -42,7 +41,7 @@ protected:
 		v.writePolygon({kP, kQ, kR, kS}, CLAWNGREEN);
 		v.writePolygon({kP, kR, kS}, "BOUNDARY");
 		v.writePoints({kP, kQ, kR}, 1234, GREEN);
-		v.writePoint(kP, 5, RED);
+		v.writePoint(&kP, 5, RED);
 		v.writeTet(nullptr, RED);
 		v.writePoints({}, 5, RED);
 	}
