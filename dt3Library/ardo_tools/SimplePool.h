@@ -67,14 +67,17 @@ public:
 	void addBlock(int requested)
 	{
 		const int size = requested < 0 ? nextAutomaticSize() : requested;
-		vSizes.push_back(size);
-		blockList.reserve(blockList.size() + 1); // now: a block that cannot be listed is never freed
-		currentBlock = static_cast<T*>(std::malloc(static_cast<std::size_t>(size) * sizeof(T)));
-		if (currentBlock == nullptr) {
+		// First what may throw, so that no block is lost and the lists never differ.
+		makeRoom(vSizes);
+		makeRoom(blockList);
+		T* pBlock = static_cast<T*>(std::malloc(static_cast<std::size_t>(size) * sizeof(T)));
+		if (pBlock == nullptr) {
 			printAndStop(
 			    StopReason::kOutOfMemory, "SimplePool::alloc(..), ERROR: Out of memory, sorry");
 		}
-		blockList.push_back(currentBlock);
+		vSizes.push_back(size);
+		blockList.push_back(pBlock);
+		currentBlock = pBlock;
 		currentBlockSize = size;
 		lastIndex = -1;
 		numReady = size < kAhead ? size : 0;
@@ -141,6 +144,7 @@ private:
 	T* allocUnready()
 	{
 		if (lastIndex >= currentBlockSize) {
+			lastIndex = currentBlockSize - 1; // which stays so when there is no memory
 			addBlock(growthSize);
 			++lastIndex;
 			pristine = false;
@@ -150,6 +154,13 @@ private:
 		mapAhead(currentBlock + lastIndex, static_cast<std::size_t>(count) * sizeof(T));
 		numReady = lastIndex + count;
 		return currentBlock + lastIndex;
+	}
+
+	/// For one more element, which can then be added without fail.
+	template <typename V>
+	static void makeRoom(std::vector<V>& v)
+	{
+		if (v.size() == v.capacity()) v.reserve(2 * v.size() + 1);
 	}
 
 	int numReady = 0; ///< the records of the current block that may be handed out at once
