@@ -93,11 +93,14 @@ int Tet3::getIntraTetIndexInOppTetForReg(const Tet3* pOther, int ith) const
 	}
 	Point3 *p0, *p1, *p2, *p3;
 	pOther->getCorners(p0, p1, p2, p3);
-	// The corner opposite the facet is exempt, so it may be a corner of this tetrahedron too.
-	const Point3* pExempt = pOther->aVertexPointer[ith];
+	// The corner opposite the facet does not count: it may be a corner of this tetrahedron too.
+	const auto isOnFacet = [pOther, ith](const Point3* p) {
+		return p == pOther->aVertexPointer[(ith + 1) & 3] ||
+		    p == pOther->aVertexPointer[(ith + 2) & 3] ||
+		    p == pOther->aVertexPointer[(ith + 3) & 3];
+	};
 	for (int k = 0; k < 3; ++k) {
-		const Point3* pd = aVertexPointer[k];
-		if (pd == pExempt || !pOther->hasVertex(pd)) return k;
+		if (!isOnFacet(aVertexPointer[k])) return k;
 	}
 	[[maybe_unused]] const Point3* pd = aVertexPointer[3];
 	switch (ith) { // the checks differ in their printed text

@@ -165,7 +165,7 @@ TEST(Records, AnOrientationIsPrintedExactlyHoweverSmallTheCorners)
 	}
 }
 
-TEST(Records, IndexOfACornerIsTheFirstOneThatIsThePoint)
+TEST(Records, IndexOfACornerIsTheFirstThatFits)
 {
 	const support::Capture quiet;
 	Point3 p, other;
@@ -182,6 +182,11 @@ TEST(Records, IndexOfACornerIsTheFirstOneThatIsThePoint)
 #endif
 		EXPECT_EQ(tet.getIntraTetIndex(&p), first) << places;
 	}
+	Point3 q[4];
+	Tet3 twice;
+	tet.setProperties(&q[0], &q[1], &q[2], &q[3]);
+	twice.setProperties(&q[0], &q[1], &q[2], &q[0]);
+	EXPECT_EQ(tet.getIntraTetIndexInOppTetForReg(&twice, 0), 3) << "corner 3 is on facet 0";
 }
 
 TEST(Records, EdgesAreEqualByTheirEndsOfTheMomentAndOrderedByThoseTheyWereMadeWith)
