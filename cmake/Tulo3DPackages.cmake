@@ -33,7 +33,7 @@ file(WRITE ${changelog} "tulo3d (${Tulo3D_VERSION}-1) unstable; urgency=medium
 
  -- ${CPACK_PACKAGE_CONTACT}  ${today}
 ")
-execute_process(COMMAND gzip -9nf ${changelog} COMMAND_ERROR_IS_FATAL ANY)
+execute_process(COMMAND ${GZIP} -9nf ${changelog} COMMAND_ERROR_IS_FATAL ANY)
 
 # Further arguments are remarks of lintian that are right and yet no fault here.
 function(tulo3d_package component package section contents)

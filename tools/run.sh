@@ -11,8 +11,8 @@ require_packages "${packages_build[@]}"
 
 # Only what this job needs; a folder of its own keeps the tests' build as it is.
 build=$root/build/run
-cmake --preset release -S "$root" -B "$build" -DBUILD_TESTING=OFF -DTULO3D_BUILD_BENCHMARKS=OFF \
-	-DTULO3D_BUILD_EXAMPLES=OFF
+cmake --preset release -S "$root" -B "$build" -DTULO3D_BUILD_TOOLS=ON -DBUILD_TESTING=OFF \
+	-DTULO3D_BUILD_BENCHMARKS=OFF -DTULO3D_BUILD_EXAMPLES=OFF
 cmake --build "$build"
 
 (($#)) || set -- "$root/data/lidar_rock_22k.xyz"

@@ -16,7 +16,7 @@ build_and_run() {
 	local name=$1 program
 	shift
 	echo "== $name"
-	cmake -G Ninja -S "$hosts/$name" -B "$work/$name" -DCMAKE_BUILD_TYPE=Release "$@"
+	cmake -S "$hosts/$name" -B "$work/$name" -DCMAKE_BUILD_TYPE=Release "$@"
 	cmake --build "$work/$name" --parallel 2
 	for program in "$work/$name"/host*; do
 		"$program"
@@ -38,10 +38,21 @@ export PKG_CONFIG_PATH=$libFolder/pkgconfig
 	$(pkg-config --libs Tulo3D) -o "$work/pkg_config_host"
 LD_LIBRARY_PATH=$libFolder "$work/pkg_config_host"
 
+# What the library itself does without is left out, or an error where it is asked for.
+echo "== a machine with a compiler and CMake alone"
+bare=(cmake -S "$source" -B "$work/bare" -DCMAKE_DISABLE_FIND_PACKAGE_{CLI11,GTest,Doxygen}"=ON"
+	-DGMP_INCLUDE_DIR=OFF -DCMAKE_INSTALL_LIBDIR=/some/libs -DCMAKE_INSTALL_INCLUDEDIR=/other/headers)
+"${bare[@]}" | tee "$work/log"
+for part in "program tulo3d (Debian packages missing: libcli11-dev)" "benchmarks (" "site (" \
+	"tests (Debian packages missing: libgtest-dev, libgmp-dev)"; do
+	grep -qF "Left out: the $part" "$work/log"
+done
+for option in TULO3D_BUILD_TOOLS TULO3D_BUILD_BENCHMARKS BUILD_TESTING; do
+	if "${bare[@]}" -U '*BUILD_*' "-D$option=ON" &>"$work/log"; then exit 1; fi
+	grep -q "$option asks for the" "$work/log"
+done
+
 echo "== pkg-config with absolute folders"
-cmake -G Ninja -S "$source" -B "$work/absolute" -DCMAKE_INSTALL_LIBDIR=/some/libs \
-	-DCMAKE_INSTALL_INCLUDEDIR=/other/headers -DBUILD_TESTING=OFF -DTULO3D_BUILD_TOOLS=OFF \
-	-DTULO3D_BUILD_BENCHMARKS=OFF >/dev/null
-flags=$(PKG_CONFIG_PATH=$work/absolute pkg-config --cflags --libs Tulo3D)
+flags=$(PKG_CONFIG_PATH=$work/bare pkg-config --cflags --libs Tulo3D)
 echo "$flags"
 [[ $flags =~ ^-I/other/headers/Tulo3D\ +-L/some/libs\ +-lTulo3D\ *$ ]]
