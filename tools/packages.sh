@@ -6,10 +6,14 @@
 # By Debian's names: to build the library and the program; in addition, to run all the tests.
 packages_build=(g++ cmake ninja-build libcli11-dev)
 packages_test=(clang libclang-rt-dev libgtest-dev libgmp-dev pkg-config binutils python3)
-# Without these a few tests skip: valgrind, the meshes on 64-bit Arm, pictures, reading with meshio;
+# Without these a few tests skip: valgrind, the meshes on 64-bit Arm, pictures, packages for Python;
 # the documents, the sources as they are read by tools, the packages.
-packages_test_optional=(valgrind qemu-user g++-aarch64-linux-gnu geomview xvfb netpbm python3-meshio
+packages_test_optional=(valgrind qemu-user g++-aarch64-linux-gnu geomview xvfb netpbm python3-venv
 	doxygen clang-format clang-tidy codespell shellcheck lintian dpkg-dev)
+# By the names of the Python package index, for a virtual environment that the tests use: the system
+# stays as it is, whichever Python it has. Without meshio the test of what it reads skips.
+venv=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)/build/venv
+python_packages_test=(meshio)
 
 # Where a package may have come from elsewhere: the command or the header that it is for.
 declare -A package_command=([g++]=g++ [cmake]=cmake [ninja-build]=ninja [clang]=clang++
@@ -31,8 +35,8 @@ has_package() {
 		echo "#include <${package_header[$name]}>" | "${CXX:-c++}" -E -x c++ - &>/dev/null
 	elif [[ $name == libclang-rt-dev ]]; then
 		compgen -G "$(clang++ -print-resource-dir 2>/dev/null)/lib/*/libclang_rt.fuzzer*" >/dev/null
-	elif [[ $name == python3-meshio ]]; then
-		python3 -c "import meshio" &>/dev/null
+	elif [[ $name == python3-venv ]]; then
+		python3 -c "import ensurepip, venv" &>/dev/null
 	else
 		return 1
 	fi
@@ -96,4 +100,21 @@ try_packages() {
 	fi
 	find_missing "$@"
 	((${#missing[@]} == 0)) || echo "Going on without ${missing[*]}; what needs them is skipped."
+}
+
+# Installs the given Python packages into the virtual environment, which it makes if need be; says which
+# of them are missing where they cannot be had.
+try_python_packages() {
+	local package missing=()
+	if ! "$venv/bin/python" -m pip --version &>/dev/null && ! python3 -m venv --clear "$venv"; then
+		echo "No virtual environment for Python can be made (Debian package python3-venv)."
+		echo "Going on without the Python packages $*; what needs them is skipped."
+		return
+	fi
+	for package in "$@"; do # what is there already needs no network
+		"$venv/bin/python" -m pip install --quiet --disable-pip-version-check --retries 1 "$package" ||
+			missing+=("$package")
+	done
+	((${#missing[@]} == 0)) ||
+		echo "Going on without the Python packages ${missing[*]}; what needs them is skipped."
 }

@@ -13,6 +13,7 @@ cd "$root" || exit 1
 source tools/packages.sh
 require_packages "${packages_build[@]}" "${packages_test[@]}" || exit 1
 try_packages "${packages_test_optional[@]}"
+try_python_packages "${python_packages_test[@]}"
 
 (($#)) || set -- lint release sanitize clang fma fuzz same_mesh packages mingw
 jobs=$(nproc)
