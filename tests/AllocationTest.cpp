@@ -97,7 +97,7 @@ std::vector<std::function<void(Tulo_3D&)>> laterCalls(Point3* pVtx)
 		    m.getTetsAroundVertex(pVtx != nullptr ? pVtx : &none, v);
 	    },
 	    [](Tulo_3D& m) { m.print("later"); }, [](Tulo_3D& m) { m.checkValidity("later", true); },
-	    [](Tulo_3D& m) { m.show("later.list", nullptr); },
+	    [](Tulo_3D& m) { m.show("/dev/null", nullptr); },
 	    [](Tulo_3D& m) { m.setVerbosity(false); }, [](Tulo_3D& m) { m.getNumVertices(); },
 	    [](Tulo_3D& m) { m.getNumTetrahedra(); }, [](Tulo_3D& m) { m.copyTo({}); }};
 }
