@@ -1,9 +1,10 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
 # Sets everything up, reads the sources with tools, then builds and tests with g++ and clang, with
-# sanitizers and with fused multiply-add allowed, fuzzes for a moment, compares meshes between
-# compilers and CPUs, makes the Debian packages and tries them, and tests for Windows where that can
-# be done. The last line sums up all runs; the exit status is 0 only if all went well.
+# sanitizers (the one for threads runs their tests only) and with fused multiply-add allowed, fuzzes
+# for a moment, compares meshes between compilers and CPUs, makes the Debian packages and tries them,
+# and tests for Windows where that can be done. The last line sums up all runs; the exit status is 0
+# only if all went well.
 # Usage: tools/test.sh [lint|PRESET|same_mesh|packages|mingw]...
 set -uo pipefail
 
@@ -15,7 +16,7 @@ require_packages "${packages_build[@]}" "${packages_test[@]}" || exit 1
 try_packages "${packages_test_optional[@]}"
 try_python_packages "${python_packages_test[@]}"
 
-(($#)) || set -- lint release sanitize clang fma fuzz same_mesh packages mingw
+(($#)) || set -- lint release sanitize thread clang fma fuzz same_mesh packages mingw
 jobs=$(nproc)
 passed=0 failed=0 skipped=0 broken=() left_out=()
 
@@ -53,12 +54,28 @@ has_mingw() {
 		{ command -v wine64 || command -v wine || [[ -x /usr/lib/wine/wine64 ]]; }
 } >/dev/null
 
+# On some kernels a compiler's ThreadSanitizer finds no place for its memory.
+has_thread_sanitizer() {
+	local program status=0
+	program=$(mktemp)
+	echo 'int main() {}' | "${CXX:-c++}" -fsanitize=thread -x c++ - -o "$program" && "$program" || status=1
+	rm -f "$program"
+	return "$status"
+}
+
 for step in "$@"; do
 	SECONDS=0 status=0
 	case $step in
 	lint) tools/lint.sh || status=$? ;;
 	same_mesh) tools/same_mesh.sh || status=$? ;;
 	packages) tools/test_packages.sh || status=$? ;;
+	thread)
+		if has_thread_sanitizer; then
+			test_preset thread || status=$?
+		else
+			status=77
+		fi
+		;;
 	mingw)
 		if has_mingw; then
 			test_preset mingw || status=$?
