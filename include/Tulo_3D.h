@@ -49,8 +49,9 @@ class Dt3;
 /// it was; of a batch that meets such a mark late, the vertices not yet inserted stay out, see
 /// `insertLeftOut`.
 ///
-/// One object is to be used by one thread at a time, queries included. Because of a few shared
-/// counters, no two objects should be inserted into at the same time either.
+/// One object is to be used by one thread at a time, queries included. Different objects may be used in
+/// different threads at the same time, for all operations. Their meshes do not depend on each other,
+/// except that which batch is the first one of the process, and gets a smaller margin, is then chance.
 ///
 /// Where the algorithms come from: insertion by cavities, A. Bowyer and D. F. Watson, The Computer
 /// Journal 24 (1981); exact signs, J. R. Shewchuk, Discrete & Computational Geometry 18 (1997); the
@@ -134,7 +135,7 @@ public:
 	void print(const std::string& name);
 
 	/// Writes all tetrahedra, and `pVtx` unless it is null, as an OOGL drawing to `filename`, with six
-	/// digits. Ends the process with status 1 when the file cannot be opened.
+	/// digits. Ends the process with status 1 when the file cannot be opened (see `setStopHandler`).
 	void show(const std::string& filename, Point3* pVtx);
 
 	/// True when across every facet the neighbour's opposite vertex lies on the far side and, with
