@@ -57,8 +57,8 @@ private:
 
 bool Dt3::isInRange(const Point3& p)
 {
-	return std::abs(p.x()) <= kMaxCoordinate && std::abs(p.y()) <= kMaxCoordinate &&
-	    std::abs(p.z()) <= kMaxCoordinate; // false for NaN
+	return (std::abs(p.x()) <= kMaxCoordinate) & (std::abs(p.y()) <= kMaxCoordinate) &
+	    (std::abs(p.z()) <= kMaxCoordinate); // false for NaN
 }
 
 void Dt3::expectFinished() const
@@ -69,10 +69,14 @@ void Dt3::expectFinished() const
 void Dt3::beginStoring(const Point3* pFirst, std::size_t numPoints)
 {
 	const Point3* pLast = pFirst + numPoints;
-	CONDITION_CHECK_AS(std::all_of(pFirst, pLast, isInRange), kRangeText);
+	bool bInRange = true, bTiny = false;
+	for (const Point3* p = pFirst; p != pLast; ++p) {
+		bInRange &= isInRange(*p);
+		bTiny |= mayUnderflow(*p);
+	}
+	CONDITION_CHECK_AS(bInRange, kRangeText);
 	CONDITION_CHECK_AS(numPoints <= kMaxPoints - hc3.size(), kNumberText);
-	const auto isTiny = [](const Point3& p) { return mayUnderflow(p); };
-	if (std::any_of(pFirst, pLast, isTiny)) batchTests.neighbours = decideNothing;
+	if (bTiny) batchTests.neighbours = decideNothing;
 	bUnfinished = true;
 }
 
