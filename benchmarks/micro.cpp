@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // How long the small operations inside take, each by itself and with everything in the cache.
 #include "../inputs/points.h"
-#include "AdaptiveStages.h"
 #include "Dt3.h"
+#include "predicates/ShewchukStages.h"
 
 #include <benchmark/benchmark.h>
 

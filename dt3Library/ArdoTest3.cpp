@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 // The machine constants, the fast stage of the in-sphere test, and the names of the results.
 #include "ArdoTest3.h"
-#include "AdaptiveStages.h"
 #include "Message.h"
-#include "Underflow.h"
+#include "predicates/ShewchukStages.h"
+#include "predicates/Underflow.h"
 
 namespace TULO3D {
 

@@ -2,11 +2,11 @@
 // The two questions the engine asks: on which side of a plane, and inside the sphere or not.
 #pragma once
 
-#include "ErrorFree.h"
 #include "Point3.h"
 #include "Tet3.h"
-#include "TetIndices.h"
-#include "Underflow.h"
+#include "geometry/TetIndices.h"
+#include "predicates/ErrorFree.h"
+#include "predicates/Underflow.h"
 #include "tools.h"
 
 #include <cmath>

@@ -3,19 +3,19 @@
 #pragma once
 
 #include "ArdoTest3.h"
-#include "CavityBorder.h"
-#include "CavitySearch.h"
-#include "CollisionIndex.h"
 #include "Edge3.h"
 #include "HC3.h"
 #include "MeshArrays.h"
-#include "NeighbourSpheres.h"
 #include "Point3.h"
-#include "Scout.h"
-#include "ScratchArray.h"
-#include "StarLinker.h"
 #include "Tet3.h"
+#include "ardo_tools/ScratchArray.h"
 #include "ardo_tools/SimplePool.h"
+#include "lookahead/CavitySearch.h"
+#include "lookahead/Reservation.h"
+#include "mesh/CollisionIndex.h"
+#include "mesh/StarLinker.h"
+#include "mesh/Surroundings.h"
+#include "predicates/BatchTests.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -216,7 +216,8 @@ public:
 	std::vector<Surface3*> vSurfaces;
 	Tulo_3D* pOwner;
 	bool bVerbose;
-	BatchTests batchTests; ///< the variant for this CPU
+	BatchTests batchTests;   ///< the variant for this CPU
+	bool bLooksAhead = true; ///< false: every vertex is inserted as if it were alone
 
 private:
 	// Dt3Insert.cpp
@@ -255,28 +256,28 @@ private:
 	/// inserted stays out of it, and nothing is broken.
 	void expectWholeIfMarked(const Tet3& tet) { bUnfinished = bUnfinished && !tet.hasBeenVisited; }
 	/// Before each insertion: no facet half is left over.
-	void expectNothingPending();
+	void beginInsertion();
 	Tet3* replaceCavity(Point3* pVtx, Tet3* pStartTet);
 	/// The same where little is in the cache: what surrounds the cavity is asked for as it grows.
 	Tet3* replaceColdCavity(Point3* pVtx, Tet3* pStartTet);
 	void startCavity(Tet3* pStartTet);
-	/// The same with the cavity that a scout has found.
-	Tet3* replaceCavity(Point3* pVtx, const Scout& scout);
+	/// The same with a cavity that has been found ahead.
+	Tet3* replaceCavity(Point3* pVtx, const Reservation& reservation);
 	/// Joins pVtx to the facets of the cavity; the last tetrahedron made.
 	Tet3* fillCavity(Point3* pVtx);
-	/// Fills vCavityFacets; all tetrahedra in conflict with pVtx that hang together with pStartTet die.
+	/// Fills vCavityFacets; all tetrahedra in conflict with pVtx die. They are connected with pStartTet.
 	template <typename Lanes>
 	void carve(const Point3* pVtx, Tet3* pStartTet);
 	void carvePortable(const Point3* pVtx, Tet3* pStartTet);
 	void carveAvx2(const Point3* pVtx, Tet3* pStartTet);
-	/// The same with the cavity that a scout has found: nothing needs to be tested again.
-	void carveFound(const Scout& scout);
+	/// The same with a cavity that has been found ahead: nothing needs to be tested again.
+	void carveFound(const Reservation& reservation);
 	/// A new tetrahedron over a facet of the cavity, linked to the neighbour that stays.
 	Tet3* closeFacet(const CavityFacet& facet, Point3* pVtx);
 	// Dt3Hull.cpp
 	std::vector<Tet3*> gatherVisibleTets(const Point3* pVtx, Tet3* pCurTet, int outIndex) const;
 	void doom(Tet3* pTet, std::vector<Tet3*>& vDoomedTets);
-	/// Dooms all tetrahedra in conflict that hang together with doomed ones.
+	/// Dooms all tetrahedra in conflict that are connected with doomed ones.
 	void growDoomed(const Point3* pVtx, std::vector<Tet3*>& vDoomedTets);
 	// Dt3Link.cpp
 	/// Prints what is wrong with a link from a tetrahedron to itself.
@@ -297,12 +298,12 @@ private:
 	FlatWitness flatWitness;
 	bool bUnfinished = false; ///< an insertion has begun to change the mesh and not ended
 	int* pNextLabel = &Tet3::runningLabel;
-	std::size_t numFacetTests = 0;  ///< made by walks, since somebody has last looked
-	StarLinker star;                ///< what the current insertion makes
-	Scout loneScout;                ///< for cold cavities
-	CavitySearch cavitySearch;      ///< of the lone scout
-	Scout::Claims claimsOfDead = 0; ///< since somebody has last looked
-	CollisionIndex collisionIndex;  ///< finds the partner in a long vHashCollisions
+	std::size_t numFacetTests = 0;   ///< made by walks, since they were last asked for
+	StarLinker star;                 ///< what the current insertion makes
+	Reservation singleReservation;   ///< for a cavity of which hardly anything is in the cache
+	CavitySearch cavitySearch;       ///< of that one
+	Reservation::Bits disturbed = 0; ///< reservations of removed tetrahedra, likewise
+	CollisionIndex collisionIndex;   ///< finds the partner in a long vHashCollisions
 	Rand15 watchdogRandom;
 };
 

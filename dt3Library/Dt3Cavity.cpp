@@ -6,7 +6,7 @@
 // Delaunay tessellation, both The Computer Journal 24, 1981.
 #include "Dt3.h"
 #include "Dt3Inline.h"
-#include "FacetLanes.h"
+#include "predicates/BatchTestsSimd.h"
 
 namespace TULO3D {
 
@@ -18,7 +18,7 @@ constexpr unsigned kColdAge = 1U << 13U;
 
 } // namespace
 
-void Dt3::expectNothingPending()
+void Dt3::beginInsertion()
 {
 	CONDITION_CHECK(numStoredTCS==0);
 	CONDITION_CHECK(vHashCollisions.empty());
@@ -30,11 +30,11 @@ Tet3* Dt3::insertVertex(Point3** ppVtx, Tet3* pStartTet, bool bShortcut)
 	Tet3* pCurTet = pStartTet;
 	expectWholeIfMarked(*pCurTet);
 	CONDITION_CHECK(!pCurTet->hasBeenVisited);
-	expectNothingPending();
+	beginInsertion();
 
 	const auto age = static_cast<unsigned>(Tet3::loadLabel(*pNextLabel)) -
 	    static_cast<unsigned>(pStartTet->label);
-	const bool bCold = age > kColdAge;
+	const bool bCold = bLooksAhead && age > kColdAge;
 	const int locateResult = locatePersistently(**ppVtx, pCurTet, bShortcut);
 	CONDITION_CHECK(locateResult!=-99);
 	if (locateResult == -2) return resolveDuplicate(ppVtx, pCurTet, locateResult);
@@ -60,7 +60,7 @@ TULO3D_ALWAYS_INLINE void Dt3::carve(const Point3* pVtx, Tet3* pStartTet)
 		const auto [pTet, pApex] = vCavityStack.pop();
 		retire(pTet);
 		star.vCorners.add(pApex);
-		const CavityBorder border = lookAround<Lanes>(pTet, *pVtx, batchTests, predicates);
+		const Surroundings border = lookAround<Lanes>(pTet, *pVtx, batchTests, predicates);
 		auto stack = vCavityStack.writer(4);
 		auto dead = vDeadTets.writer(4);
 		auto facets = vCavityFacets.writer(4);
@@ -94,19 +94,19 @@ void Dt3::carveAvx2(const Point3* pVtx, Tet3* pStartTet)
 }
 #endif
 
-void Dt3::carveFound(const Scout& scout)
+void Dt3::carveFound(const Reservation& reservation)
 {
-	Tet3* const pStartTet = scout.cavity().begin()->pTet;
+	Tet3* const pStartTet = reservation.cavity().begin()->pTet;
 	startCavity(pStartTet);
 	for (int i = 1; i < 4; ++i) star.vCorners.add(pStartTet->getCorner(i));
-	for (const CavityTet& found : scout.cavity()) {
+	for (const CavityTet& found : reservation.cavity()) {
 		star.vCorners.add(found.pApex);
 		CavityMark::set(*found.pTet);
 	}
 
-	// In the same order as above. What is still claimed has not been on the stack.
-	const unsigned positive = scout.seesPositive() ? 0xFU << 2U : 0;
-	scout.release(*pStartTet);
+	// The same depth-first order as above. What is still reserved has not been on the stack yet.
+	const unsigned positive = reservation.seesPositive() ? 0xFU << 2U : 0;
+	reservation.release(*pStartTet);
 	while (!vCavityStack.empty()) {
 		Tet3* const pTet = vCavityStack.pop().pTet;
 		retire(pTet);
@@ -116,7 +116,7 @@ void Dt3::carveFound(const Scout& scout)
 		for (unsigned i = 4; i-- > 0;) {
 			Tet3* const pNeigh = pTet->getOppTet(static_cast<int>(i));
 			const bool bInside = CavityMark::isSet(*pNeigh);
-			const bool bJoins = scout.release(*pNeigh) & bInside;
+			const bool bJoins = reservation.release(*pNeigh) & bInside;
 			stack.pushIf(bJoins, {pNeigh, nullptr});
 			dead.pushIf(bJoins, pNeigh);
 			facets.pushIf(!bInside, {pTet, i | positive});
@@ -163,19 +163,19 @@ Tet3* Dt3::replaceCavity(Point3* pVtx, Tet3* pStartTet)
 	return fillCavity(pVtx);
 }
 
-Tet3* Dt3::replaceCavity(Point3* pVtx, const Scout& scout)
+Tet3* Dt3::replaceCavity(Point3* pVtx, const Reservation& reservation)
 {
-	carveFound(scout);
+	carveFound(reservation);
 	return fillCavity(pVtx);
 }
 
 Tet3* Dt3::replaceColdCavity(Point3* pVtx, Tet3* pStartTet)
 {
-	loneScout.enter(Scout::kLoneClaim, *pVtx, pStartTet);
-	cavitySearch.run(&loneScout, 1, batchTests, predicates);
-	if (!loneScout.hasFound()) return replaceCavity(pVtx, pStartTet);
-	Tet3* pLastTet = replaceCavity(pVtx, loneScout);
-	loneScout.rest();
+	singleReservation.begin(Reservation::kSingle, *pVtx, pStartTet);
+	cavitySearch.run(&singleReservation, 1, batchTests, predicates);
+	if (!singleReservation.isComplete()) return replaceCavity(pVtx, pStartTet);
+	Tet3* pLastTet = replaceCavity(pVtx, singleReservation);
+	singleReservation.clear();
 	return pLastTet;
 }
 

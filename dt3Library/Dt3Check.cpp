@@ -3,8 +3,8 @@
 #include "Dt3.h"
 #include "Message.h"
 #include "Visualizer3.h"
-#include "printing.h"
-#include "vectors.h"
+#include "geometry/printing.h"
+#include "geometry/vectors.h"
 
 namespace TULO3D {
 

@@ -4,8 +4,8 @@
 #include "Dt3.h"
 #include "Dt3Inline.h"
 #include "Message.h"
-#include "PointerSet.h"
 #include "TetAroundEdgeIterator.h"
+#include "ardo_tools/SmallPointerSet.h"
 
 namespace TULO3D {
 
@@ -48,7 +48,7 @@ std::vector<Tet3*> Dt3::gatherVisibleTets(const Point3* pVtx, Tet3* pCurTet, int
 {
 	// A flood over the hull surface, from facet to facet around their common edges. A tetrahedron
 	// enters with all its facets that face the vertex, so it needs to be gathered only once.
-	PointerSet gathered;
+	SmallPointerSet gathered;
 	std::vector<Tet3*> vGathered;
 	std::vector<Edge3> vEdges;
 	const auto gather = [&](Tet3* pTet, int knownFacet) {
@@ -97,7 +97,7 @@ void Dt3::growDoomed(const Point3* pVtx, std::vector<Tet3*>& vDoomedTets)
 		Tet3* pCurTet = vCavityStack.pop().pTet;
 		vCavityStack.makeRoom(4);
 		CONDITION_CHECK(pCurTet!=0);
-		const CavityBorder border = lookAroundThoroughly(pCurTet, *pVtx, batchTests, predicates);
+		const Surroundings border = classifyExactly(pCurTet, *pVtx, batchTests, predicates);
 		for (int i = 0; i < 4; ++i) {
 			if ((border.conflict >> i & 1U) == 0) continue;
 			doom(border.pNeigh[i], vDoomedTets);

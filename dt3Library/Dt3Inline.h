@@ -4,7 +4,7 @@
 #pragma once
 
 #include "Dt3.h"
-#include "Scout.h"
+#include "lookahead/Reservation.h"
 
 namespace TULO3D {
 
@@ -36,7 +36,7 @@ inline void Dt3::retire(Tet3* pTet)
 {
 	pTet->hasBeenVisited = true; // until the record is reused
 	pTet->setCustomIndex(-1);
-	claimsOfDead |= Scout::takeClaims(*pTet);
+	disturbed |= Reservation::takeBits(*pTet);
 }
 
 inline void Dt3::markTetDead(Tet3* pTet)

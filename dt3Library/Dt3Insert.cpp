@@ -1,16 +1,13 @@
 // SPDX-License-Identifier: MIT
 // How points arrive: one, or a batch in stages from coarse to fine.
 #include "Dt3.h"
-#include "InsertionOrder.h"
 #include "Message.h"
-#include "Scouts.h"
-#include "StartFinder.h"
-#include "Underflow.h"
+#include "lookahead/LookAhead.h"
+#include "predicates/Underflow.h"
 
 #include <algorithm>
 #include <cmath>
 #include <limits>
-#include <optional>
 #include <utility>
 
 namespace TULO3D {
@@ -24,11 +21,6 @@ constexpr const char* kRangeText = "coordinates are finite and at most 1e60 in m
 /// Vertices are numbered by integers of 32 bits.
 constexpr std::size_t kMaxPoints = std::numeric_limits<std::int32_t>::max();
 constexpr const char* kNumberText = "an engine takes at most 2147483647 points";
-
-/// A walk from the last vertex of the curve takes some ten facet tests. Several times as many, over
-/// a while, and the curve does not lead from vertex to vertex.
-constexpr std::size_t kWhile = 256;
-constexpr std::size_t kLongWalk = 40;
 
 } // namespace
 
@@ -190,34 +182,19 @@ void Dt3::triangulate(std::vector<Point3*>& vVertices, Tet3* pLastTet)
 	CONDITION_CHECK_AS(vVertices.size() <= kMaxPoints, kNumberText);
 
 	const OwnLabels labels(*this);
-	std::optional<StartFinder> finder;
-	std::optional<Scouts> scouts;
-	std::size_t numInserted = 0;
+	LookAhead batch(vVertices, batchTests, predicates, bLooksAhead);
 	numFacetTests = 0;
-	InsertionOrder order(static_cast<std::uint32_t>(vVertices.size()));
-	while (!order.isAtEnd()) {
-		const std::uint32_t i = *order;
-		++order;
-		Point3* pVtx = vVertices[i];
-		const Scout* pScout = scouts ? &scouts->next() : nullptr;
-		if (pScout != nullptr && pScout->hasFound()) {
-			expectNothingPending();
-			pLastTet = replaceCavity(pVtx, *pScout);
+	while (!batch.isAtEnd()) {
+		Point3* pVtx = batch.vertex();
+		if (const Reservation* pReserved = batch.cavity()) {
+			beginInsertion();
+			pLastTet = replaceCavity(pVtx, *pReserved);
 		} else {
-			if (finder) pLastTet = finder->nearestStart(i, pLastTet);
-			pLastTet = insertVertex(&pVtx, pLastTet);
+			pLastTet = insertVertex(&pVtx, batch.start(pLastTet));
 		}
 		bUnfinished = true; // until the last vertex is in
-		if (finder) finder->add(i);
-		if (scouts) scouts->goOn(std::exchange(claimsOfDead, Scout::Claims{0}));
-
-		if (++numInserted % kWhile != 0) continue;
-		if (scouts && !scouts->pay()) scouts.reset();
-		if (!finder && numFacetTests > kWhile * kLongWalk) {
-			finder.emplace(vVertices);
-			if (finder->orderJumps()) scouts.emplace(order, *finder, batchTests, predicates);
-		}
-		numFacetTests = 0;
+		batch.advance(std::exchange(disturbed, Reservation::Bits{0}),
+		    std::exchange(numFacetTests, std::size_t{0}));
 	}
 	bUnfinished = false;
 }

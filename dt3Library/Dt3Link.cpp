@@ -4,7 +4,7 @@
 #include "Dt3.h"
 #include "Dt3Inline.h"
 #include "Message.h"
-#include "printing.h"
+#include "geometry/printing.h"
 
 #include <algorithm>
 #include <cstdint>

@@ -2,8 +2,8 @@
 // The walk: from tetrahedron to tetrahedron, across any facet that has the point beyond it.
 #include "Dt3.h"
 #include "Message.h"
-#include "Prefetch.h"
 #include "TetAroundEdgeIterator.h"
+#include "mesh/Prefetch.h"
 
 #include <cstdint>
 
@@ -40,7 +40,8 @@ int Dt3::walk(const Point3& vtx, Tet3*& pStartTet, bool bShortcut)
 	FacetSides sides;
 	for (;;) {
 		prefetchNeighbours(*pStartTet); // for the next step; in the end, for the cavity
-		// All four sides at once cost less than one after the other and a wrong guess about each. What
+		// The four orientation tests together (SIMD) cost less than one after the other with a misprediction
+		// for each. What
 		// counts is the first facet with the point beyond it, else the first one in its plane.
 		sides = sidesOf(*pStartTet, vtx);
 		const unsigned stops = sides.negative != 0 ? sides.negative : ~sides.positive & 0xFU;

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
 // What a host asks of the mesh.
 #include "Dt3.h"
-#include "LiveTets.h"
 #include "Message.h"
-#include "PointerSet.h"
-#include "Prefetch.h"
-#include "mapAhead.h"
+#include "ardo_tools/SmallPointerSet.h"
+#include "ardo_tools/prefault.h"
+#include "mesh/LiveTets.h"
+#include "mesh/Prefetch.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -18,8 +18,8 @@ namespace {
 
 constexpr std::size_t kUsualStar = 48;
 
-/// The place of each is the number of those below it. For a star of ordinary size counting them all,
-/// without a branch, is quicker than a sort that takes a wrong turn at every third comparison.
+/// A rank sort for stars of ordinary size: the place of each is the number of those below it. Branch-free,
+/// where std::sort mispredicts every third comparison.
 void sortByAddress(std::vector<Tet3*>& vTet)
 {
 	constexpr std::size_t kFew = 40;
@@ -28,7 +28,7 @@ void sortByAddress(std::vector<Tet3*>& vTet)
 		std::sort(vTet.begin(), vTet.end(), std::less<Tet3*>());
 		return;
 	}
-	// Filled up to rounds of eight, which the compiler unrolls: short loops end where the CPU expects.
+	// Padded to multiples of eight: fixed trip counts, which the compiler unrolls.
 	std::uintptr_t addresses[kFew];
 	std::fill(addresses, addresses + kFew, std::numeric_limits<std::uintptr_t>::max());
 	for (std::size_t i = 0; i < size; ++i) {
@@ -109,8 +109,8 @@ void Dt3::copyTo(const MeshArrays& arrays) const
 	const std::size_t numBytes = 4 * live.size() * sizeof(std::int32_t);
 	std::int32_t* pCorner = arrays.pCorners;
 	std::int32_t* pNeighbour = arrays.pNeighbours;
-	if (pCorner != nullptr) mapAhead(pCorner, numBytes);
-	if (pNeighbour != nullptr) mapAhead(pNeighbour, numBytes);
+	if (pCorner != nullptr) prefault(pCorner, numBytes);
+	if (pNeighbour != nullptr) prefault(pNeighbour, numBytes);
 	live.forEach([&](const Tet3* pTet) {
 		prefetchTet(pTet + 16);
 		if (pCorner != nullptr) {
@@ -142,10 +142,9 @@ void Dt3::getTetsAroundVertex(Point3* pVtx, std::vector<Tet3*>& vTet)
 		return;
 	}
 
-	// Every neighbour but the one opposite the vertex has the vertex too; vTet is the queue. Two in
-	// three have been seen already, but which ones no CPU can guess: so each of them is written down,
-	// and the queue only grows for the new ones.
-	PointerSet seen;
+	// Every neighbour but the one opposite the vertex has the vertex too; vTet is the queue. Two in three
+	// have been seen already, unpredictably: each is stored, and the end advances only for new ones.
+	SmallPointerSet seen;
 	seen.add(pVtx->getOneTet());
 	if (vTet.size() < kUsualStar) vTet.resize(kUsualStar);
 	vTet[0] = pVtx->getOneTet();

@@ -15,9 +15,9 @@ Tet3* Dt3::startUp()
 	// A, B, C, D: if any four span space, then A and B, being distinct, can be extended to four that
 	// do. C is the first one off their line, D the first one behind C off their plane: whatever lies
 	// between is in the plane of A, B, C already.
-	const VertexItems& items = hc3.items;
+	const VertexOrder& items = hc3.items;
 	if (items.size() < 4) return nullptr;
-	VertexItems::Position at = items.begin();
+	VertexOrder::Position at = items.begin();
 	const auto next = [&items, &at]() -> Point3* {
 		if (items.isEnd(at)) return nullptr;
 		Point3* pVtx = items[at]->pVtx;

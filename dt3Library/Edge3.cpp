@@ -2,7 +2,7 @@
 // An edge by one of its tetrahedra and the two corners that it avoids.
 #include "Edge3.h"
 
-#include "TetIndices.h"
+#include "geometry/TetIndices.h"
 #include "tools.h"
 
 #include <functional>

@@ -3,7 +3,7 @@
 #include "Facet3.h"
 
 #include "Edge3.h"
-#include "TetIndices.h"
+#include "geometry/TetIndices.h"
 
 namespace TULO3D {
 

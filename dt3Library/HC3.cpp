@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
 // The vertex store: folds duplicates, orders a batch, offers a start.
 #include "HC3.h"
-#include "KeySort.h"
-#include "Prefetch.h"
 #include "Tet3.h"
+#include "ardo_tools/RadixSort.h"
+#include "geometry/vectors.h"
+#include "mesh/Prefetch.h"
 #include "tools.h"
-#include "vectors.h"
 
 #include <algorithm>
 #include <atomic>
@@ -97,7 +97,7 @@ struct HC3::Batch
 	std::vector<Point3*>& vUserHandles;
 	std::vector<Point3*>& vNewVertices;
 	std::int32_t firstNumber;
-	VertexItems newItems;
+	VertexOrder newItems;
 	std::vector<std::uint32_t> vCell; // positions in vPoints, as are the three below
 	std::vector<std::uint32_t> vByCoordinates;
 	std::vector<std::uint32_t> vNewByCoordinates;
@@ -150,7 +150,7 @@ void HC3::rebuildKeys()
 Point3* HC3::findVertex(std::uint32_t key, const Point3& point) const
 {
 	const IdxVtx probe = probeFor(key, point);
-	const VertexItems::Position at = items.lowerBound(probe);
+	const VertexOrder::Position at = items.lowerBound(probe);
 	if (items.isEnd(at) || Func_ltIdxVtxPtr()(&probe, items[at])) return nullptr;
 	return items[at]->pVtx;
 }
@@ -162,7 +162,7 @@ Point3* HC3::insertPoint(const Point3& point, Tet3*& pStartTet)
 		rebuildKeys();
 	}
 	const IdxVtx probe = probeFor(hilbertIndex(point), point);
-	VertexItems::Position at = items.lowerBound(probe);
+	VertexOrder::Position at = items.lowerBound(probe);
 	if (items.isEnd(at) || Func_ltIdxVtxPtr()(&probe, items[at])) {
 		at = items.insertAt(
 		    at, createItem(probe.key, createVertex(point, static_cast<std::int32_t>(size()))));
@@ -206,7 +206,7 @@ void HC3::insertPoints(const std::vector<Point3>& vPoints, std::vector<Point3*>&
 		const std::uint32_t key = vHIndexIndexPair[i].key;
 		batch.vCell.clear();
 		for (; i < siz && vHIndexIndexPair[i].key == key; ++i) {
-			// Along the curve they lie here and there in the input.
+			// In curve order the reads of the input are scattered.
 			const std::uint32_t later = vHIndexIndexPair[placeAhead(i, siz)].position;
 			prefetchVertex(&vPoints[later]);
 			prefetch(&vUserHandles[later]);
@@ -288,13 +288,13 @@ void HC3::insertCell(std::uint32_t key, Batch& batch)
 
 Tet3* HC3::findNearbyTet(const Point3& point) const
 {
-	const VertexItems::Position found = items.lowerBound({hilbertIndex(point), nullptr});
-	for (VertexItems::Position at = found; !items.isEnd(at); at = items.next(at)) {
+	const VertexOrder::Position found = items.lowerBound({hilbertIndex(point), nullptr});
+	for (VertexOrder::Position at = found; !items.isEnd(at); at = items.next(at)) {
 		const Point3* pVtx = items[at]->pVtx;
 		CONDITION_CHECK(pVtx!=0);
 		if (pVtx->getOneTet() != nullptr) return pVtx->getOneTet();
 	}
-	for (VertexItems::Position at = found; !items.isBegin(at);) {
+	for (VertexOrder::Position at = found; !items.isBegin(at);) {
 		at = items.previous(at);
 		if (items[at]->pVtx->getOneTet() != nullptr) return items[at]->pVtx->getOneTet();
 	}
@@ -312,8 +312,8 @@ Tet3* HC3::nearerTet(const Point3& point, Tet3* pTet) const
 		least = distance;
 		pTet = vtx.getOneTet();
 	};
-	const VertexItems::Position found = items.lowerBound(probeFor(hilbertIndex(point), point));
-	VertexItems::Position at = found;
+	const VertexOrder::Position found = items.lowerBound(probeFor(hilbertIndex(point), point));
+	VertexOrder::Position at = found;
 	for (int n = 0; n < kWindow && !items.isEnd(at); ++n, at = items.next(at)) {
 		consider(*items[at]->pVtx);
 	}
@@ -328,7 +328,7 @@ Tet3* HC3::nearerTet(const Point3& point, Tet3* pTet) const
 void HC3::getVertices(std::vector<Point3*>& out) const
 {
 	out.reserve(out.size() + items.size());
-	for (VertexItems::Position at = items.begin(); !items.isEnd(at); at = items.next(at)) {
+	for (VertexOrder::Position at = items.begin(); !items.isEnd(at); at = items.next(at)) {
 		out.push_back(items[at]->pVtx);
 	}
 }

@@ -5,8 +5,8 @@
 
 #include "Bbox3.h"
 #include "Point3.h"
-#include "VertexItems.h"
 #include "ardo_tools/SimplePool.h"
+#include "store/VertexOrder.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -62,7 +62,7 @@ public:
 	bool bValid = false; ///< the extents and keys are those of the box
 	SimplePool<Point3> vertexPool;
 	SimplePool<IdxVtx> itemPool;
-	VertexItems items; ///< one for each distinct vertex, in curve order
+	VertexOrder items; ///< one for each distinct vertex, in curve order
 
 private:
 	struct Batch;

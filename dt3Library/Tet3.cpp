@@ -6,10 +6,10 @@
 #include "Edge3.h"
 #include "Facet3.h"
 #include "Message.h"
-#include "TetIndices.h"
-#include "printing.h"
+#include "geometry/TetIndices.h"
+#include "geometry/printing.h"
+#include "geometry/vectors.h"
 #include "tools.h"
-#include "vectors.h"
 
 #include <algorithm>
 #include <array>
@@ -64,7 +64,7 @@ int Tet3::runningLabel = 1000;
 Tet3::Tet3()
     : hasBeenVisited(false),
       bInCavity(false),
-      claims(0),
+      reservations(0),
       label(takeLabels(1)),
       aVertexPointer{},
       aNeighbours{},
@@ -76,7 +76,7 @@ Tet3::Tet3()
 Tet3::Tet3(const Tet3& /*other*/)
     : hasBeenVisited(false),
       bInCavity(false),
-      claims(0),
+      reservations(0),
       label(-1),
       aVertexPointer{},
       aNeighbours{},

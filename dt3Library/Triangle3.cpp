@@ -3,7 +3,7 @@
 #include "Triangle3.h"
 
 #include "Message.h"
-#include "printing.h"
+#include "geometry/printing.h"
 
 namespace TULO3D {
 

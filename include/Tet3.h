@@ -16,7 +16,7 @@ class CavityMark;
 class Dt3;
 class Facet3;
 class Edge3;
-class Scout;
+class Reservation;
 class StarLinker;
 
 // clang-format off
@@ -184,7 +184,7 @@ public:
 private:
 	friend class CavityMark;
 	friend class Dt3;
-	friend class Scout;
+	friend class Reservation;
 	friend class StarLinker;
 	friend TULO3D_API std::ostream& operator<<(std::ostream& stream, const Tet3& tet);
 
@@ -194,7 +194,7 @@ private:
 		assert((pI!=NULL && pJ!=NULL && pK!=NULL && pL!=NULL));
 		hasBeenVisited = false;
 		bInCavity = false;
-		claims = 0;
+		reservations = 0;
 		label = newLabel;
 		aVertexPointer[0] = pI;
 		aVertexPointer[1] = pJ;
@@ -249,8 +249,8 @@ private:
 #endif
 	}
 
-	bool bInCavity;       // of the insertion under way
-	std::uint16_t claims; // of the scouts, while vertices are on their way in
+	bool bInCavity;             // of the insertion under way
+	std::uint16_t reservations; // by cavities that have been found ahead of their insertion
 	int label;
 	Point3* aVertexPointer[4];
 	Tet3* aNeighbours[4];

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The validity check on meshes that are truly broken, and the print.
-#include "printing.h"
+#include "geometry/printing.h"
 #include "scratch.h"
 #include "support.h"
 #include "tools.h"

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // The error-free steps and what is made of them, by their laws, against rational numbers.
-#include "Expansion.h"
-#include "DoubleDouble.h"
+#include "predicates/Expansion.h"
 #include "points.h"
+#include "predicates/DoubleDouble.h"
 
 #include <gmpxx.h>
 #include <gtest/gtest.h>

@@ -2,8 +2,7 @@
 // How points arrive: each promise of the insertion with its shortest case, and the large inputs that
 // are hard for a walk or a cavity.
 #include "Dt3.h"
-#include "InsertionOrder.h"
-#include "StartFinder.h"
+#include "lookahead/WalkStart.h"
 #include "support.h"
 
 using namespace TULO3D;
@@ -138,9 +137,9 @@ TEST(Insert, KnownPointsGetTheirVerticesAndChangeNothing)
 	EXPECT_VALID(mesh);
 }
 
-TEST(Insert, StrangersInANeedleAreWalkedToWithoutTheWatchdog)
+TEST(Insert, VerticesWithEqualKeysAreWalkedToWithoutTheWatchdog)
 {
-	// The curve does not tell them apart: walks start along a finer one, and scouts go ahead.
+	// Their keys are equal: walks start in Morton order, and cavities are found ahead.
 	Cloud cloud = points::make("NeedleBox", 60000);
 	Tulo_3D mesh;
 	const std::string printed = support::printedBy([&] {
@@ -154,7 +153,7 @@ TEST(Insert, StrangersInANeedleAreWalkedToWithoutTheWatchdog)
 	EXPECT_EQ(printed.find("watchDog"), std::string::npos);
 }
 
-TEST(Insert, ScoutsMakeTheSameTetrahedraAsOneInsertionAfterTheOther)
+TEST(Insert, CavitiesFoundAheadMakeTheSameTetrahedra)
 {
 	// Points far out send all others into one cell of the curve, and so in random order. On the lattice
 	// cavities touch that are looked for at the same time, and many of its vertices lie on one sphere.
@@ -178,33 +177,23 @@ TEST(Insert, ScoutsMakeTheSameTetrahedraAsOneInsertionAfterTheOther)
 		engine.getAllTetrahedra(tets);
 		return std::pair(Tet3::runningLabel - firstLabel, support::canonical(vertices, tets));
 	};
-	// A walk that starts where the last vertex went finds a warm cavity, one that starts nearby a cold
-	// one, for which a scout is sent out.
-	const auto oneByOne = [&](const Cloud& cloud, bool bStartsNearby) {
+	const auto outcomeWith = [&](Cloud& cloud, const BatchTests& tests, bool bLooksAhead) {
 		const int firstLabel = Tet3::runningLabel;
-		Dt3 engine(nullptr);
-		std::vector<Point3*> vertices;
+		Dt3 engine(nullptr, tests);
+		engine.bLooksAhead = bLooksAhead;
 		handles.clear();
-		engine.hc3.insertPoints(cloud, handles, vertices);
-		Tet3* pTet = engine.startUp();
-		EXPECT_TRUE(StartFinder(vertices).orderJumps()) << "else no row of scouts is sent out";
-		InsertionOrder order(static_cast<std::uint32_t>(vertices.size()));
-		for (; !order.isAtEnd(); ++order) {
-			if (bStartsNearby) pTet = engine.hc3.nearerTet(*vertices[*order], pTet);
-			pTet = engine.insertVertex(&vertices[*order], pTet);
-		}
+		engine.insert(cloud, handles);
 		return outcomeOf(engine, firstLabel);
 	};
 	for (Cloud* pCloud : {&general, &lattice}) {
-		const auto expected = oneByOne(*pCloud, false);
-		EXPECT_TRUE(oneByOne(*pCloud, true) == expected);
-		for (const BatchTests* pTests : {&kPortableTests, &bestTests()}) {
-			const int firstLabel = Tet3::runningLabel;
-			Dt3 ahead(nullptr, *pTests);
-			handles.clear();
-			ahead.insert(*pCloud, handles);
-			EXPECT_TRUE(outcomeOf(ahead, firstLabel) == expected);
-		}
+		Dt3 store(nullptr);
+		std::vector<Point3*> vertices;
+		handles.clear();
+		store.hc3.insertPoints(*pCloud, handles, vertices);
+		EXPECT_TRUE(WalkStart(vertices).orderJumps()) << "else no cavities are found ahead";
+		const auto expected = outcomeWith(*pCloud, kPortableTests, false);
+		EXPECT_TRUE(outcomeWith(*pCloud, kPortableTests, true) == expected);
+		EXPECT_TRUE(outcomeWith(*pCloud, bestTests(), true) == expected);
 	}
 }
 

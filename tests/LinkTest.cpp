@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Tetrahedra are created, recycled and paired as promised, also when every facet falls on one slot.
 #include "Dt3Inline.h"
-#include "printing.h"
+#include "geometry/printing.h"
 #include "support.h"
 
 #include <algorithm>

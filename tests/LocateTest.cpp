@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The walk ends where a search of all tetrahedra says it must, from wherever it starts.
 #include "Dt3.h"
-#include "StartFinder.h"
+#include "lookahead/WalkStart.h"
 #include "oracle.h"
 #include "support.h"
 
@@ -48,7 +48,7 @@ int placeIn(const Tet3* pTet, const Point3& p)
 	return place;
 }
 
-/// What the walk's result claims, held against all tetrahedra.
+/// What the walk's result reservations, held against all tetrahedra.
 void expectTrue(const Filled& mesh, int result, const Tet3* pTet, const Point3& p)
 {
 	int place = -1;
@@ -161,15 +161,15 @@ TEST(Locate, RanksOnEitherSideAreThoseOfAnOrderedSet)
 	// A wrong one would only make a walk longer.
 	points::Random random(5);
 	for (const int limit : {1, 64, 65, 4096, 300000}) {
-		RankSet ranks(static_cast<std::size_t>(limit));
+		BitsetTree ranks(static_cast<std::size_t>(limit));
 		std::set<std::size_t> expected;
 		for (int n = 0; n < 3000; ++n) {
 			const auto rank = static_cast<std::size_t>(random.below(limit));
 			const auto itAbove = expected.upper_bound(rank);
 			const auto itAt = expected.lower_bound(rank);
-			EXPECT_EQ(ranks.above(rank), itAbove == expected.end() ? RankSet::kNone : *itAbove);
+			EXPECT_EQ(ranks.above(rank), itAbove == expected.end() ? BitsetTree::kNone : *itAbove);
 			EXPECT_EQ(
-			    ranks.below(rank), itAt == expected.begin() ? RankSet::kNone : *std::prev(itAt));
+			    ranks.below(rank), itAt == expected.begin() ? BitsetTree::kNone : *std::prev(itAt));
 			ranks.add(rank);
 			expected.insert(rank);
 		}

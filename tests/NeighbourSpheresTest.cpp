@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
 // Every variant of the batched in-sphere test against the oracle: what is certain is right, and all
 // variants are certain of the same.
-#include "NeighbourSpheres.h"
 #include "Dt3.h"
-#include "FacetLanes.h"
-#include "TetIndices.h"
+#include "geometry/TetIndices.h"
 #include "oracle.h"
 #include "points.h"
+#include "predicates/BatchTests.h"
+#include "predicates/BatchTestsSimd.h"
 #include "support.h"
 
 #include <gtest/gtest.h>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Both predicates against the oracle on nearly degenerate cases, stage by stage.
-#include "AdaptiveStages.h"
 #include "oracle.h"
+#include "predicates/ShewchukStages.h"
 #include "support.h"
 
 #include <algorithm>
@@ -85,7 +85,7 @@ int parity(const Order& p)
 	return sign;
 }
 
-/// Counts which stage decides, and holds every stage that claims to be certain against the truth.
+/// Counts which stage decides, and holds every stage that reservations to be certain against the truth.
 struct Stages
 {
 	void expect(int truth, const ArdoTest3::FastStage& fast, const StageResult& b,

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Points, boxes, small shapes, tetrahedra and the handles into them, by their laws.
 #include "Tulo_3D.h"
-#include "printing.h"
+#include "geometry/printing.h"
 #include "support.h"
 
 #include <algorithm>

@@ -21,11 +21,12 @@ work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 export root work
 check() { # RUN COMPILER FLAG...: RUN is a command that runs a program
-	local run=$1 program
+	local run=$1 program sources
 	shift
+	mapfile -t sources < <(find "$root/dt3Library" -name '*.cpp')
 	program=$(mktemp -p "$work")
 	"$@" -std=c++17 -ffp-contract=off -I "$root/include" -I "$root/dt3Library" -I "$root/inputs" -DTULO3D_BUILDING \
-		-DTULO3D_VERSION_{MAJOR,MINOR,REVISION}=0 "$root"/dt3Library/*.cpp \
+		-DTULO3D_VERSION_{MAJOR,MINOR,REVISION}=0 "${sources[@]}" \
 		"$root"/{inputs/points,tests/GoldenRunner}.cpp -o "$program" &&
 		"$root/tools/same_mesh.sh" "$run" "$program" && echo "same mesh: $*"
 }

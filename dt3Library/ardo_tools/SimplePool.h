@@ -3,7 +3,7 @@
 #pragma once
 
 #include "Message.h"
-#include "mapAhead.h"
+#include "ardo_tools/prefault.h"
 #include "tools.h"
 
 #include <algorithm>
@@ -151,7 +151,7 @@ private:
 			if (lastIndex < numReady) return currentBlock;
 		}
 		const int count = std::min(kAhead, currentBlockSize - lastIndex);
-		mapAhead(currentBlock + lastIndex, static_cast<std::size_t>(count) * sizeof(T));
+		prefault(currentBlock + lastIndex, static_cast<std::size_t>(count) * sizeof(T));
 		numReady = lastIndex + count;
 		return currentBlock + lastIndex;
 	}

@@ -1,0 +1,95 @@
+// SPDX-License-Identifier: MIT
+// Several cavities are searched at once.
+#include "lookahead/CavitySearch.h"
+
+#include "ArdoTest3.h"
+#include "lookahead/Reservation.h"
+#include "mesh/Prefetch.h"
+#include "predicates/BatchTestsSimd.h"
+
+#include <utility>
+
+namespace TULO3D {
+
+namespace {
+
+/// The corners beyond the facets.
+void prefetchApices(const Tet3& tet)
+{
+	const std::uintptr_t mix = xorOfCorners(tet);
+	for (int i = 0; i < 4; ++i) {
+		const Tet3* pNeigh = tet.getOppTet(i);
+		if (pNeigh != nullptr) prefetchVertex<Cache::kSecond>(apexBeyond(tet, mix, i, *pNeigh));
+	}
+}
+
+} // namespace
+
+void CavitySearch::run(
+    Reservation* pFirst, std::size_t count, const BatchTests& tests, const ArdoTest3& predicates)
+{
+	vNew.clear();
+	for (Reservation* pReservation = pFirst; pReservation != pFirst + count; ++pReservation) {
+		if (pReservation->bValid) vNew.add({pReservation, pReservation->vCavity.begin()->pTet});
+	}
+	while (!vNew.empty()) {
+		for (const Member& member : vNew) prefetchNeighbours<Cache::kSecond>(*member.pTet);
+		for (const Member& member : vNew) prefetchApices(*member.pTet);
+		vJoining.clear();
+		if (tests.bAvx2) {
+			testNeighboursAvx2(tests, predicates);
+		} else {
+			testNeighboursPortable(tests, predicates);
+		}
+		std::swap(vNew, vJoining);
+	}
+}
+
+template <typename Lanes>
+TULO3D_ALWAYS_INLINE void CavitySearch::testNeighbours(
+    const BatchTests& tests, const ArdoTest3& predicates)
+{
+	for (const auto& [pReservation, pTet] : vNew) {
+		if (!pReservation->bValid) continue; // aborted in this round
+		const Surroundings border = lookAround<Lanes>(pTet, *pReservation->pVtx, tests, predicates);
+		// At the hull an insertion from beyond could change this cavity without removing anything that is
+		// reserved. Once all neighbours exist, no facet of the cavity can come to the hull again.
+		if (border.hull != 0) {
+			pReservation->abort();
+			continue;
+		}
+		pReservation->bPositive &= (border.conflict | border.positive) == 0xFU;
+		const Reservation::Bits mine = pReservation->myBit;
+		auto cavity = pReservation->vCavity.writer(4);
+		auto joining = vJoining.writer(4);
+		for (int i = 0; i < 4; ++i) {
+			Tet3* const pNeigh = border.pNeigh[i];
+			const bool bConflict = (border.conflict >> i & 1U) != 0;
+			const bool bJoins = Reservation::reserve(*pNeigh, mine) & bConflict;
+			cavity.pushIf(bJoins, {pNeigh, border.pApex[i]});
+			joining.pushIf(bJoins, {pReservation, pNeigh});
+		}
+		pReservation->vCavity.accept(cavity);
+		vJoining.accept(joining);
+	}
+}
+
+void CavitySearch::testNeighboursPortable(const BatchTests& tests, const ArdoTest3& predicates)
+{
+	testNeighbours<HalfBatches>(tests, predicates);
+}
+
+#if defined(TULO3D_AVX2)
+TULO3D_AVX2 void CavitySearch::testNeighboursAvx2(
+    const BatchTests& tests, const ArdoTest3& predicates)
+{
+	testNeighbours<WholeBatch>(tests, predicates);
+}
+#else
+void CavitySearch::testNeighboursAvx2(const BatchTests& tests, const ArdoTest3& predicates)
+{
+	testNeighboursPortable(tests, predicates);
+}
+#endif
+
+} // namespace TULO3D

@@ -1,0 +1,45 @@
+// SPDX-License-Identifier: MIT
+// Several cavities are searched at once.
+#pragma once
+
+#include "ardo_tools/ScratchArray.h"
+#include "predicates/BatchTests.h"
+
+#include <cstddef>
+
+namespace TULO3D {
+
+class ArdoTest3;
+class Reservation;
+class Tet3;
+
+/// A breadth-first search of several cavities, interleaved.
+///
+/// Each round prefetches what surrounds the new tetrahedra of all cavities, then reads that once to
+/// prefetch the corners beyond, and only then tests. So the latencies of the loads overlap. All cavities
+/// share the same loops: a short loop for each of them would mispredict its end.
+class CavitySearch
+{
+public:
+	/// Completes reservations that have begun. One that meets the hull is aborted.
+	void run(Reservation* pFirst, std::size_t count, const BatchTests& tests,
+	    const ArdoTest3& predicates);
+
+private:
+	/// A tetrahedron of a cavity, whose neighbours have not been tested yet.
+	struct Member
+	{
+		Reservation* pReservation;
+		Tet3* pTet;
+	};
+
+	template <typename Lanes>
+	void testNeighbours(const BatchTests& tests, const ArdoTest3& predicates);
+	void testNeighboursPortable(const BatchTests& tests, const ArdoTest3& predicates);
+	void testNeighboursAvx2(const BatchTests& tests, const ArdoTest3& predicates);
+
+	ScratchArray<Member> vNew;
+	ScratchArray<Member> vJoining; // the new ones of the next round
+};
+
+} // namespace TULO3D

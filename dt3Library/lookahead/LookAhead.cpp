@@ -1,0 +1,50 @@
+// SPDX-License-Identifier: MIT
+// The vertices of a batch in the order of their insertion, and what is known of each beforehand.
+#include "lookahead/LookAhead.h"
+
+#include <cstdint>
+#include <utility>
+
+namespace TULO3D {
+
+LookAhead::LookAhead(const std::vector<Point3*>& vBatch, const BatchTests& batchTests,
+    const ArdoTest3& adaptiveTests, bool bOn)
+    : vVertices(vBatch),
+      tests(batchTests),
+      predicates(adaptiveTests),
+      bEnabled(bOn),
+      order(static_cast<std::uint32_t>(vBatch.size()))
+{
+}
+
+const Reservation* LookAhead::cavity()
+{
+	if (!queue) return nullptr;
+	const Reservation& next = queue->next();
+	return next.isComplete() ? &next : nullptr;
+}
+
+Tet3* LookAhead::start(Tet3* pLastTet) const
+{
+	return starts ? starts->nearest(*order, pLastTet) : pLastTet;
+}
+
+void LookAhead::advance(Reservation::Bits disturbed, std::size_t numFacetTests)
+{
+	if (starts) starts->add(*order);
+	if (queue) queue->afterInsertion(disturbed);
+	++order;
+	numTestsInInterval += numFacetTests;
+	if (++numInserted % kReviewInterval == 0 && bEnabled) review();
+}
+
+void LookAhead::review()
+{
+	const std::size_t numTests = std::exchange(numTestsInInterval, 0);
+	if (queue && !queue->isWorthwhile()) queue.reset();
+	if (starts || numTests <= kReviewInterval * kFacetTestsPerLongWalk) return;
+	starts.emplace(vVertices);
+	if (starts->orderJumps()) queue.emplace(order, *starts, tests, predicates);
+}
+
+} // namespace TULO3D

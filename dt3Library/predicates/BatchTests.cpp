@@ -1,0 +1,245 @@
+// SPDX-License-Identifier: MIT
+// The batched tests as functions, and the stages behind the first one: doubles with a sharper bound,
+// doubles that are found to be exact, and double-doubles.
+#include "predicates/BatchTests.h"
+#include "predicates/BatchTestsSimd.h"
+
+#include <cstddef>
+#include <cstdint>
+
+namespace TULO3D {
+
+namespace {
+
+#if defined(__GNUC__)
+
+template <typename Lanes>
+TULO3D_ALWAYS_INLINE Lanes maskedWith(const Lanes& v, std::int64_t mask)
+{
+	return (Lanes)((Flags<Lanes>)v & mask);
+}
+
+template <typename Lanes>
+TULO3D_ALWAYS_INLINE Lanes magnitude(const Lanes& v)
+{
+	return maskedWith(v, 0x7fffffffffffffff);
+}
+
+/// The facets of a batch that are tested side by side: their own corners, those of the other half of
+/// the tetrahedron, and the corners beyond.
+template <typename Lanes>
+struct Group
+{
+	Points<Lanes> own, other, beyond;
+};
+
+TULO3D_ALWAYS_INLINE Group<Lanes4> wholeBatch(const NeighbourBatch& batch)
+{
+	const Points<Lanes4> own = gather(batch.corner);
+	return {own, {swapHalves(own.x), swapHalves(own.y), swapHalves(own.z)}, gather(batch.opposite)};
+}
+
+/// Facets 0 and 1, or 2 and 3.
+TULO3D_ALWAYS_INLINE Group<Lanes2> halfBatch(const NeighbourBatch& batch, std::size_t half)
+{
+	const Point3* const* own = batch.corner + 2 * half;
+	const Point3* const* other = batch.corner + 2 - 2 * half;
+	Point3* const* beyond = batch.opposite + 2 * half;
+	return {gather(own[0], own[1]), gather(other[0], other[1]), gather(beyond[0], beyond[1])};
+}
+
+TULO3D_ALWAYS_INLINE bool allOf(const Flags2& flags)
+{
+	return (flags[0] & flags[1]) != 0;
+}
+
+TULO3D_ALWAYS_INLINE bool allOf(const Flags4& flags)
+{
+	return (flags[0] & flags[1] & flags[2] & flags[3]) != 0;
+}
+
+/// What the stages have in common: the rows and determinants in doubles, and the bounds before
+/// their factors.
+template <typename Lanes>
+struct LaneStage
+{
+	SphereRow<Lanes> own, other, beyond;
+	SphereDeterminant<Lanes> d;
+	Lanes facetSum;  // the product of three column sums
+	Lanes sphereSum; // of four
+};
+
+template <typename Lanes>
+TULO3D_ALWAYS_INLINE LaneStage<Lanes> laneStage(const Group<Lanes>& group, const Point3& query)
+{
+	LaneStage<Lanes> s;
+	s.own = rowsOf(group.own, query);
+	s.other = rowsOf(group.other, query);
+	s.beyond = rowsOf(group.beyond, query);
+	s.d = determinants(s.own, s.other, s.beyond);
+
+	const Lanes sumX = sumOverFacet(magnitude(s.own.x), magnitude(s.other.x));
+	const Lanes sumY = sumOverFacet(magnitude(s.own.y), magnitude(s.other.y));
+	const Lanes sumZ = sumOverFacet(magnitude(s.own.z), magnitude(s.other.z));
+	const Lanes sumL = sumOverFacet(s.own.l, s.other.l);
+	s.facetSum = sumX * sumY * sumZ;
+	s.sphereSum = (sumX + magnitude(s.beyond.x)) * (sumY + magnitude(s.beyond.y)) *
+	    (sumZ + magnitude(s.beyond.z)) * (sumL + s.beyond.l);
+	return s;
+}
+
+/// Doubles with a bound for their error.
+template <typename Lanes>
+TULO3D_ALWAYS_INLINE LaneVerdicts<Lanes> fastStage(const LaneStage<Lanes>& s)
+{
+	const Lanes bound = kSphereBound * s.sphereSum;
+	return {(Flags<Lanes>)(s.d.det < -bound), (Flags<Lanes>)(s.d.det > bound),
+	    (Flags<Lanes>)(s.d.xyz > kFacetBound * s.facetSum)};
+}
+
+/// Doubles that happen to be exact, as on a lattice, where ever so many determinants are zero.
+///
+/// Let every difference of a lane be a multiple of g and at most 2^8 g in magnitude. Then a column
+/// sum is at most 2^10 g, that of the lifts less than 2^20 g^2, and all values on the way to the
+/// determinant are multiples of a power of g, at most 2^50 times as large: nothing was rounded, if
+/// the differences themselves were not. That they are multiples of g is seen when adding 1.5 * 2^52 g
+/// and taking it away again leaves them as they are; that they are exact, by their tails.
+template <typename Lanes>
+TULO3D_ALWAYS_INLINE void exactStage(const Group<Lanes>& group, const Point3& query,
+    const LaneStage<Lanes>& s, LaneVerdicts<Lanes>& verdicts)
+{
+	const auto size = [](const SphereRow<Lanes>& r) TULO3D_INLINE_LAMBDA {
+		return magnitude(r.x) + magnitude(r.y) + magnitude(r.z);
+	};
+	const Lanes largest =
+	    sumOverFacet<Lanes>(size(s.own), size(s.other)) + size(s.beyond); // or more
+	const Lanes powerOfTwo = maskedWith(largest, 0x7ff0000000000000); // at most that, above half
+	const Lanes shifter = (1.5 * 0x1p45) * powerOfTwo; // 1.5 * 2^52 g with g = powerOfTwo / 2^7
+
+	Flags<Lanes> inexact = (Flags<Lanes>)(powerOfTwo == 0.0); // so small that products underflow
+	const auto check = [&](const Lanes& coordinate, double origin) TULO3D_INLINE_LAMBDA {
+		const DoubleDouble<Lanes> difference = differenceOf<Lanes>(coordinate, Lanes{} + origin);
+		const Lanes rounded = (difference.hi + shifter) - shifter;
+		inexact |= (Flags<Lanes>)(difference.lo != 0.0) | (Flags<Lanes>)(rounded != difference.hi);
+	};
+	const auto checkPoints = [&](const Points<Lanes>& p) TULO3D_INLINE_LAMBDA {
+		check(p.x, query.x());
+		check(p.y, query.y());
+		check(p.z, query.z());
+	};
+	checkPoints(swapPairs(group.own));
+	checkPoints(group.other);
+	checkPoints(swapPairs(group.other));
+	checkPoints(group.beyond);
+
+	verdicts.inside |= ~inexact & (Flags<Lanes>)(s.d.det < 0.0);
+	verdicts.outside |=
+	    ~inexact & (Flags<Lanes>)(s.d.det >= 0.0); // on the sphere counts as outside
+	verdicts.positive |= ~inexact & (Flags<Lanes>)(s.d.xyz > 0.0);
+}
+
+/// Double-doubles with a bound for their error: nearly cospherical points, but not quite.
+template <typename Lanes>
+TULO3D_ALWAYS_INLINE void doubleDoubleStage(const Group<Lanes>& group, const Point3& query,
+    const LaneStage<Lanes>& s, LaneVerdicts<Lanes>& verdicts)
+{
+	const auto rows = [&query](const Points<Lanes>& p) TULO3D_INLINE_LAMBDA {
+		const Lanes x = Lanes{} + query.x(), y = Lanes{} + query.y(), z = Lanes{} + query.z();
+		return sphereRow(differenceOf(p.x, x), differenceOf(p.y, y), differenceOf(p.z, z));
+	};
+	const Lanes det = determinants(rows(group.own), rows(group.other), rows(group.beyond)).det.hi;
+	const Lanes bound = kSphereBoundDoubleDouble * s.sphereSum;
+	verdicts.inside |= (Flags<Lanes>)(det < -bound);
+	verdicts.outside |= (Flags<Lanes>)(det > bound);
+}
+
+/// The other stages, for a group with a lane in doubt.
+template <typename Lanes>
+TULO3D_ALWAYS_INLINE LaneVerdicts<Lanes> decideSlowly(
+    const Group<Lanes>& group, const Point3& query)
+{
+	const LaneStage<Lanes> stage = laneStage(group, query);
+	LaneVerdicts<Lanes> verdicts = fastStage(stage);
+	exactStage(group, query, stage, verdicts);
+	if (!allOf(verdicts.inside | verdicts.outside))
+		doubleDoubleStage(group, query, stage, verdicts);
+	return verdicts;
+}
+
+// Settling is kept out of line, or its registers would burden the ordinary case.
+
+__attribute__((noinline)) NeighbourVerdicts decideSlowlyPortable(
+    const NeighbourBatch& batch, const Point3& query)
+{
+	return unpacked(
+	    decideSlowly(halfBatch(batch, 0), query), decideSlowly(halfBatch(batch, 1), query));
+}
+
+#  if defined(TULO3D_AVX2)
+
+TULO3D_AVX2 __attribute__((noinline)) NeighbourVerdicts decideSlowlyAvx2(
+    const NeighbourBatch& batch, const Point3& query)
+{
+	return unpacked(decideSlowly(wholeBatch(batch), query));
+}
+
+TULO3D_AVX2 NeighbourVerdicts testNeighboursAvx2(const NeighbourBatch& batch, const Point3& query)
+{
+	const NeighbourVerdicts verdicts = WholeBatch::verdicts(batch, query);
+	if ((verdicts.inside | verdicts.outside) == 0xFU) return verdicts;
+	return decideSlowlyAvx2(batch, query);
+}
+
+TULO3D_AVX2 FacetSides testFacetsAvx2(const Point3* const (&corner)[4], const Point3& query)
+{
+	return WholeBatch::sides(corner, query);
+}
+
+#  endif
+
+#else
+
+NeighbourVerdicts decideSlowlyPortable(const NeighbourBatch&, const Point3&)
+{
+	return {0, 0, 0};
+}
+
+#endif
+
+NeighbourVerdicts testNeighboursPortable(const NeighbourBatch& batch, const Point3& query)
+{
+	const NeighbourVerdicts verdicts = HalfBatches::verdicts(batch, query);
+	if ((verdicts.inside | verdicts.outside) == 0xFU) return verdicts;
+	return decideSlowlyPortable(batch, query);
+}
+
+FacetSides testFacetsPortable(const Point3* const (&corner)[4], const Point3& query)
+{
+	return HalfBatches::sides(corner, query);
+}
+
+} // namespace
+
+NeighbourVerdicts decideNothing(const NeighbourBatch&, const Point3&)
+{
+	return {0, 0, 0};
+}
+
+const BatchTests kPortableTests = {testNeighboursPortable, testFacetsPortable, false};
+
+const BatchTests* avx2Tests()
+{
+#if defined(TULO3D_AVX2)
+	static const BatchTests tests = {testNeighboursAvx2, testFacetsAvx2, true};
+	if (__builtin_cpu_supports("avx2")) return &tests;
+#endif
+	return nullptr;
+}
+
+const BatchTests& bestTests()
+{
+	const BatchTests* avx2 = avx2Tests();
+	return avx2 != nullptr ? *avx2 : kPortableTests;
+}
+
+} // namespace TULO3D

@@ -1,0 +1,291 @@
+// SPDX-License-Identifier: MIT
+// The first stage of the batched tests, to be compiled into the loops that use it: doubles side by
+// side, with a bound for their error. SphereDeterminant.h has the formula and the bounds.
+#pragma once
+
+#include "geometry/TetIndices.h"
+#include "predicates/BatchTests.h"
+#include "predicates/SphereDeterminant.h"
+
+#include <cstdint>
+
+namespace TULO3D {
+
+// The corners of facet i stand in lane i of these columns. They are the rows of kOutside, each
+// turned so that a register of corners 0 1 2 3 becomes a column by swapping pairs or halves.
+inline constexpr int kColumnA[4] = {1, 0, 3, 2};
+inline constexpr int kColumnB[4] = {2, 3, 0, 1};
+inline constexpr int kColumnC[4] = {3, 2, 1, 0};
+
+constexpr bool columnsAreTheFacets()
+{
+	for (int i = 0; i < 4; ++i) {
+		const int turn = placeInFacet(i, kColumnA[i]);
+		if (kOutside[i][(turn + 1) % 3] != kColumnB[i]) return false;
+		if (kOutside[i][(turn + 2) % 3] != kColumnC[i]) return false;
+	}
+	return true;
+}
+static_assert(columnsAreTheFacets(), "a lane would test another facet");
+
+#if defined(__GNUC__)
+#  pragma GCC diagnostic ignored "-Wpsabi" // no lane ever crosses a real call
+
+// A register holds the facets of a batch side by side: all four, or the two of one half. A CPU whose
+// registers are shorter than the type would be slowed down rather than helped.
+typedef double Lanes2 __attribute__((vector_size(16)));
+typedef double Lanes4 __attribute__((vector_size(32)));
+typedef std::int64_t Flags2 __attribute__((vector_size(16))); // all ones or all zeros
+typedef std::int64_t Flags4 __attribute__((vector_size(32)));
+typedef std::uint64_t Words2 __attribute__((vector_size(16))); // the bits of numbers
+typedef std::uint64_t Words4 __attribute__((vector_size(32)));
+
+template <typename Lanes>
+struct IntegersOf;
+template <>
+struct IntegersOf<Lanes2>
+{
+	using Flags = Flags2;
+	using Words = Words2;
+};
+template <>
+struct IntegersOf<Lanes4>
+{
+	using Flags = Flags4;
+	using Words = Words4;
+};
+template <typename Lanes>
+using Flags = typename IntegersOf<Lanes>::Flags;
+template <typename Lanes>
+using Words = typename IntegersOf<Lanes>::Words;
+
+TULO3D_ALWAYS_INLINE Lanes2 swapPairs(const Lanes2& v)
+{
+	return __builtin_shufflevector(v, v, 1, 0);
+}
+
+TULO3D_ALWAYS_INLINE Lanes4 swapPairs(const Lanes4& v)
+{
+	return __builtin_shufflevector(v, v, 1, 0, 3, 2);
+}
+
+TULO3D_ALWAYS_INLINE Lanes4 swapHalves(const Lanes4& v)
+{
+	return __builtin_shufflevector(v, v, 2, 3, 0, 1);
+}
+
+template <typename Lanes>
+TULO3D_ALWAYS_INLINE DoubleDouble<Lanes> swapPairs(const DoubleDouble<Lanes>& v)
+{
+	return {swapPairs(v.hi), swapPairs(v.lo)};
+}
+
+template <typename N>
+TULO3D_ALWAYS_INLINE SphereRow<N> swapPairs(const SphereRow<N>& r)
+{
+	return {swapPairs(r.x), swapPairs(r.y), swapPairs(r.z), swapPairs(r.l)};
+}
+
+TULO3D_ALWAYS_INLINE SphereRow<Lanes4> swapHalves(const SphereRow<Lanes4>& r)
+{
+	return {swapHalves(r.x), swapHalves(r.y), swapHalves(r.z), swapHalves(r.l)};
+}
+
+/// At least the square roots but for their last bit, at most a sixteenth more. Halving exponent and significand as one
+/// number follows the tangents of the root at the powers of 4, and they run above it.
+template <typename Lanes>
+TULO3D_ALWAYS_INLINE Lanes aboveRoot(const Lanes& v)
+{
+	return (Lanes)(((Words<Lanes>)v >> 1) + 0x1ff8000000000000);
+}
+
+/// Points side by side, by their coordinates.
+template <typename Lanes>
+struct Points
+{
+	Lanes x, y, z;
+};
+
+TULO3D_ALWAYS_INLINE Points<Lanes2> gather(const Point3* pP, const Point3* pQ)
+{
+	return {Lanes2{pP->x(), pQ->x()}, Lanes2{pP->y(), pQ->y()}, Lanes2{pP->z(), pQ->z()}};
+}
+
+template <typename Lanes>
+TULO3D_ALWAYS_INLINE Points<Lanes> swapPairs(const Points<Lanes>& p)
+{
+	return {swapPairs(p.x), swapPairs(p.y), swapPairs(p.z)};
+}
+
+/// A register of pairs: x and y of two points are loaded together and sorted out afterwards.
+TULO3D_ALWAYS_INLINE Points<Lanes4> gather(const Point3* const (&p)[4])
+{
+	const auto xyOf = [](const Point3* pP) TULO3D_INLINE_LAMBDA {
+		return Lanes2{pP->x(), pP->y()};
+	};
+	const Lanes2 xy0 = xyOf(p[0]), xy1 = xyOf(p[1]), xy2 = xyOf(p[2]), xy3 = xyOf(p[3]);
+	const Lanes4 even = __builtin_shufflevector(xy0, xy2, 0, 1, 2, 3);
+	const Lanes4 odd = __builtin_shufflevector(xy1, xy3, 0, 1, 2, 3);
+	const Lanes2 z01 = {p[0]->z(), p[1]->z()}, z23 = {p[2]->z(), p[3]->z()};
+	return {__builtin_shufflevector(even, odd, 0, 4, 2, 6),
+	    __builtin_shufflevector(even, odd, 1, 5, 3, 7),
+	    __builtin_shufflevector(z01, z23, 0, 1, 2, 3)};
+}
+
+template <typename Lanes>
+struct LaneVerdicts
+{
+	Flags<Lanes> inside, outside, positive;
+};
+
+/// Over the three corners of a facet: columns A, B and C of the table above.
+template <typename Lanes>
+TULO3D_ALWAYS_INLINE Lanes sumOverFacet(const Lanes& own, const Lanes& other)
+{
+	return swapPairs(own) + other + swapPairs(other);
+}
+
+template <typename N>
+TULO3D_ALWAYS_INLINE SphereDeterminant<N> determinants(
+    const SphereRow<N>& own, const SphereRow<N>& other, const SphereRow<N>& beyond)
+{
+	return sphereDeterminant(swapPairs(own), other, swapPairs(other), beyond);
+}
+
+template <typename Lanes>
+TULO3D_ALWAYS_INLINE SphereRow<Lanes> rowsOf(const Points<Lanes>& p, const Point3& query)
+{
+	return sphereRow<Lanes>(p.x - query.x(), p.y - query.y(), p.z - query.z());
+}
+
+/// Doubles with a bound that is cheap and generous. It nearly always settles everything.
+template <typename Lanes>
+TULO3D_ALWAYS_INLINE LaneVerdicts<Lanes> quickStage(
+    const SphereRow<Lanes>& own, const SphereRow<Lanes>& other, const SphereRow<Lanes>& beyond)
+{
+	const SphereDeterminant<Lanes> d = determinants(own, other, beyond);
+	const Lanes sumL = sumOverFacet(own.l, other.l) + beyond.l;
+	const Lanes volume = sumL * aboveRoot(sumL);
+	const Lanes bound = kQuickSphereBound * volume * sumL + kLostInQuickStage;
+	return {(Flags<Lanes>)(d.det < -bound), (Flags<Lanes>)(d.det > bound),
+	    (Flags<Lanes>)(d.xyz > kQuickFacetBound * volume + kLostInQuickStage)};
+}
+
+/// The minor |xyz|: six times the volume between the query point and the facet a, b, c.
+template <typename N>
+TULO3D_ALWAYS_INLINE N facetDeterminant(
+    const SphereRow<N>& a, const SphereRow<N>& b, const SphereRow<N>& c)
+{
+	const N xy = b.x * c.y - c.x * b.y;
+	const N xz = b.x * c.z - c.x * b.z;
+	const N yz = b.y * c.z - c.y * b.z;
+	return a.x * yz - a.y * xz + a.z * xy;
+}
+
+/// On which sides of the facets the query point certainly lies.
+template <typename Lanes>
+struct LaneSides
+{
+	Flags<Lanes> positive, negative;
+};
+
+template <typename Lanes>
+TULO3D_ALWAYS_INLINE LaneSides<Lanes> sidesOfFacets(
+    const SphereRow<Lanes>& own, const SphereRow<Lanes>& other)
+{
+	const Lanes xyz = facetDeterminant(swapPairs(own), other, swapPairs(other));
+	const Lanes sumL = sumOverFacet(own.l, other.l);
+	const Lanes bound = kQuickFacetBound * (sumL * aboveRoot(sumL)) + kLostInQuickStage;
+	return {(Flags<Lanes>)(xyz > bound), (Flags<Lanes>)(xyz < -bound)};
+}
+
+/// A bit for each lane.
+TULO3D_ALWAYS_INLINE unsigned bitsOf(const Flags2& flags)
+{
+	return static_cast<unsigned>((flags[0] & 1) | (flags[1] & 2));
+}
+
+/// Three sets of flags in one word, four bits each.
+TULO3D_ALWAYS_INLINE unsigned packedBits(const Flags4& a, const Flags4& b, const Flags4& c)
+{
+	const Flags4 word = (a & Flags4{0x001, 0x002, 0x004, 0x008}) |
+	    (b & Flags4{0x010, 0x020, 0x040, 0x080}) | (c & Flags4{0x100, 0x200, 0x400, 0x800});
+	const Flags2 half =
+	    __builtin_shufflevector(word, word, 0, 1) | __builtin_shufflevector(word, word, 2, 3);
+	return static_cast<unsigned>(half[0] | half[1]);
+}
+
+TULO3D_ALWAYS_INLINE NeighbourVerdicts unpacked(const LaneVerdicts<Lanes4>& lanes)
+{
+	const unsigned bits = packedBits(lanes.inside, lanes.outside, lanes.positive);
+	return {bits & 0xFU, bits >> 4U & 0xFU, bits >> 8U};
+}
+
+TULO3D_ALWAYS_INLINE NeighbourVerdicts unpacked(
+    const LaneVerdicts<Lanes2>& low, const LaneVerdicts<Lanes2>& high)
+{
+	return {bitsOf(low.inside) | bitsOf(high.inside) << 2U,
+	    bitsOf(low.outside) | bitsOf(high.outside) << 2U,
+	    bitsOf(low.positive) | bitsOf(high.positive) << 2U};
+}
+
+/// All four facets in one register.
+struct WholeBatch
+{
+	static TULO3D_ALWAYS_INLINE NeighbourVerdicts verdicts(
+	    const NeighbourBatch& batch, const Point3& query)
+	{
+		const SphereRow<Lanes4> own = rowsOf(gather(batch.corner), query);
+		const SphereRow<Lanes4> beyond = rowsOf(gather(batch.opposite), query);
+		return unpacked(quickStage(own, swapHalves(own), beyond));
+	}
+
+	static TULO3D_ALWAYS_INLINE FacetSides sides(
+	    const Point3* const (&corner)[4], const Point3& query)
+	{
+		const SphereRow<Lanes4> own = rowsOf(gather(corner), query);
+		const LaneSides<Lanes4> lanes = sidesOfFacets(own, swapHalves(own));
+		const unsigned bits = packedBits(lanes.positive, lanes.negative, Flags4{});
+		return {bits & 0xFU, bits >> 4U};
+	}
+};
+
+/// Facets 0 and 1 in one register, 2 and 3 in the other.
+struct HalfBatches
+{
+	static TULO3D_ALWAYS_INLINE NeighbourVerdicts verdicts(
+	    const NeighbourBatch& batch, const Point3& query)
+	{
+		const SphereRow<Lanes2> rows01 = rowsOf(gather(batch.corner[0], batch.corner[1]), query);
+		const SphereRow<Lanes2> rows23 = rowsOf(gather(batch.corner[2], batch.corner[3]), query);
+		const LaneVerdicts<Lanes2> first =
+		    quickStage(rows01, rows23, rowsOf(gather(batch.opposite[0], batch.opposite[1]), query));
+		const LaneVerdicts<Lanes2> second =
+		    quickStage(rows23, rows01, rowsOf(gather(batch.opposite[2], batch.opposite[3]), query));
+		return unpacked(first, second);
+	}
+
+	static TULO3D_ALWAYS_INLINE FacetSides sides(
+	    const Point3* const (&corner)[4], const Point3& query)
+	{
+		const SphereRow<Lanes2> rows01 = rowsOf(gather(corner[0], corner[1]), query);
+		const SphereRow<Lanes2> rows23 = rowsOf(gather(corner[2], corner[3]), query);
+		const LaneSides<Lanes2> first = sidesOfFacets(rows01, rows23);
+		const LaneSides<Lanes2> second = sidesOfFacets(rows23, rows01);
+		return {bitsOf(first.positive) | bitsOf(second.positive) << 2U,
+		    bitsOf(first.negative) | bitsOf(second.negative) << 2U};
+	}
+};
+
+#else
+
+/// Without vector types nothing is certain here; the adaptive tests decide.
+struct HalfBatches
+{
+	static NeighbourVerdicts verdicts(const NeighbourBatch&, const Point3&) { return {0, 0, 0}; }
+	static FacetSides sides(const Point3* const (&)[4], const Point3&) { return {0, 0}; }
+};
+
+#endif
+
+} // namespace TULO3D

@@ -1,0 +1,88 @@
+// SPDX-License-Identifier: MIT
+// Morton order, for points that the nine levels of the vertex store do not tell apart.
+#include "store/MortonOrder.h"
+#include "ardo_tools/RadixSort.h"
+#include "mesh/Prefetch.h"
+
+#include <algorithm>
+#include <cstddef>
+
+namespace TULO3D {
+
+namespace {
+
+constexpr unsigned kLevels = 21;
+constexpr unsigned kKeyBits = 27;
+
+/// A point and its place in Morton order.
+struct KeyedPosition
+{
+	std::uint32_t key; // the first bits of the place: they tell most points apart
+	std::uint32_t position;
+	std::uint64_t place;
+};
+
+/// A range along one axis that holds all but the outermost of the points.
+struct Range
+{
+	double low;
+	double high;
+};
+
+Range bulkOf(const std::vector<const Point3*>& vPoints, double (Point3::*coordinate)() const)
+{
+	constexpr std::size_t kSamples = 1024;
+	const std::size_t step = vPoints.size() / kSamples + 1;
+	std::vector<double> v;
+	for (std::size_t i = 0; i < vPoints.size(); i += step) {
+		v.push_back((vPoints[i]->*coordinate)());
+	}
+	std::sort(v.begin(), v.end());
+	const std::size_t outer = v.size() / 64;
+	const double low = v[outer], high = v[v.size() - 1 - outer];
+	return {low - (high - low), high + (high - low)}; // what is outside shares the outermost cells
+}
+
+/// The 21 lowest bits of `v`, two zeros behind each.
+std::uint64_t spread(std::uint64_t v)
+{
+	v = (v | v << 32U) & 0x1f00000000ffffU;
+	v = (v | v << 16U) & 0x1f0000ff0000ffU;
+	v = (v | v << 8U) & 0x100f00f00f00f00fU;
+	v = (v | v << 4U) & 0x10c30c30c30c30c3U;
+	return (v | v << 2U) & 0x1249249249249249U;
+}
+
+} // namespace
+
+std::vector<std::uint32_t> mortonOrder(const std::vector<const Point3*>& vPoints)
+{
+	const Range x = bulkOf(vPoints, &Point3::x);
+	const Range y = bulkOf(vPoints, &Point3::y);
+	const Range z = bulkOf(vPoints, &Point3::z);
+	const double side = std::max({x.high - x.low, y.high - y.low, z.high - z.low});
+	constexpr double kCells = static_cast<double>(1U << kLevels);
+	const double scale = side > 0.0 ? kCells / side : 0.0;
+	const auto cell = [scale](double coordinate, const Range& range) {
+		const double c = (coordinate - range.low) * scale;
+		return spread(static_cast<std::uint64_t>(c > 0.0 ? std::min(c, kCells - 1.0) : 0.0));
+	};
+
+	std::vector<KeyedPosition> vKeyed;
+	vKeyed.reserve(vPoints.size());
+	for (std::size_t i = 0; i < vPoints.size(); ++i) {
+		prefetchVertex(vPoints[placeAhead(i, vPoints.size())]);
+		const Point3* p = vPoints[i];
+		const std::uint64_t place = cell(p->x(), x) << 2U | cell(p->y(), y) << 1U | cell(p->z(), z);
+		const auto key = static_cast<std::uint32_t>(place >> (3 * kLevels - kKeyBits));
+		vKeyed.push_back({key, static_cast<std::uint32_t>(i), place});
+	}
+	sortByKey(vKeyed, kKeyBits,
+	    [](const KeyedPosition& a, const KeyedPosition& b) { return a.place < b.place; });
+	std::vector<std::uint32_t> vAlong;
+	vAlong.reserve(vKeyed.size());
+	for (const KeyedPosition& keyed : vKeyed) vAlong.push_back(keyed.position);
+	return vAlong;
+}
+
+} // namespace TULO3D

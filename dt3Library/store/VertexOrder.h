@@ -1,0 +1,133 @@
+// SPDX-License-Identifier: MIT
+// The ordered set behind the vertex store: items along the curve, in sorted chunks.
+#pragma once
+
+#include "Point3.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <utility>
+#include <vector>
+
+namespace TULO3D {
+
+/// Sort record: a vertex and its place on the curve. During a lookup the vertex may be the caller's
+/// point, or null.
+struct IdxVtx
+{
+	std::uint32_t key;
+	Point3* pVtx;
+};
+
+/// The order of the listing: key; null before any vertex; then x, y, z. Because a key is a function
+/// of the coordinates, two items are equivalent exactly when their coordinates are equal.
+struct Func_ltIdxVtxPtr
+{
+	bool operator()(const IdxVtx* a, const IdxVtx* b) const
+	{
+		if (a->key != b->key) return a->key < b->key;
+		if (a->pVtx == nullptr || b->pVtx == nullptr)
+			return a->pVtx == nullptr && b->pVtx != nullptr;
+		return *a->pVtx < *b->pVtx;
+	}
+};
+
+/// An ordered set of item pointers. The items are not owned.
+///
+/// It is a sequence of sorted chunks, dense enough to be read at memory speed. The items of the first
+/// batch follow one another in memory as they do along the curve, and a chunk of such items needs no
+/// list of them; any other takes 12 to 24 bytes an item, where a tree of nodes takes 48.
+class VertexOrder
+{
+public:
+	/// A place in the order: an item, or the end.
+	struct Position
+	{
+		std::size_t chunk;
+		std::size_t offset;
+	};
+
+	std::size_t size() const { return numItems; }
+
+	Position begin() const { return {0, 0}; }
+	bool isEnd(Position at) const { return at.chunk == chunks.size(); }
+	IdxVtx* operator[](Position at) const { return chunks[at.chunk][at.offset]; }
+
+	/// The place behind `at`, which is not the end.
+	Position next(Position at) const;
+	/// The place before `at`, which is not the beginning.
+	Position previous(Position at) const;
+	bool isBegin(Position at) const { return at.chunk == 0 && at.offset == 0; }
+
+	/// The first item that is not before `probe`.
+	Position lowerBound(const IdxVtx& probe) const;
+
+	/// Inserts an item at its place, which `lowerBound` has found, and returns it there.
+	Position insertAt(Position at, IdxVtx* pItem);
+
+	/// Inserts an item that comes behind all others.
+	void append(IdxVtx* pItem);
+
+	/// Inserts all items of `others`, none of which is equivalent to any in the set.
+	void merge(VertexOrder&& others);
+
+	/// Replaces all items by these, which are sorted.
+	void assign(const std::vector<IdxVtx*>& vSorted);
+
+	/// Appends all items in order.
+	void list(std::vector<IdxVtx*>& vOut) const;
+
+private:
+	static constexpr std::size_t kCapacity = 512;
+
+	/// Up to kCapacity items, at least one.
+	class Chunk
+	{
+	public:
+		explicit Chunk(IdxVtx* pItem) : pFirst(pItem), lastKey(pItem->key) {}
+
+		std::size_t size() const { return count; }
+		IdxVtx* operator[](std::size_t i) const { return list ? list->items[i] : pFirst + i; }
+
+		/// True when item `i` comes before the probe.
+		bool isBefore(std::size_t i, const IdxVtx& probe) const
+		{
+			return isBefore(list ? list->keys[i] : pFirst[i].key, i, probe);
+		}
+		/// True when all of them do.
+		bool isBefore(const IdxVtx& probe) const { return isBefore(lastKey, count - 1, probe); }
+
+		void insert(std::size_t i, IdxVtx* pItem);
+		/// The items from the n-th on.
+		Chunk from(std::size_t n) const;
+		/// Leaves the first `n` items, at least one.
+		void cut(std::size_t n);
+
+	private:
+		// A search reads keys alone, until two are equal.
+		struct List
+		{
+			std::uint32_t keys[kCapacity];
+			IdxVtx* items[kCapacity];
+		};
+
+		bool isBefore(std::uint32_t key, std::size_t i, const IdxVtx& probe) const
+		{
+			return key != probe.key ? key < probe.key : Func_ltIdxVtxPtr()((*this)[i], &probe);
+		}
+		void makeList();
+
+		IdxVtx* pFirst; // they follow one another from here, as long as there is no list
+		std::unique_ptr<List> list;
+		std::size_t count = 1;
+		std::uint32_t lastKey;
+	};
+
+	void swap(VertexOrder& other);
+
+	std::vector<Chunk> chunks;
+	std::size_t numItems = 0;
+};
+
+} // namespace TULO3D
