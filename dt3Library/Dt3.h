@@ -45,8 +45,10 @@ struct Surface3
 /// A facet between the cavity and what stays, or the hull.
 struct CavityFacet
 {
-	Tet3* pTet;    ///< in the cavity
-	unsigned code; ///< the index of the facet in bits 0 and 1, the border's positive ones above
+	Tet3* pTet;   ///< in the cavity
+	unsigned ith; ///< the index of the facet
+	unsigned
+	    positive; ///< a bit for each facet that is known to have the new vertex on its inner side
 };
 
 /// What is known of the vertices while they are all coplanar: up to three of them that span their

@@ -69,7 +69,7 @@ TULO3D_ALWAYS_INLINE void Dt3::carve(const Point3* pVtx, Tet3* pStartTet)
 			CavityMark::setIf(bJoins, *border.pNeigh[i]);
 			stack.pushIf(bJoins, {border.pNeigh[i], border.pApex[i]});
 			dead.pushIf(bJoins, border.pNeigh[i]);
-			facets.pushIf((border.boundary() >> i & 1U) != 0, {pTet, i | border.positive << 2U});
+			facets.pushIf((border.boundary() >> i & 1U) != 0, {pTet, i, border.positive});
 		}
 		vCavityStack.accept(stack);
 		vDeadTets.accept(dead);
@@ -105,7 +105,7 @@ void Dt3::carveFound(const Reservation& reservation)
 	}
 
 	// The same depth-first order as above. What is still reserved has not been on the stack yet.
-	const unsigned positive = reservation.seesPositive() ? 0xFU << 2U : 0;
+	const unsigned positive = reservation.seesPositive() ? 0xFU : 0;
 	reservation.release(*pStartTet);
 	while (!vCavityStack.empty()) {
 		Tet3* const pTet = vCavityStack.pop().pTet;
@@ -119,7 +119,7 @@ void Dt3::carveFound(const Reservation& reservation)
 			const bool bJoins = reservation.release(*pNeigh) & bInside;
 			stack.pushIf(bJoins, {pNeigh, nullptr});
 			dead.pushIf(bJoins, pNeigh);
-			facets.pushIf(!bInside, {pTet, i | positive});
+			facets.pushIf(!bInside, {pTet, i, positive});
 		}
 		vCavityStack.accept(stack);
 		vDeadTets.accept(dead);
@@ -129,10 +129,9 @@ void Dt3::carveFound(const Reservation& reservation)
 
 inline Tet3* Dt3::closeFacet(const CavityFacet& facet, Point3* pVtx)
 {
-	const unsigned ith = facet.code & 3U;
-	const bool bPositive = (facet.code >> 2U >> ith & 1U) != 0;
+	const auto [pTet, ith, positive] = facet;
+	const bool bPositive = (positive >> ith & 1U) != 0;
 	const auto& [a, b, c] = kOutside[ith];
-	const Tet3* pTet = facet.pTet;
 	Tet3* pNewTet = bPositive
 	    ? makePositiveTet(pVtx, pTet->getCorner(a), pTet->getCorner(b), pTet->getCorner(c))
 	    : createTet(pVtx, pTet->getCorner(a), pTet->getCorner(b), pTet->getCorner(c));
