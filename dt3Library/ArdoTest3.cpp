@@ -94,7 +94,8 @@ Orientation3 ArdoTest3::orientationInDoubt(
 	// On a lattice nearly all doubt is about points in a plane across an axis. Not a branch for each axis:
 	// which of them it is cannot be predicted.
 	const auto areEqual = [](double p, double q, double r, double s) {
-		return std::abs(p - s) + std::abs(q - s) + std::abs(r - s) == 0.0;
+		return (p == s) & (q == s) &
+		    (r == s); // no differences: a host may have them flushed to zero
 	};
 	const bool bAcross = areEqual(a.x(), b.x(), c.x(), d.x()) |
 	    areEqual(a.y(), b.y(), c.y(), d.y()) | areEqual(a.z(), b.z(), c.z(), d.z());

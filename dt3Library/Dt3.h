@@ -226,12 +226,15 @@ private:
 	class OwnLabels;
 	/// True when the coordinates are finite and so small that no exact test overflows.
 	static bool isInRange(const Point3& p);
-	/// Checks points and takes note of what is new about them, before they are stored.
+	/// Checks points before they are stored. From then on to the end of the call, an exception leaves the
+	/// engine unfinished.
 	void beginStoring(const Point3* pFirst, std::size_t numPoints);
+	/// Stores one point and inserts its vertex, which is returned.
+	Point3* storeAndInsert(const Point3& p);
 	/// Stores the points of a batch and returns the new vertices in curve order.
 	std::vector<Point3*> store(
 	    const std::vector<Point3>& vInputPoints, std::vector<Point3*>& vUserHandles);
-	/// Inserts the new vertices of a batch, and those that have waited for a fourth dimension.
+	/// Inserts the new vertices of a batch, and those that have waited for the first tetrahedron.
 	void insertStored(std::vector<Point3*>& vNewVertices, std::size_t numPoints);
 	// Dt3Query.cpp
 	LiveTets liveTets() const;
@@ -254,8 +257,8 @@ private:
 	/// facet at the end, and pTet becomes its owner.
 	int stopAtHullEdge(Tet3*& pTet, int f, int opp2ICI) const;
 	// Dt3Cavity.cpp
-	/// A mark that a host has left is refused while the mesh is whole: what has been stored and not
-	/// inserted stays out of it, and nothing is broken.
+	/// To precede a check that refuses a host's mark: at that point the mesh is whole, and what has been
+	/// stored and not inserted merely stays out of it.
 	void expectWholeIfMarked(const Tet3& tet) { bUnfinished = bUnfinished && !tet.hasBeenVisited; }
 	/// Before each insertion: no facet half is left over.
 	void beginInsertion();
@@ -298,7 +301,8 @@ private:
 	ScratchArray<CavityTet> vCavityStack;
 	ScratchArray<CavityFacet> vCavityFacets;
 	FlatWitness flatWitness;
-	bool bUnfinished = false; ///< an insertion has begun to change the mesh and not ended
+	bool bUnfinished =
+	    false; ///< points are being stored and inserted; stays when an exception comes between
 	int* pNextLabel = &Tet3::runningLabel;
 	std::size_t numFacetTests = 0;   ///< made by walks, since they were last asked for
 	StarLinker star;                 ///< what the current insertion makes

@@ -143,7 +143,6 @@ inline Tet3* Dt3::closeFacet(const CavityFacet& facet, Point3* pVtx)
 
 void Dt3::startCavity(Tet3* pStartTet)
 {
-	bUnfinished = true;
 	swapDeadAndRecycled();
 	star.clear();
 	vDeadTets.add(pStartTet);
@@ -183,7 +182,6 @@ Tet3* Dt3::fillCavity(Point3* pVtx)
 	Tet3* pLastTet = nullptr;
 	for (const CavityFacet& facet : vCavityFacets) pLastTet = closeFacet(facet, pVtx);
 	linkClosedStar();
-	bUnfinished = false;
 	return pLastTet;
 }
 

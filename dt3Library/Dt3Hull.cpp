@@ -27,7 +27,6 @@ Tet3* Dt3::insertAtHull(Point3** ppVtx, Tet3* pCurTet, int outIndex)
 		(bStays ? vCHTets : vInConflict).push_back(pTet);
 	}
 
-	bUnfinished = true;
 	swapDeadAndRecycled();
 	star.clear();
 	std::vector<Tet3*> vDoomedTets;
@@ -40,7 +39,6 @@ Tet3* Dt3::insertAtHull(Point3** ppVtx, Tet3* pCurTet, int outIndex)
 	linkOpenStar();
 	if (pNewTet1 == nullptr) pNewTet1 = pNewTet2;
 	CONDITION_CHECK(pNewTet1!=0);
-	bUnfinished = false;
 	return pNewTet1;
 }
 

@@ -76,12 +76,19 @@ Point3* Dt3::insert(Point3& p)
 {
 	expectFinished();
 	beginStoring(&p, 1);
+	Point3* pVtx = storeAndInsert(p);
+	bUnfinished = false;
+	return pVtx;
+}
+
+Point3* Dt3::storeAndInsert(const Point3& p)
+{
 	Tet3* pLastTet = nullptr;
 	Point3* pVtx = hc3.insertPoint(p, pLastTet);
-	bUnfinished = false;
 	if (bFullDimensional) {
 		// The neighbour on the curve may be a vertex that never entered the mesh.
 		if (pLastTet == nullptr) pLastTet = hc3.findNearbyTet(*pVtx);
+		expectWholeIfMarked(*pLastTet);
 		CONDITION_CHECK(!pLastTet->hasBeenVisited);
 		insertVertex(&pVtx, pLastTet, true);
 		return pVtx;
@@ -97,12 +104,16 @@ Point3* Dt3::insert(Point3& p)
 
 void Dt3::insert(const std::vector<Point3>& vInputPoints, std::vector<Point3*>& vUserHandles)
 {
+	expectFinished();
 	std::vector<Point3*> vNewVertices = store(vInputPoints, vUserHandles);
 	insertStored(vNewVertices, vInputPoints.size());
+	bUnfinished = false;
 }
 
 void Dt3::insert(const double* pCoordinates, std::size_t numPoints, std::int32_t* pVertexNumbers)
 {
+	expectFinished();
+	CONDITION_CHECK_AS(numPoints <= kMaxPoints - hc3.size(), kNumberText);
 	std::vector<Point3*> vNewVertices;
 	{
 		// In a block of its own: none of this is needed while the mesh grows.
@@ -118,12 +129,12 @@ void Dt3::insert(const double* pCoordinates, std::size_t numPoints, std::int32_t
 		}
 	}
 	insertStored(vNewVertices, numPoints);
+	bUnfinished = false;
 }
 
 std::vector<Point3*> Dt3::store(
     const std::vector<Point3>& vInputPoints, std::vector<Point3*>& vUserHandles)
 {
-	expectFinished();
 	if (bVerbose) {
 		Message() << std::endl << "Dt3::insert(vector,vector) has been called" << std::endl;
 	}
@@ -136,7 +147,6 @@ std::vector<Point3*> Dt3::store(
 	if (vInputPoints.empty()) return vNewVertices;
 	beginStoring(vInputPoints.data(), vInputPoints.size());
 	hc3.insertPoints(vInputPoints, vUserHandles, vNewVertices);
-	bUnfinished = false;
 	return vNewVertices;
 }
 
@@ -168,7 +178,10 @@ std::size_t Dt3::insertLeftOut()
 	hc3.getVertices(vLeftOut);
 	const auto isInMesh = [](const Point3* pVtx) { return pVtx->getOneTet() != nullptr; };
 	vLeftOut.erase(std::remove_if(vLeftOut.begin(), vLeftOut.end(), isInMesh), vLeftOut.end());
-	if (!vLeftOut.empty()) triangulate(vLeftOut, hc3.findNearbyTet(*vLeftOut.front()));
+	if (vLeftOut.empty()) return 0;
+	bUnfinished = true;
+	triangulate(vLeftOut, hc3.findNearbyTet(*vLeftOut.front()));
+	bUnfinished = false;
 	return vLeftOut.size();
 }
 
@@ -192,11 +205,9 @@ void Dt3::triangulate(std::vector<Point3*>& vVertices, Tet3* pLastTet)
 		} else {
 			pLastTet = insertVertex(&pVtx, batch.start(pLastTet));
 		}
-		bUnfinished = true; // until the last vertex is in
 		batch.advance(std::exchange(disturbed, Reservation::Bits{0}),
 		    std::exchange(numFacetTests, std::size_t{0}));
 	}
-	bUnfinished = false;
 }
 
 } // namespace TULO3D

@@ -13,7 +13,7 @@ namespace {
 
 constexpr std::size_t kMaxFacetTests = 10000;
 constexpr int kMaxFurtherWalks = 1000;
-constexpr std::size_t kLongWalk = 64;
+constexpr std::size_t kTestsBeforeShortcut = 64;
 
 /// How many facets come before the first one of the set, in cyclic order from facet f.
 int firstFrom(int f, unsigned set)
@@ -36,7 +36,7 @@ int Dt3::walk(const Point3& vtx, Tet3*& pStartTet, bool bShortcut)
 	int f = 0;       // the facet to test next
 	int numLeft = 4; // facets of this tetrahedron still to test
 	const std::size_t lastTest = numFacetTests + kMaxFacetTests;
-	const std::size_t longAt = numFacetTests + kLongWalk;
+	const std::size_t longAt = numFacetTests + kTestsBeforeShortcut;
 	FacetSides sides;
 	for (;;) {
 		prefetchNeighbours(*pStartTet); // for the next step; in the end, for the cavity
@@ -144,7 +144,7 @@ int Dt3::locatePersistently(const Point3& vtx, Tet3*& pStartTet, bool bShortcut)
 	// Thin and long meshes make walks of more steps than the watchdog allows.
 	int result = walk(vtx, pStartTet, bShortcut);
 	for (int n = 0; n < kMaxFurtherWalks && result == -99; ++n) {
-		result = walk(vtx, pStartTet, bShortcut);
+		result = walk(vtx, pStartTet, false); // with a shortcut it could go round and round
 	}
 	return result;
 }

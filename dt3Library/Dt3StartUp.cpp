@@ -40,10 +40,8 @@ Tet3* Dt3::startUp()
 	if (ori == ORIENTATION3_NEGATIVE) std::swap(pA, pB);
 	ori = predicates.getOrientation3(pA, pB, pC, pD);
 	CONDITION_CHECK(ori==ORIENTATION3_POSITIVE);
-	bUnfinished = true;
 	Tet3* pFirstTet = createTet(pA, pB, pC, pD);
 	bFullDimensional = true;
-	bUnfinished = false;
 	return pFirstTet;
 }
 

@@ -30,6 +30,11 @@ void Tulo_3D::insert(std::vector<Point3>& vInputPoints)
 	pDt3->insert(vInputPoints, vUserHandles);
 }
 
+void Tulo_3D::insert(const std::vector<Point3>& vInputPoints, std::vector<Point3*>& vUserHandles)
+{
+	pDt3->insert(vInputPoints, vUserHandles);
+}
+
 void Tulo_3D::insert(const std::vector<Point3>& vInputPoints)
 {
 	std::vector<Point3*> vUserHandles;

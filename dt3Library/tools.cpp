@@ -69,8 +69,8 @@ void goToHell(const std::string& reason)
 
 void hardStop(StopReason reason, const char* text)
 {
-	Message() << std::flush;
 	if (stopHandler != nullptr) stopHandler(reason, text);
+	Message() << std::flush;
 	std::exit(1);
 }
 

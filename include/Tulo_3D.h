@@ -76,6 +76,10 @@ public:
 	/// afterwards. A point that was left out also enters when it is inserted by this operation again, but
 	/// not as part of a batch.
 	///
+	/// The walk to the point starts at its neighbour on the library's space-filling curve; one of more
+	/// than 64 tests of a facet goes on from a nearer vertex of the curve. A batch starts each walk where
+	/// the last one ended, and near the point once walks have turned out to be long.
+	///
 	/// Throws `TuloException` for a coordinate that is not finite or beyond 1e60.
 	Point3* insert(Point3& p);
 
@@ -88,8 +92,11 @@ public:
 	/// Inserts a batch whose vertices need not be told apart.
 	void insert(std::vector<Point3>& vInputPoints);
 
-	/// Inserts a batch that stays as it is.
+	///@{
+	/// The same for points that must not change.
+	void insert(const std::vector<Point3>& vInputPoints, std::vector<Point3*>& vUserHandles);
 	void insert(const std::vector<Point3>& vInputPoints);
+	///@}
 
 	/// Inserts a batch of `numPoints` points given as x, y, z, x, y, z, ... `pVertexNumbers`, unless null,
 	/// has room for as many numbers: the i-th becomes that of the vertex of the i-th point. Throws as

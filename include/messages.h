@@ -17,7 +17,8 @@ namespace TULO3D {
 /// Wherever these documents say that something is printed to standard output, it is printed to this
 /// stream. `std::cout` is the default; while it is chosen, the lines of `Triangle3` about a wrong
 /// corner go to standard error. Null stands for silence. A stream must outlive its choice. Threads may
-/// share one: while one of them prints a message, the others wait.
+/// share one. While a message is printed, all other messages wait, whatever their streams: a stream must
+/// not wait for another thread that may print.
 TULO3D_API std::ostream* setMessageStream(std::ostream* pStream);
 
 /// Why the library cannot go on.
@@ -28,7 +29,7 @@ enum class StopReason {
 	kBrokenMesh   ///< a mesh whose links do not fit together: changed by the host, or by a defect
 };
 
-/// What a host does instead of a hard stop. `text` is the message that has just been printed, without
+/// What a host does instead of a hard stop. `text` is the message that has been printed, if any, without
 /// the records printed with it and the frame around it; it is valid until the handler returns or
 /// throws.
 using StopHandler = void (*)(StopReason reason, const char* text);

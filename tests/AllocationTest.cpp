@@ -4,6 +4,7 @@
 #include "ardo_tools/SimplePool.h"
 #include "support.h"
 
+#include <atomic>
 #include <functional>
 #include <new>
 
@@ -14,8 +15,8 @@ namespace {
 
 int numUntilFailure = -1; // none fails
 bool bForGood = false;
-bool bMallocFails = true; // too, not only operator new
-long numBlocks = 0;       // allocated less freed
+bool bMallocFails = true;        // too, not only operator new
+std::atomic<long> numBlocks = 0; // allocated less freed
 
 bool fails()
 {
@@ -26,8 +27,14 @@ bool fails()
 
 void* counted(void* pBlock)
 {
-	numBlocks += pBlock != nullptr;
+	// Relaxed: a stronger order would hide races of the library from ThreadSanitizer.
+	numBlocks.fetch_add(pBlock != nullptr, std::memory_order_relaxed);
 	return pBlock;
+}
+
+void uncount(const void* pBlock)
+{
+	numBlocks.fetch_sub(pBlock != nullptr, std::memory_order_relaxed);
 }
 
 /// Runs `f` with the allocation after `numAllowed` failing, or all from there on; false when
@@ -97,9 +104,9 @@ std::vector<std::function<void(Tulo_3D&)>> laterCalls(Point3* pVtx)
 		    m.getTetsAroundVertex(pVtx != nullptr ? pVtx : &none, v);
 	    },
 	    [](Tulo_3D& m) { m.print("later"); }, [](Tulo_3D& m) { m.checkValidity("later", true); },
-	    [](Tulo_3D& m) { m.show("/dev/null", nullptr); },
-	    [](Tulo_3D& m) { m.setVerbosity(false); }, [](Tulo_3D& m) { m.getNumVertices(); },
-	    [](Tulo_3D& m) { m.getNumTetrahedra(); }, [](Tulo_3D& m) { m.copyTo({}); }};
+	    [](Tulo_3D& m) { m.show("/dev/null", nullptr); }, [](Tulo_3D& m) { m.setVerbosity(false); },
+	    [](Tulo_3D& m) { m.getNumVertices(); }, [](Tulo_3D& m) { m.getNumTetrahedra(); },
+	    [](Tulo_3D& m) { m.copyTo({}); }};
 }
 
 /// Takes records until the n-th allocation for the pool's own lists fails, and then some more; true
@@ -151,11 +158,11 @@ void* __wrap_malloc(std::size_t size) { return bMallocFails && fails() ? nullptr
 void* __wrap__Znwm(std::size_t size) { return fails() ? throw std::bad_alloc() : counted(__real__Znwm(size)); }
 void* __wrap__ZnwmRKSt9nothrow_t(std::size_t size, const std::nothrow_t& tag) { return fails() ? nullptr : counted(__real__ZnwmRKSt9nothrow_t(size, tag)); }
 void* __wrap__Znam(std::size_t size) { return fails() ? throw std::bad_alloc() : counted(__real__Znam(size)); }
-void __wrap_free(void* pBlock) { numBlocks -= pBlock != nullptr; __real_free(pBlock); }
-void __wrap__ZdlPv(void* pBlock) { numBlocks -= pBlock != nullptr; __real__ZdlPv(pBlock); }
-void __wrap__ZdlPvm(void* pBlock, std::size_t size) { numBlocks -= pBlock != nullptr; __real__ZdlPvm(pBlock, size); }
-void __wrap__ZdaPv(void* pBlock) { numBlocks -= pBlock != nullptr; __real__ZdaPv(pBlock); }
-void __wrap__ZdaPvm(void* pBlock, std::size_t size) { numBlocks -= pBlock != nullptr; __real__ZdaPvm(pBlock, size); }
+void __wrap_free(void* pBlock) { uncount(pBlock); __real_free(pBlock); }
+void __wrap__ZdlPv(void* pBlock) { uncount(pBlock); __real__ZdlPv(pBlock); }
+void __wrap__ZdlPvm(void* pBlock, std::size_t size) { uncount(pBlock); __real__ZdlPvm(pBlock, size); }
+void __wrap__ZdaPv(void* pBlock) { uncount(pBlock); __real__ZdaPv(pBlock); }
+void __wrap__ZdaPvm(void* pBlock, std::size_t size) { uncount(pBlock); __real__ZdaPvm(pBlock, size); }
 }
 // clang-format on
 
@@ -204,6 +211,7 @@ TEST(Allocation, AMeshWhoseInsertionWasCutShortSaysSoAndLosesNoMemory)
 		std::vector<Point3*> handles;
 		mesh.insert(scenario.before);
 		Cloud batch(scenario.batch), singles(scenario.singles);
+		handles.reserve(singles.size()); // all that fails is the library's
 		const bool bDone = succeeds(n, n % 2 != 0, [&] {
 			if (!batch.empty()) mesh.insert(batch, handles);
 			for (Point3& p : singles) handles.push_back(mesh.insert(p));
@@ -212,8 +220,7 @@ TEST(Allocation, AMeshWhoseInsertionWasCutShortSaysSoAndLosesNoMemory)
 		const auto calls = laterCalls(handles.empty() ? nullptr : handles.front());
 		const bool bBroken = throws(calls.back(), mesh);
 		for (const auto& call : calls) EXPECT_EQ(throws(call, mesh), bBroken);
-		EXPECT_TRUE(!bBroken || !bDone);
-		// What threw before it had changed anything has done no harm.
+		EXPECT_EQ(bBroken, !bDone);
 		EXPECT_TRUE(bBroken || mesh.checkValidity("whole", true));
 		(bBroken ? numBroken : numWhole) += 1;
 		return bDone;
@@ -222,25 +229,25 @@ TEST(Allocation, AMeshWhoseInsertionWasCutShortSaysSoAndLosesNoMemory)
 		bool bDone = false;
 		for (int n = scenario.first; !bDone; n += scenario.step) {
 			SCOPED_TRACE(scenario.name + (" " + std::to_string(n)));
-			const long numBefore = numBlocks;
+			const long numBefore = numBlocks.load();
 			bDone = run(scenario, n, false);
-			ASSERT_EQ(numBlocks, numBefore);
+			ASSERT_EQ(numBlocks.load(), numBefore);
 			run(scenario, n, true);
 			ASSERT_FALSE(HasFailure());
 		}
 	}
 	setStopHandler(nullptr);
-	EXPECT_TRUE(numStops > 20 && numBroken > 100 && numWhole > 5)
+	EXPECT_TRUE(numStops > 20 && numBroken > 100 && numWhole == 7)
 	    << numStops << " " << numBroken << " " << numWhole;
 }
 
 TEST(Allocation, APoolThatCannotNoteABlockLosesNothingAndGoesOn)
 {
-	const long numBefore = numBlocks;
+	const long numBefore = numBlocks.load();
 	bMallocFails = false;
 	int n = 0;
 	while (poolGoesOn(n)) ++n;
 	bMallocFails = true;
 	EXPECT_GT(n, 8);
-	EXPECT_EQ(numBlocks, numBefore);
+	EXPECT_EQ(numBlocks.load(), numBefore);
 }

@@ -121,6 +121,8 @@ TEST(Arrays, PointsComeInAsNumbers)
 	const double bad[] = {1, 2, std::numeric_limits<double>::quiet_NaN()};
 	EXPECT_EQ(support::conditionFailedBy([&] { plain.insert(bad, 1); }),
 	    "coordinates are finite and at most 1e60 in magnitude");
+	EXPECT_EQ(support::conditionFailedBy([&] { plain.insert(bad, std::size_t{1} << 40U); }),
+	    "an engine takes at most 2147483647 points");
 	EXPECT_EQ(support::printedBy([&] { plain.insert(nullptr, 0); }), "numPoints=0\n");
 	EXPECT_EQ(plain.getNumVertices(), 343U);
 	Point3 copy(*byHandles.handles[3]);

@@ -106,6 +106,24 @@ TEST(Insert, ASinglePointIsWalkedToFromItsNeighbourOnTheCurve)
 	EXPECT_TRUE(labelled(engine) == labelled(byHand));
 }
 
+#if defined(__SSE2__) && defined(__GNUC__)
+TEST(Insert, AHostMayHaveDenormalNumbersFlushedToZero)
+{
+	constexpr unsigned kFlushToZero = 0x8000;
+	for (const char* family : {"DenormalsOnly", "DenormalsMixedIn", "Denormals", "Tiny"}) {
+		for (unsigned seed = 1; seed < 7; ++seed) {
+			const Cloud cloud = points::make(family, 60, seed);
+			Recorded mesh;
+			const unsigned before = __builtin_ia32_stmxcsr();
+			__builtin_ia32_ldmxcsr(before | kFlushToZero);
+			mesh.insert(cloud);
+			__builtin_ia32_ldmxcsr(before);
+			EXPECT_VALID(mesh) << family << " " << seed;
+		}
+	}
+}
+#endif
+
 TEST(Insert, ABatchLetsEarlierVerticesInAlsoWhenTheCountsAgree)
 {
 	// Five vertices and five points in the batch, but (0, 0, 0) is not among these.

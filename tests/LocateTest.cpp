@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The walk ends where a search of all tetrahedra says it must, from wherever it starts.
 #include "Dt3.h"
-#include "lookahead/WalkStart.h"
+#include "ardo_tools/BitsetTree.h"
 #include "oracle.h"
 #include "support.h"
 
@@ -154,6 +154,25 @@ TEST(Locate, WatchdogStopsALongWalkAndPersistenceFinishesIt)
 	for (int walk = 0; walk < 100 && result == -99; ++walk)
 		result = mesh.engine.locateConflictTet(&top, pTet);
 	EXPECT_TRUE(result == -1 && placeIn(pTet, top) >= 1 && pFound != nullptr);
+}
+
+TEST(Locate, AShortcutThatLeadsNowhereIsTakenOnce)
+{
+	// A long strip under a far apex: the vertex that is next on the curve is more than 10,000 tests away.
+	points::Random random(1);
+	Cloud strip;
+	for (int i = 0; i < 100000; ++i) strip.emplace_back(i % 2 + 0.2 * random.unit(), i, 0);
+	strip.emplace_back(0.5, 50000, -1e9);
+	Filled mesh(strip);
+	const support::Capture quiet;
+	Point3 apex(0.5, 50000, 1e9);
+	mesh.engine.insert(apex);
+	for (int k = 1; k < 10; ++k) {
+		Point3 p(0.5, 10000 * k + 0.123, 1);
+		EXPECT_NE(mesh.engine.locate(p), nullptr) << k;
+		EXPECT_NE(mesh.engine.insert(p)->getOneTet(), nullptr) << k;
+	}
+	EXPECT_LT(quiet.text().size(), 1000U) << "few walks are stopped";
 }
 
 TEST(Locate, RanksOnEitherSideAreThoseOfAnOrderedSet)

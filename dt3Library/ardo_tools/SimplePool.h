@@ -31,8 +31,11 @@ public:
 	~SimplePool()
 	{
 		if (blockList.size() > 50) {
-			Message() << "SimplePool::~SimplePool: Number of containers to release: "
-			          << blockList.size() << std::endl;
+			try {
+				Message() << "SimplePool::~SimplePool: Number of containers to release: "
+				          << blockList.size() << std::endl;
+			} catch (...) { // a host's stream that throws must not end the process here
+			}
 		}
 		releaseAll();
 	}
