@@ -93,9 +93,9 @@ Orientation3 ArdoTest3::orientationInDoubt(
 {
 	// On a lattice nearly all doubt is about points in a plane across an axis. Not a branch for each axis:
 	// which of them it is cannot be predicted.
+	// No differences are taken: a host may have them flushed to zero.
 	const auto areEqual = [](double p, double q, double r, double s) {
-		return (p == s) & (q == s) &
-		    (r == s); // no differences: a host may have them flushed to zero
+		return (p == s) & (q == s) & (r == s);
 	};
 	const bool bAcross = areEqual(a.x(), b.x(), c.x(), d.x()) |
 	    areEqual(a.y(), b.y(), c.y(), d.y()) | areEqual(a.z(), b.z(), c.z(), d.z());
