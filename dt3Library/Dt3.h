@@ -131,8 +131,8 @@ public:
 
 	/// Inserts *ppVtx and returns a live tetrahedron that has it as a corner. When the mesh has a
 	/// vertex with these coordinates, *ppVtx becomes that vertex and the mesh stays.
-	/// A long walk may take a shortcut if `bShortcut`.
-	Tet3* insertVertex(Point3** ppVtx, Tet3* pStartTet, bool bShortcut = false);
+	/// `bByCurve`: the curve has offered the start, not the last insertion.
+	Tet3* insertVertex(Point3** ppVtx, Tet3* pStartTet, bool bByCurve = false);
 
 	/// Redirects *ppVtx to the corner of pTet with the same coordinates.
 	Tet3* resolveDuplicate(Point3** ppVtx, Tet3* pTet, int locateResult);
@@ -244,11 +244,13 @@ private:
 	bool staysFlat();
 	Tet3* rememberFlat(Point3* pA, Point3* pB, Point3* pC);
 	// Dt3Locate.cpp
-	/// locateConflictTet; with a shortcut, a walk that has grown long goes on from a vertex nearby on the
-	/// curve if that is nearer.
-	int walk(const Point3& vtx, Tet3*& pStartTet, bool bShortcut);
-	/// The same, taken up again up to a thousand times where the watchdog stops it.
-	int locatePersistently(const Point3& vtx, Tet3*& pStartTet, bool bShortcut);
+	/// locateConflictTet, but for a limit of its own and more ways to end.
+	int walk(const Point3& vtx, Tet3*& pStartTet, std::size_t maxFacetTests);
+	/// locateConflictTet, taken up again up to a thousand times where the watchdog stops it.
+	int locatePersistently(Point3* pVtx, Tet3*& pStartTet);
+	/// The same from a start that the curve has offered. A walk of more than 64 facet tests is taken up
+	/// from a nearer vertex around the point on the curve.
+	int locateByCurve(Point3* pVtx, Tet3*& pStartTet);
 	/// On which sides of the facets the vertex lies, exactly: in the plane where both are clear.
 	FacetSides sidesOf(const Tet3& tet, const Point3& vtx) const;
 	/// The end of a walk in the plane of facet f, beyond no facet; results as of locateConflictTet.

@@ -25,7 +25,7 @@ void Dt3::beginInsertion()
 	twoTetPool.reset();
 }
 
-Tet3* Dt3::insertVertex(Point3** ppVtx, Tet3* pStartTet, bool bShortcut)
+Tet3* Dt3::insertVertex(Point3** ppVtx, Tet3* pStartTet, bool bByCurve)
 {
 	Tet3* pCurTet = pStartTet;
 	expectWholeIfMarked(*pCurTet);
@@ -35,7 +35,8 @@ Tet3* Dt3::insertVertex(Point3** ppVtx, Tet3* pStartTet, bool bShortcut)
 	const auto age = static_cast<unsigned>(Tet3::loadLabel(*pNextLabel)) -
 	    static_cast<unsigned>(pStartTet->label);
 	const bool bCold = bLooksAhead && age > kColdAge;
-	const int locateResult = locatePersistently(**ppVtx, pCurTet, bShortcut);
+	const int locateResult =
+	    bByCurve ? locateByCurve(*ppVtx, pCurTet) : locatePersistently(*ppVtx, pCurTet);
 	CONDITION_CHECK(locateResult!=-99);
 	if (locateResult == -2) return resolveDuplicate(ppVtx, pCurTet, locateResult);
 	if (locateResult >= 0) {

@@ -13,7 +13,12 @@ namespace {
 
 constexpr std::size_t kMaxFacetTests = 10000;
 constexpr int kMaxFurtherWalks = 1000;
-constexpr std::size_t kTestsBeforeShortcut = 64;
+constexpr std::size_t kFacetTestsOfAShortWalk = 64;
+
+// How a walk may end, beside the results of locateConflictTet.
+constexpr int kInside = -1;       // strictly inside, beyond no facet and in the plane of none
+constexpr int kInInnerPlane = -3; // in an inner facet or on an inner edge
+constexpr int kTooLong = -98;     // more tests than asked for, fewer than stop the watchdog
 
 /// How many facets come before the first one of the set, in cyclic order from facet f.
 int firstFrom(int f, unsigned set)
@@ -26,28 +31,28 @@ int firstFrom(int f, unsigned set)
 
 int Dt3::locateConflictTet(Point3* pVtx, Tet3*& pStartTet)
 {
-	return walk(*pVtx, pStartTet, false);
+	const int end = walk(*pVtx, pStartTet, kMaxFacetTests);
+	return end == kInInnerPlane ? -1 : end;
 }
 
-int Dt3::walk(const Point3& vtx, Tet3*& pStartTet, bool bShortcut)
+int Dt3::walk(const Point3& vtx, Tet3*& pStartTet, std::size_t maxFacetTests)
 {
 	if (pStartTet == nullptr) goToHell("locateConflictTet");
 
 	int f = 0;       // the facet to test next
 	int numLeft = 4; // facets of this tetrahedron still to test
-	const std::size_t lastTest = numFacetTests + kMaxFacetTests;
-	const std::size_t longAt = numFacetTests + kTestsBeforeShortcut;
+	const std::size_t lastTest = numFacetTests + maxFacetTests;
 	FacetSides sides;
 	for (;;) {
 		prefetchNeighbours(*pStartTet); // for the next step; in the end, for the cavity
 		// The four orientation tests together (SIMD) cost less than one after the other with a misprediction
-		// for each. What
-		// counts is the first facet with the point beyond it, else the first one in its plane.
+		// for each. What counts is the first facet with the point beyond it, else the first one in its plane.
 		sides = sidesOf(*pStartTet, vtx);
 		const unsigned stops = sides.negative != 0 ? sides.negative : ~sides.positive & 0xFU;
 		const int passed = stops != 0 ? firstFrom(f, stops) : numLeft - 1;
 		numFacetTests += static_cast<std::size_t>(passed) + 1;
 		if (numFacetTests > lastTest) {
+			if (maxFacetTests < kMaxFacetTests) return kTooLong;
 			// Deliberate: a random step, so that a caller who tries again starts somewhere else.
 			Tet3* pElsewhere = pStartTet->getOppTet(watchdogRandom.next() % 4);
 			if (pElsewhere != nullptr) pStartTet = pElsewhere;
@@ -60,16 +65,6 @@ int Dt3::walk(const Point3& vtx, Tet3*& pStartTet, bool bShortcut)
 
 		Tet3* pNext = pStartTet->getOppTet(f);
 		if (pNext == nullptr) return f;
-		if (bShortcut && numFacetTests >= longAt) {
-			bShortcut = false;
-			Tet3* pNearer = hc3.nearerTet(vtx, pNext);
-			if (pNearer != pNext) {
-				pStartTet = pNearer;
-				f = 0;
-				numLeft = 4;
-				continue;
-			}
-		}
 		// The point is known to be on this side of the facet through which the walk enters.
 		f = nextIndex(pNext->getIntraTetIndex(pStartTet));
 		numLeft = 3;
@@ -117,7 +112,7 @@ int Dt3::stopInPlane(Tet3*& pTet, int f, const FacetSides& sides, const Point3& 
 		(bPositive ? numPositive : numCoplanar) += 1;
 		if (!bPositive && i != f) opp2ICI = i;
 	}
-	if (numPositive == 3) return pTet->getOppTet(f) == nullptr ? f : -1;
+	if (numPositive == 3) return pTet->getOppTet(f) == nullptr ? f : kInInnerPlane;
 	CONDITION_CHECK_AS(numPositive == 2, "numPositive==2");
 	CONDITION_CHECK_AS(numCoplanar == 2, "numCoplanar==2");
 	CONDITION_CHECK_AS(opp2ICI >= 0, "opp2ICI>=0");
@@ -130,7 +125,7 @@ int Dt3::stopAtHullEdge(Tet3*& pTet, int f, int opp2ICI) const
 	TetAroundEdgeIterator it(itStart);
 	while (!it.nextIsNull()) {
 		++it;
-		if (it == itStart) return -1; // an inner edge
+		if (it == itStart) return kInInnerPlane; // an inner edge
 	}
 	pTet = *it;
 	const int outIndex = it.getOpp2Index();
@@ -139,14 +134,33 @@ int Dt3::stopAtHullEdge(Tet3*& pTet, int f, int opp2ICI) const
 	return outIndex;
 }
 
-int Dt3::locatePersistently(const Point3& vtx, Tet3*& pStartTet, bool bShortcut)
+int Dt3::locatePersistently(Point3* pVtx, Tet3*& pStartTet)
 {
 	// Thin and long meshes make walks of more steps than the watchdog allows.
-	int result = walk(vtx, pStartTet, bShortcut);
+	int result = locateConflictTet(pVtx, pStartTet);
 	for (int n = 0; n < kMaxFurtherWalks && result == -99; ++n) {
-		result = walk(vtx, pStartTet, false); // with a shortcut it could go round and round
+		result = locateConflictTet(pVtx, pStartTet);
 	}
 	return result;
+}
+
+int Dt3::locateByCurve(Point3* pVtx, Tet3*& pStartTet)
+{
+	Tet3* pNearer = hc3.nearerTet(*pVtx, pStartTet);
+	if (pNearer == pStartTet) return locatePersistently(pVtx, pStartTet);
+
+	// Only one tetrahedron has the point strictly inside, so that the start does not matter, and a near
+	// one saves cache misses. For any other point the start decides what is found.
+	Tet3* pTet = pNearer;
+	if (walk(*pVtx, pTet, kFacetTestsOfAShortWalk) == kInside) {
+		pStartTet = pTet;
+		return kInside;
+	}
+	pTet = pStartTet;
+	const int end = walk(*pVtx, pTet, kFacetTestsOfAShortWalk);
+	pStartTet = end == kTooLong ? pNearer : pTet;
+	if (end == kTooLong) return locatePersistently(pVtx, pStartTet);
+	return end == kInInnerPlane ? -1 : end;
 }
 
 Tet3* Dt3::locate(const Point3& p)
@@ -155,7 +169,8 @@ Tet3* Dt3::locate(const Point3& p)
 	if (!hc3.bValid || !isInRange(p)) return nullptr;
 	Tet3* pTet = hc3.findNearbyTet(p);
 	if (pTet == nullptr) return nullptr;
-	const int result = locatePersistently(p, pTet, true);
+	Point3 copy(p);
+	const int result = locateByCurve(&copy, pTet);
 	return result == -1 || result == -2 ? pTet : nullptr;
 }
 
