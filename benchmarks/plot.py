@@ -63,7 +63,7 @@ def main():
     right.set_title("Memory that building adds")
     right.set_ylim(bottom=0)
     for axes in (left, right):
-        axes.set_xlabel("random points of a cube")
+        axes.set_xlabel("number of points (uniform in a cube)")
         axes.grid(True, which="major", alpha=0.3)
         axes.legend(frameon=False)
     # No date inside: the same numbers give the same file.

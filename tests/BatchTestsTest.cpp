@@ -17,7 +17,7 @@
 
 using namespace TULO3D;
 
-TEST(NeighbourSpheres, NoVariantIsCertainOfAWrongSign)
+TEST(BatchTests, NoVariantIsCertainOfAWrongSign)
 {
 	const BatchTests* variants[] = {&kPortableTests, avx2Tests()};
 	points::Random random(5);
@@ -75,7 +75,7 @@ TEST(NeighbourSpheres, NoVariantIsCertainOfAWrongSign)
 	for (const int n : numOf) EXPECT_GT(n, 1000);
 }
 
-TEST(NeighbourSpheres, EveryVariantMakesTheSameMesh)
+TEST(BatchTests, EveryVariantMakesTheSameMesh)
 {
 	using Corners = std::array<double, 12>;
 	const auto meshOf = [](const points::Cloud& cloud, const BatchTests& tests) {
