@@ -14,7 +14,7 @@ namespace {
 
 const char* const kFooter =
     R"(Input: XYZ, CSV, TXT and PTS text, PLY, OBJ, OFF, uncompressed LAS, TetGen .node
-Exit status: 0 done, 1 the library gave up, 2 wrong command line, 3 bad input,
+Exit status: 0 done, 1 internal error or out of memory, 2 wrong command line, 3 bad input,
              4 no four points span space, 5 output not written, 6 mesh not valid
 Example: tulo3d scan.ply -o mesh.vtu --check --stats)";
 
@@ -27,7 +27,7 @@ std::optional<int> parseCommandLine(int argc, char** argv, Options& options)
 	cli.footer(kFooter);
 	cli.set_version_flag("--version", TULO3D::getTulo3DVersion());
 	cli.add_option("FILE", options.file, "The points; - is standard input");
-	cli.add_option("-f,--format", options.format, "Read FILE as this, whatever it is called")
+	cli.add_option("-f,--format", options.format, "Input format; overrides detection")
 	    ->check(CLI::IsMember(getFormatNames()));
 	cli.add_option("-o,--output", options.vOutputs,
 	       "Write the mesh, as the extension says: .vtu (ParaView), .node/.ele/.neigh (TetGen, all "
@@ -37,7 +37,8 @@ std::optional<int> parseCommandLine(int argc, char** argv, Options& options)
 	auto* pCheck = cli.add_flag("--check", bCheckAll,
 	    "Check all links, the hull and the Euler relation too, not only the empty spheres");
 	cli.add_flag("--no-check", bNoCheck, "Do not check the mesh at all")->excludes(pCheck);
-	cli.add_flag("--stats", options.bStatistics, "Print more: box, volume, hull, times");
+	cli.add_flag(
+	    "--stats", options.bStatistics, "Print additional statistics: box, volume, hull, times");
 	cli.add_flag("--json", options.bJson, "Print everything as one JSON object");
 	auto* pQuiet = cli.add_flag("-q,--quiet", options.bQuiet,
 	    "No progress, no warnings, and no summary unless --stats or --json asks for it");
