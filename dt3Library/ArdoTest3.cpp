@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The machine constants, the fast stage of the in-sphere test, and the names of the results.
+// The machine constants, the filter of the in-sphere test, and the names of the results.
 #include "ArdoTest3.h"
 #include "Message.h"
 #include "predicates/ShewchukStages.h"
@@ -91,9 +91,9 @@ SphereInclusion ArdoTest3::sphereInclusionTest(const Tet3* pT, const Point3* pVt
 Orientation3 ArdoTest3::orientationInDoubt(
     const Point3& a, const Point3& b, const Point3& c, const Point3& d, double permanent) const
 {
-	// On a lattice nearly all doubt is about points in a plane across an axis. Not a branch for each axis:
-	// which of them it is cannot be predicted.
-	// No differences are taken: a host may have them flushed to zero.
+	// On a lattice nearly all undecided points lie in a plane perpendicular to an axis. All three axes are
+	// tested without a branch for each, because which axis it is cannot be predicted. No differences are
+	// taken: a host may have them flushed to zero.
 	const auto areEqual = [](double p, double q, double r, double s) {
 		return (p == s) & (q == s) & (r == s);
 	};
@@ -119,7 +119,7 @@ SphereInclusion ArdoTest3::inclusionInDoubt(
 	const Point3 &a = *tet.getCorner(0), &b = *tet.getCorner(1), &c = *tet.getCorner(2),
 	             &d = *tet.getCorner(3);
 	const bool bTiny = mayUnderflow(a, b, c, d, q);
-	// The coordinates of a corner make every product zero, which is no case of doubt.
+	// With the coordinates of a corner every product is zero, and the test counts such a point as inside.
 	if (bTiny ? tet.hasVertex(q) : permanent == 0.0) return SIC_INSIDE;
 	if (bTiny) return insphereSignDespiteUnderflow(a, b, c, d, q) < 0 ? SIC_INSIDE : SIC_OUTSIDE;
 	// Deliberate: the code 2 of an exact zero counts as outside, so cospherical points never conflict.

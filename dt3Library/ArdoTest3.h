@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The two questions the engine asks: on which side of a plane, and inside the sphere or not.
+// The two geometric predicates: on which side of a plane (orientation), and inside the sphere or not.
 #pragma once
 
 #include "Point3.h"
@@ -27,9 +27,12 @@ enum SphereInclusion { SIC_INSIDE = 0, SIC_OUTSIDE = 1, SIC_VERTEX = 2 };
 /// Exact orientation and in-sphere tests.
 ///
 /// J. R. Shewchuk: Adaptive Precision Floating-Point Arithmetic and Fast Robust Geometric
-/// Predicates, Discrete & Computational Geometry 18, 1997. A first stage in plain floating point
-/// has a bound for its own error; only when the sign is in doubt do stages of growing precision
-/// follow, the last of them exact. The results are the signs of the exact determinants.
+/// Predicates, Discrete & Computational Geometry 18, 1997. The first stage is a floating-point filter: a
+/// determinant in doubles with an error bound. Only when the bound leaves the sign undecided do stages of
+/// growing precision follow, the last of them exact. The results are the signs of the exact determinants.
+///
+/// Exact for all coordinates up to 1e60, however small: the filters allow for products that underflow, and
+/// the later stages give way to exact integers where products may (see Underflow.h).
 class ArdoTest3
 {
 public:
@@ -56,8 +59,8 @@ public:
 	/// Prints "label: positive", "negative" or "coplanar" on a line of standard output.
 	static void printOrientation(Orientation3 orientation, const std::string& label);
 
-	/// What the fast stage of each test leaves to say: the value, its sign's bound, and the permanent
-	/// from which the bounds of the later stages are made.
+	/// The result of the filter of each test: the determinant, its error bound, and the permanent, from
+	/// which the later stages compute their bounds.
 	struct FastStage
 	{
 		double det;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Birth and death of the engine.
+// Constructor and destructor of the engine.
 #include "Dt3.h"
 
 namespace TULO3D {

@@ -27,8 +27,8 @@ namespace TULO3D {
 class LiveTets;
 class Tulo_3D;
 
-/// One half of a facet between two new tetrahedra that waits for the other half. The facet consists
-/// of the vertex being inserted and the two keys.
+/// A pending facet half (TCS): one half of a facet between two new tetrahedra, stored until the other
+/// half is offered. The corners of the facet are the vertex being inserted and the two keys.
 struct TwoTetStruct
 {
 	Point3* key0; ///< the lower address of the two
@@ -42,13 +42,12 @@ struct Surface3
 {
 };
 
-/// A facet between the cavity and what stays, or the hull.
+/// A facet of the cavity boundary: between the cavity and the tetrahedra that stay, or on the hull.
 struct CavityFacet
 {
-	Tet3* pTet;   ///< in the cavity
-	unsigned ith; ///< the index of the facet
-	unsigned
-	    positive; ///< a bit for each facet that is known to have the new vertex on its inner side
+	Tet3* pTet;        ///< in the cavity
+	unsigned ith;      ///< the index of the facet
+	unsigned positive; ///< Surroundings::positive of pTet
 };
 
 /// What is known of the vertices while they are all coplanar: up to three of them that span their
@@ -70,17 +69,20 @@ struct FlatWitness
 //   hull       the facets without a neighbour form the boundary of the convex hull
 //   link       a vertex in the mesh names a live tetrahedron that has it as a corner; any other
 //              vertex names none
-//   clean      no live tetrahedron is marked visited; no facet half is pending: every slot is null,
-//              vHashCollisions is empty, numStoredTCS is 0
+//   clean      no live tetrahedron has a cavity mark or a reservation, and the engine has set
+//              hasBeenVisited on none (a host may have); no facet half is pending: every slot is
+//              null, vHashCollisions is empty, numStoredTCS is 0
 //   dead       a tetrahedron in vDeadTets or vRecycledTets has custom index -1 and nothing live
 //              names it
 //   flat       while bFullDimensional is false there is no tetrahedron
+//   finished   bUnfinished is false; after an exception that came through an insertion it is true,
+//              none of the above need hold, and every call of the host throws
 //
 // The members are open to the library's own tests; no other code sees this class.
 class Dt3
 {
 public:
-	/// `tests` is for those who want another variant than the fastest one.
+	/// `tests` chooses the variant of the batched predicates: by default the fastest one for this CPU.
 	explicit Dt3(Tulo_3D* pFacade, const BatchTests& tests = bestTests());
 	Dt3(const Dt3&) = delete;
 	Dt3& operator=(const Dt3&) = delete;
@@ -98,29 +100,29 @@ public:
 	/// the vertex of the i-th one.
 	void insert(const double* pCoordinates, std::size_t numPoints, std::int32_t* pVertexNumbers);
 
-	/// Inserts vertices that follow one another along the curve, coarse stages first. The first walk
-	/// starts at pLastTet, which must not be null.
+	/// Inserts vertices that come in curve order, in rounds of growing density. The first walk starts
+	/// at pLastTet, which must not be null.
 	void triangulate(std::vector<Point3*>& vVertices, Tet3* pLastTet);
 
 	/// Inserts the vertices that have stayed out of the mesh, and returns how many those are: none
 	/// while there is no tetrahedron.
 	std::size_t insertLeftOut();
 
-	/// Throws when an exception has cut an insertion short: what it has left is no mesh. Every
-	/// operation that a host can call begins with it.
+	/// Throws when an exception has interrupted an insertion: the records then form no mesh. Every
+	/// operation that a host can call begins with this check.
 	void expectFinished() const;
 
-	// Dt3StartUp.cpp: from a heap of vertices to the first tetrahedron ---------------------------
+	// Dt3StartUp.cpp: the first tetrahedron ------------------------------------------------------
 
-	/// Looks for the first four vertices, in the lexicographic order of their places in the listing,
-	/// that are not coplanar, and makes the first tetrahedron of them; null when there are none.
+	/// Finds the first four vertices that are not coplanar, in the lexicographic order of their
+	/// positions in the listing, and makes the first tetrahedron; null when there are none.
 	Tet3* startUp();
 
 	// Dt3Locate.cpp: the walk to a point ---------------------------------------------------------
 
 	/// Walks from pStartTet towards *pVtx; pStartTet ends where the walk ended.
 	///   -1 inside it   -2 one of its corners has these coordinates
-	///   0..3 on or beyond that hull facet   -99 gave up
+	///   0..3 on or beyond that hull facet   -99 stopped by the watchdog
 	int locateConflictTet(Point3* pVtx, Tet3*& pStartTet);
 
 	/// The tetrahedron that contains `p` in its inside or on its boundary; null when `p` lies on or
@@ -145,7 +147,7 @@ public:
 	/// Joins pVtx to the hull facets of vCHTets that face it; the last tetrahedron made, or null.
 	Tet3* createConeTets(const std::vector<Tet3*>& vCHTets, Point3* pVtx);
 
-	/// Fills the cavity that the doomed tetrahedra leave; the last tetrahedron made.
+	/// Fills the cavity of the doomed tetrahedra; the last tetrahedron made.
 	Tet3* retriangulateDoomedTets(const std::vector<Tet3*>& vDoomedTets, Point3* pVtx);
 
 	// Dt3Link.cpp: create, recycle and link tetrahedra -------------------------------------------
@@ -159,7 +161,7 @@ public:
 	/// Makes the two neighbours of each other across facet ith of fromTet and jth of toTet.
 	static void registerTets(Tet3* fromTet, int ith, Tet3* toTet, int jth);
 
-	/// Offers one half of a facet: links it to the waiting other half, or makes it wait.
+	/// Offers one half of a facet: links it to the other half if that is pending, else stores it.
 	void storeOrLinkFacet(unsigned hash, Tet3* pTet, int ith, Point3* key0, Point3* key1);
 
 	/// The slot, 0..1023, of the facet with these two keys, key0 being the lower address.
@@ -168,7 +170,7 @@ public:
 	/// Offers facets 1, 2 and 3 of a tetrahedron whose corner 0 is the vertex being inserted.
 	void offerInnerFacets(Tet3* pNewTet);
 
-	/// Offers every half again that had found its slot taken.
+	/// Offers every half again whose slot was taken when it was offered.
 	void flushHashCollisions();
 
 	/// Forgets all pending halves.
@@ -177,7 +179,7 @@ public:
 	/// Removes a tetrahedron from the mesh; its record is reused from the next insertion on.
 	void markTetDead(Tet3* pTet);
 
-	/// Starts an insertion: what the last one removed may be reused.
+	/// Starts an insertion: records that the last insertion removed may be reused from now on.
 	void swapDeadAndRecycled();
 
 	// Dt3Query.cpp, Dt3Check.cpp, Dt3Print.cpp: read, verify, show -------------------------------
@@ -262,24 +264,25 @@ private:
 	/// To precede a check that refuses a host's mark: at that point the mesh is whole, and what has been
 	/// stored and not inserted merely stays out of it.
 	void expectWholeIfMarked(const Tet3& tet) { bUnfinished = bUnfinished && !tet.hasBeenVisited; }
-	/// Before each insertion: no facet half is left over.
+	/// Checks that the last insertion has left no pending facet half, and resets their pool.
 	void beginInsertion();
 	Tet3* replaceCavity(Point3* pVtx, Tet3* pStartTet);
-	/// The same where little is in the cache: what surrounds the cavity is asked for as it grows.
+	/// The same with a cold cache: a search that prefetches finds the cavity first.
 	Tet3* replaceColdCavity(Point3* pVtx, Tet3* pStartTet);
 	void startCavity(Tet3* pStartTet);
-	/// The same with a cavity that has been found ahead.
+	/// The same with a cavity that is known already.
 	Tet3* replaceCavity(Point3* pVtx, const Reservation& reservation);
 	/// Joins pVtx to the facets of the cavity; the last tetrahedron made.
 	Tet3* fillCavity(Point3* pVtx);
-	/// Fills vCavityFacets; all tetrahedra in conflict with pVtx die. They are connected with pStartTet.
+	/// Finds the tetrahedra in conflict with pVtx, which are connected with pStartTet, and removes them.
+	/// Fills vCavityFacets, vDeadTets and star.vCorners.
 	template <typename Lanes>
 	void carve(const Point3* pVtx, Tet3* pStartTet);
 	void carvePortable(const Point3* pVtx, Tet3* pStartTet);
 	void carveAvx2(const Point3* pVtx, Tet3* pStartTet);
-	/// The same with a cavity that has been found ahead: nothing needs to be tested again.
+	/// The same with a cavity that is known already: no in-sphere test, the same order.
 	void carveFound(const Reservation& reservation);
-	/// A new tetrahedron over a facet of the cavity, linked to the neighbour that stays.
+	/// A new tetrahedron over a facet of the cavity boundary, linked to the neighbour that stays.
 	Tet3* closeFacet(const CavityFacet& facet, Point3* pVtx);
 	// Dt3Hull.cpp
 	std::vector<Tet3*> gatherVisibleTets(const Point3* pVtx, Tet3* pCurTet, int outIndex) const;
@@ -289,13 +292,13 @@ private:
 	// Dt3Link.cpp
 	/// Prints what is wrong with a link from a tetrahedron to itself.
 	static void refuseSelfLink(const Tet3* pTet);
-	/// What a tetrahedron loses when it leaves the mesh.
+	/// Marks a record as dead: visited, custom index -1, no reservations.
 	void retire(Tet3* pTet);
 	/// A new tetrahedron whose corners are known to be in positive order.
 	Tet3* makePositiveTet(Point3* p0, Point3* p1, Point3* p2, Point3* p3);
-	/// Links the new star, which ends nowhere but in itself.
+	/// Links the new star, which surrounds its vertex: every inner facet has two halves.
 	void linkClosedStar();
-	/// Links the new star, which ends at the hull.
+	/// Links the new star, which ends at the hull: facets without a second half become hull facets.
 	void linkOpenStar();
 	void storeCollision(TwoTetStruct* pHalf);
 	TwoTetStruct* takeCollision(const Tet3* pTet, const Point3* key0, const Point3* key1);
@@ -303,14 +306,13 @@ private:
 	ScratchArray<CavityTet> vCavityStack;
 	ScratchArray<CavityFacet> vCavityFacets;
 	FlatWitness flatWitness;
-	bool bUnfinished =
-	    false; ///< points are being stored and inserted; stays when an exception comes between
+	bool bUnfinished = false; ///< storing and inserting has begun, and not ended
 	int* pNextLabel = &Tet3::runningLabel;
-	std::size_t numFacetTests = 0;   ///< made by walks, since they were last asked for
-	StarLinker star;                 ///< what the current insertion makes
-	Reservation singleReservation;   ///< for a cavity of which hardly anything is in the cache
-	CavitySearch cavitySearch;       ///< of that one
-	Reservation::Bits disturbed = 0; ///< reservations of removed tetrahedra, likewise
+	std::size_t numFacetTests = 0;   ///< made by walks, since `triangulate` last reset it
+	StarLinker star;                 ///< the tetrahedra that the current insertion makes
+	Reservation singleReservation;   ///< of replaceColdCavity
+	CavitySearch cavitySearch;       ///< of replaceColdCavity
+	Reservation::Bits disturbed = 0; ///< reservations of removed tetrahedra, since the same reset
 	CollisionIndex collisionIndex;   ///< finds the partner in a long vHashCollisions
 	Rand15 watchdogRandom;
 };

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// A vertex enters the mesh. Inside the hull the tetrahedra whose spheres contain it leave a cavity,
-// which is filled with new ones around the vertex.
+// Insertion of a vertex inside the hull: the tetrahedra whose circumspheres contain the vertex are
+// removed, and the cavity is filled with new tetrahedra around the vertex.
 //
 // A. Bowyer: Computing Dirichlet tessellations, and D. F. Watson: Computing the n-dimensional
 // Delaunay tessellation, both The Computer Journal 24, 1981.
@@ -12,8 +12,8 @@ namespace TULO3D {
 
 namespace {
 
-/// A tetrahedron that was made before so many others is some three hundred insertions old, and nothing
-/// has changed around its corner since: hardly any of it is in the cache.
+/// A tetrahedron that was made before so many others is some three hundred insertions old. If a walk
+/// starts there, no insertion since has touched the neighbourhood: it is cold, that is, not in the cache.
 constexpr unsigned kColdAge = 1U << 13U;
 
 } // namespace
@@ -52,11 +52,13 @@ Tet3* Dt3::insertVertex(Point3** ppVtx, Tet3* pStartTet, bool bByCurve)
 template <typename Lanes>
 TULO3D_ALWAYS_INLINE void Dt3::carve(const Point3* pVtx, Tet3* pStartTet)
 {
-	startCavity(pStartTet); // the walk has ended in it: no test
+	startCavity(pStartTet); // the walk ended inside it, so it is in conflict without a test
 	CavityMark::set(*pStartTet);
 	for (int i = 1; i < 4; ++i) star.vCorners.add(pStartTet->getCorner(i));
 
-	// Depth first and facets 3 to 0: this fixes the order in which tetrahedra die and new ones are made.
+	// A neighbour gets its cavity mark and its place in vDeadTets when it joins the cavity, not when its
+	// turn comes: the mark keeps it from joining twice. Depth first, facets 3 to 0: this fixes the order in
+	// which tetrahedra die and new ones are made, and with it which record becomes which tetrahedron.
 	while (!vCavityStack.empty()) {
 		const auto [pTet, pApex] = vCavityStack.pop();
 		retire(pTet);

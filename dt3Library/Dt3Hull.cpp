@@ -1,6 +1,22 @@
 // SPDX-License-Identifier: MIT
-// A vertex enters on or beyond the hull: the hull facets that face it get a tetrahedron each, and
-// the tetrahedra whose spheres contain it are replaced, as inside the hull.
+// Insertion of a vertex on or beyond the hull: the tetrahedra in conflict with the vertex are removed,
+// and the vertex is joined to the cavity and to the hull facets that are visible from it.
+//
+// clang-format off
+//
+//                 pVtx                  in the plane; the hull runs through a, b, c
+//               .' |  `.
+//             .'   |    `.              pCHTet      in vCHTets, stays: over its visible hull facet ab
+//           .'     |      `.                        the cone has pLastTet = (pVtx, insideFacet(i))
+//         .'       |        `.
+//        a---------b . . . . .c         pDoomedTet  in conflict, dies, with its facet bc: for each facet
+//         \ pCHTet / \pDoomed/                      towards a pOppTet that stays, be and ec, pVtx
+//          \      /   \ Tet /                       replaces the opposite corner: pNewTet
+//           \    /     \   /
+//            \  /       \ /             open star   the facets (pVtx, a) and (pVtx, c) have no second
+//             d----------e                          half: they are the new hull
+//
+// clang-format on
 #include "Dt3.h"
 #include "Dt3Inline.h"
 #include "Message.h"
@@ -21,6 +37,7 @@ Tet3* Dt3::insertAtHull(Point3** ppVtx, Tet3* pCurTet, int outIndex)
 	for (Tet3* pTet : gatherVisibleTets(pVtx, pCurTet, outIndex)) {
 		const bool bStays = predicates.sphereInclusionTest(pTet, pVtx) == SIC_OUTSIDE;
 		if (bStays) {
+			// Before the first change: a cone over a marked tetrahedron is refused with the mesh whole.
 			expectWholeIfMarked(*pTet);
 			CONDITION_CHECK_AS(!pTet->hasBeenVisited, "!pCHTet->hasBeenVisited");
 		}
@@ -44,8 +61,9 @@ Tet3* Dt3::insertAtHull(Point3** ppVtx, Tet3* pCurTet, int outIndex)
 
 std::vector<Tet3*> Dt3::gatherVisibleTets(const Point3* pVtx, Tet3* pCurTet, int outIndex) const
 {
-	// A flood over the hull surface, from facet to facet around their common edges. A tetrahedron
-	// enters with all its facets that face the vertex, so it needs to be gathered only once.
+	// A search over the hull surface, from facet to facet around their common edges: the visible facets
+	// are connected, because the hull is convex. A tetrahedron is gathered with all its facets that are
+	// visible from the vertex, so it needs to be gathered only once.
 	SmallPointerSet gathered;
 	std::vector<Tet3*> vGathered;
 	std::vector<Edge3> vEdges;

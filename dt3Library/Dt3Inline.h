@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The innermost operations of an insertion, some thirty times a vertex each: here the compiler sees
-// them where they are used.
+// The innermost operations of an insertion, each called some thirty times per vertex: in a header, so
+// that the compiler can inline them.
 #pragma once
 
 #include "Dt3.h"
@@ -34,7 +34,7 @@ inline void Dt3::registerTets(Tet3* fromTet, int ith, Tet3* toTet, int jth)
 
 inline void Dt3::retire(Tet3* pTet)
 {
-	pTet->hasBeenVisited = true; // until the record is reused
+	pTet->hasBeenVisited = true; // until the record is reused: a walk that starts in it is refused
 	pTet->setCustomIndex(-1);
 	disturbed |= Reservation::takeBits(*pTet);
 }

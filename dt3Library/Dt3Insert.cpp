@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// How points arrive: one, or a batch in stages from coarse to fine.
+// Insertion of one point, and of a batch in rounds from coarse to fine.
 #include "Dt3.h"
 #include "Message.h"
 #include "lookahead/LookAhead.h"
@@ -14,7 +14,8 @@ namespace TULO3D {
 
 namespace {
 
-/// The largest magnitude for which no product of an exact test can overflow.
+/// The largest magnitude for which no product of an exact test can overflow: five factors and a few
+/// sums stay below 1e308.
 constexpr double kMaxCoordinate = 1e60;
 constexpr const char* kRangeText = "coordinates are finite and at most 1e60 in magnitude";
 
@@ -24,8 +25,9 @@ constexpr const char* kNumberText = "an engine takes at most 2147483647 points";
 
 } // namespace
 
-/// Draws labels without the process-wide counter, which engines in other threads use as well: with each
-/// tetrahedron they would wait for the cache line of one another.
+/// Counts the labels of a batch in a variable of its own, and adds their number to the process-wide
+/// counter in the end, also after an exception. Engines in several threads would otherwise contend for
+/// the counter's cache line with every tetrahedron.
 class Dt3::OwnLabels
 {
 public:
@@ -68,6 +70,7 @@ void Dt3::beginStoring(const Point3* pFirst, std::size_t numPoints)
 	}
 	CONDITION_CHECK_AS(bInRange, kRangeText);
 	CONDITION_CHECK_AS(numPoints <= kMaxPoints - hc3.size(), kNumberText);
+	// Only now that all points are accepted: refused ones must not make the engine slower.
 	if (bTiny) batchTests.neighbours = decideNothing;
 	bUnfinished = true;
 }
@@ -161,8 +164,8 @@ void Dt3::insertStored(std::vector<Point3*>& vNewVertices, std::size_t numPoints
 
 	Tet3* pFirstTet = startUp();
 	if (pFirstTet == nullptr) return;
-	// Vertices of earlier calls wait for their turn. Equal counts alone do not tell: an earlier point
-	// that is repeated in this batch balances one that is not.
+	// Vertices of earlier calls are not in the mesh yet. The number of vertices alone does not show this:
+	// an earlier point may be missing in this batch, and another point of the batch be a duplicate.
 	if (hc3.size() != numPoints || vNewVertices.size() != numPoints) {
 		vNewVertices.clear();
 		hc3.getVertices(vNewVertices);

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Tetrahedra are created, recycled and linked. In a star too large for the linker, every facet
-// between two new tetrahedra is offered twice; the first half waits in a table for the second.
+// Tetrahedra are created, recycled and linked. In a star too large for the StarLinker, every facet
+// between two new tetrahedra is offered twice; a table stores the first half until the second comes.
 #include "Dt3.h"
 #include "Dt3Inline.h"
 #include "Message.h"
@@ -54,7 +54,8 @@ void Dt3::refuseSelfLink(const Tet3* pTet)
 
 unsigned Dt3::facetHash(const Point3* key0, const Point3* key1)
 {
-	// Bits 5..9 of either address: vertices lie close together, and a few operations must do.
+	// Bits 5..9 of either address: the vertices of a star are often close in memory, so higher bits are
+	// mostly equal; and the hash must take only a few operations.
 	const auto low = static_cast<std::uint32_t>(addressOf(key0));
 	const auto high = static_cast<std::uint32_t>(addressOf(key1));
 	return ((low >> 5U) & 31U) ^ (high & 0x3E0U);
@@ -122,7 +123,7 @@ void Dt3::linkOpenStar()
 {
 	if (star.linkOpen()) return;
 	for (Tet3* pTet : star.vTets) offerInnerFacets(pTet);
-	// The halves along the border of what the vertex sees have no partner: they are the new hull.
+	// The halves along the border of the visible part of the hull have no partner: they are the new hull.
 	flushHashCollisions();
 	resetFacetHash();
 }
@@ -151,14 +152,15 @@ TwoTetStruct* Dt3::takeCollision(const Tet3* pTet, const Point3* key0, const Poi
 		place = collisionIndex.find(key0, key1, length);
 	}
 	if (place == length || vHashCollisions[place]->pTet == pTet)
-		return nullptr; // itself, in a flush
+		return nullptr; // this half itself, which flushHashCollisions offers again
 
 	TwoTetStruct* pHalf = vHashCollisions[place];
 	if (collisionIndex.empty()) {
 		vHashCollisions.erase(vHashCollisions.begin() + static_cast<std::ptrdiff_t>(place));
 		return pHalf;
 	}
-	// In a long list the last one takes the place: what is paired does not depend on the order.
+	// In a long list the last element fills the gap, which takes constant time: which halves are paired
+	// does not depend on their order.
 	collisionIndex.remove(key0, key1);
 	TwoTetStruct* pLast = vHashCollisions.back();
 	vHashCollisions.pop_back();
@@ -171,7 +173,8 @@ TwoTetStruct* Dt3::takeCollision(const Tet3* pTet, const Point3* key0, const Poi
 
 void Dt3::flushHashCollisions()
 {
-	// One half found its slot taken, then the slot became free and the other half went there.
+	// The first half of a facet found its slot taken and went to the list; then the slot became free and
+	// the second half went there. Offered again, the first half now finds it.
 	for (std::size_t n = vHashCollisions.size(); n > 0; --n) {
 		const TwoTetStruct half = *vHashCollisions[n - 1];
 		storeOrLinkFacet(

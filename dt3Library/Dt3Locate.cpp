@@ -1,5 +1,9 @@
 // SPDX-License-Identifier: MIT
-// The walk: from tetrahedron to tetrahedron, across any facet that has the point beyond it.
+// Point location by a visibility walk: from tetrahedron to tetrahedron, across a facet that has the
+// point strictly beyond it.
+//
+// O. Devillers, S. Pion, M. Teillaud: Walking in a Triangulation, Symposium on Computational Geometry,
+// 2001.
 #include "Dt3.h"
 #include "Message.h"
 #include "TetAroundEdgeIterator.h"

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What a host asks of the mesh.
+// The queries of a host, except point location.
 #include "Dt3.h"
 #include "Message.h"
 #include "ardo_tools/SmallPointerSet.h"
@@ -155,11 +155,11 @@ void Dt3::getTetsAroundVertex(Point3* pVtx, std::vector<Tet3*>& vTet)
 		Tet3** const pQueue = vTet.data();
 		const Tet3* pTet = pQueue[n];
 		const int i = pTet->getIntraTetIndex(pVtx);
-		prefetchTet(pTet->getOppTet(i)); // one of the star that a host will probably ask for next
+		prefetchTet(pTet->getOppTet(i)); // in a star that a host will probably read next
 		for (int step = 1; step < 4; ++step) {
 			Tet3* pNeigh = pTet->getOppTet((i + step) & 3);
 			if (pNeigh == nullptr) continue;
-			prefetchTet(pNeigh); // its turn comes when the queue has moved on
+			prefetchTet(pNeigh); // read when its turn in the queue comes
 			pQueue[size] = pNeigh;
 			size += seen.add(pNeigh);
 		}

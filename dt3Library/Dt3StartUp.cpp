@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// From a heap of vertices to the first tetrahedron.
+// Finds four vertices that are not coplanar and makes the first tetrahedron.
 #include "Dt3.h"
 
 #include <utility>
@@ -11,10 +11,10 @@ Tet3* Dt3::startUp()
 	CONDITION_CHECK(!bFullDimensional);
 	if (staysFlat()) return nullptr;
 
-	// The first four vertices that are not coplanar, in lexicographic order of their places, are
-	// A, B, C, D: if any four span space, then A and B, being distinct, can be extended to four that
-	// do. C is the first one off their line, D the first one behind C off their plane: whatever lies
-	// between is in the plane of A, B, C already.
+	// A, B, C, D become the first four vertices that are not coplanar, in the lexicographic order of their
+	// positions. A and B are the first two of the listing: if any four vertices span space, then A and B,
+	// being distinct, are among such four. C is the first vertex off the line AB, D the first one behind C
+	// off the plane ABC: all vertices between C and D lie in that plane. So one pass suffices.
 	const VertexOrder& items = hc3.items;
 	if (items.size() < 4) return nullptr;
 	VertexOrder::Position at = items.begin();
@@ -47,8 +47,8 @@ Tet3* Dt3::startUp()
 
 bool Dt3::isOnLine(const Point3& a, const Point3& b, const Point3& p) const
 {
-	// Three points are collinear when their three coordinate projections are; each of these is an
-	// orientation in the plane, asked in space with an apex beside that plane.
+	// Three points are collinear when their projections to all three coordinate planes are. An exact
+	// orientation test in the plane is that of space with a fourth point off the plane.
 	const auto isOnLineIn = [&](double ax, double ay, double bx, double by, double px, double py) {
 		const Point3 flatA(ax, ay, 0.0), flatB(bx, by, 0.0), flatP(px, py, 0.0), apex(ax, ay, 1.0);
 		return predicates.getOrientation3(&flatA, &flatB, &flatP, &apex) == ORIENTATION3_COPLANAR;
@@ -66,8 +66,8 @@ Tet3* Dt3::rememberFlat(Point3* pA, Point3* pB, Point3* pC)
 
 bool Dt3::staysFlat()
 {
-	// All but the newest vertex are known to be in the line or plane of the witness, so that points
-	// that come one by one cost one test each.
+	// All vertices but the newest are known to lie in the line or plane of the witness. So a point that is
+	// inserted singly costs one test, where the search in startUp would visit all vertices each time.
 	FlatWitness& known = flatWitness;
 	if (known.numVertices < 4) return false;
 	if (hc3.size() == known.numVertices) return true;

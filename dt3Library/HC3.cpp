@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The vertex store: folds duplicates, orders a batch, offers a start.
+// The vertex store: merges duplicate points, sorts a batch, finds starts for walks.
 #include "HC3.h"
 #include "Tet3.h"
 #include "ardo_tools/RadixSort.h"
@@ -19,14 +19,14 @@ namespace TULO3D {
 
 namespace {
 
-/// A point of a batch and its place on the curve.
+/// A point of a batch and its position on the curve.
 struct KeyedInput
 {
 	std::uint32_t key;
 	std::uint32_t position;
 };
 
-/// An item and its place on the curve.
+/// An item and its position on the curve.
 struct KeyedItem
 {
 	std::uint32_t key;
@@ -206,7 +206,7 @@ void HC3::insertPoints(const std::vector<Point3>& vPoints, std::vector<Point3*>&
 		const std::uint32_t key = vHIndexIndexPair[i].key;
 		batch.vCell.clear();
 		for (; i < siz && vHIndexIndexPair[i].key == key; ++i) {
-			// In curve order the reads of the input are scattered.
+			// In curve order the input is read at scattered addresses.
 			const std::uint32_t later = vHIndexIndexPair[placeAhead(i, siz)].position;
 			prefetchVertex(&vPoints[later]);
 			prefetch(&vUserHandles[later]);
@@ -220,7 +220,7 @@ void HC3::insertPoints(const std::vector<Point3>& vPoints, std::vector<Point3*>&
 
 void HC3::closeNumberGaps(const std::vector<Point3*>& vUserHandles, std::int32_t firstNumber)
 {
-	// A vertex has the place of its first point in the batch, so far.
+	// So far a vertex has the number of its first point, as if no point were a duplicate.
 	std::int32_t place = firstNumber;
 	std::int32_t next = firstNumber;
 	for (Point3* pVtx : vUserHandles) {
@@ -250,7 +250,7 @@ void HC3::insertCell(std::uint32_t key, Batch& batch)
 		return i > 0 && vPoints[vSorted[i - 1]] == vPoints[vSorted[i]];
 	};
 
-	// By coordinates, equal ones in input order: the first of them stands for all.
+	// Sorted by coordinates, equal points in input order: the first of equal points becomes the vertex.
 	vSorted = batch.vCell;
 	sortByCoordinates(vSorted, vPoints);
 	batch.vNewByCoordinates.clear();
@@ -266,7 +266,8 @@ void HC3::insertCell(std::uint32_t key, Batch& batch)
 		if (vUserHandles[position] == nullptr) batch.vNewByCoordinates.push_back(position);
 	}
 
-	// The new vertices follow one another in input order, their items by coordinates.
+	// Deliberate: within a cell, new vertices are made and inserted in input order, while their items are
+	// sorted by coordinates. Both orders determine the mesh and its listing.
 	if (batch.vNewByCoordinates.size() == batch.vCell.size()) {
 		batch.vNewByInput = batch.vCell;
 	} else {

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The vertex store: owns every vertex, folds duplicates, orders a batch along a Hilbert curve, and
-// offers a tetrahedron from which to start a walk.
+// The vertex store: owns every vertex, merges duplicate points, sorts a batch along a Hilbert curve, and
+// finds a tetrahedron from which to start a walk.
 #pragma once
 
 #include "Bbox3.h"
@@ -23,10 +23,10 @@ public:
 	HC3& operator=(const HC3&) = delete;
 	~HC3() = default;
 
-	/// The place of `point` on the curve through the current box.
+	/// The position (key) of `point` on the curve through the current box.
 	std::uint32_t hilbertIndex(const Point3& point) const;
 
-	/// Takes over the extents of the box and orders all items anew.
+	/// Takes over the extents of the box, computes all keys anew and sorts the items by them.
 	void rebuildKeys();
 
 	/// The vertex of `point`, new or already known. `pStartTet` becomes a tetrahedron near it, or
@@ -38,13 +38,13 @@ public:
 	void insertPoints(const std::vector<Point3>& vPoints, std::vector<Point3*>& vUserHandles,
 	    std::vector<Point3*>& vNewVertices);
 
-	/// A tetrahedron of the vertex next along the curve that has one, else of the last before; null
-	/// when no vertex is in the mesh.
+	/// The tetrahedron of the first vertex from `point` on along the curve that is in the mesh, else of the
+	/// last one before; null when no vertex is in the mesh.
 	Tet3* findNearbyTet(const Point3& point) const;
 
-	/// `pTet`, or a tetrahedron of a vertex that is nearer to `point` than its corner 0, among the few
-	/// that surround the point on the curve. The next one on the curve need not be near: it jumps.
-	/// Tetrahedra that bear a host's mark are passed over.
+	/// `pTet`, or a tetrahedron of a vertex that is nearer to `point` than corner 0 of `pTet`, among the
+	/// four vertices on either side of the point along the curve. (The one next to it need not be near,
+	/// because the curve separates some neighbouring cells.) Tetrahedra marked by a host are passed over.
 	Tet3* nearerTet(const Point3& point, Tet3* pTet) const;
 
 	/// Appends every vertex, in the order of the curve.

@@ -14,9 +14,18 @@ TetAroundEdgeIterator& TetAroundEdgeIterator::operator++()
 	const Point3* pSource = curEdge.getSourceVtx();
 	const Point3* pTarget = curEdge.getTargetVtx();
 
-	// Crossing facet opp2ICI, the next tetrahedron's two corners off the edge are the one beyond
-	// that facet (opp3) and the one on it (opp2). The step after this one crosses the facet opposite
-	// the latter, which is the other one at the edge, so the sense of rotation stays.
+	// clang-format off
+	//
+	//            q               the edge seen along its direction: E is both pSource and pTarget
+	//          / | \             pFrom  opp2ICI is corner p, opp3ICI is corner q
+	//        /   |   \           pTo    opp2ICI is corner q, opp3ICI is corner r
+	//      / pFrom pTo \         (q is the corner of the facet between them that is not on the edge)
+	//    p-------E-------r
+	//
+	// clang-format on
+	// A step crosses facet opp2ICI, which contains the edge and the corner opp3ICI. In the next tetrahedron
+	// that corner becomes opp2ICI, so the next step crosses the other facet at the edge: the sense of
+	// rotation stays.
 	Tet3* pTo = previewNextTet();
 	const int opp3ICI = pTo->getIntraTetIndex(pFrom);
 	int opp2ICI = 0;

@@ -13,8 +13,8 @@ namespace {
 
 thread_local std::ostream* pChosen = &std::cout;
 
-// Recursive: a corner that is being printed may fail a check, whose message comes in between. One
-// for all streams, as nobody can tell which of them end in the same place.
+// Recursive: a corner that is being printed may fail a check, whose message is printed in between. One
+// lock for all streams, because two of them may write to the same buffer or file.
 std::recursive_mutex printing;
 
 } // namespace

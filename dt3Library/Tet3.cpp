@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The tetrahedron record: how it is made, asked and printed, and how it stops a broken mesh.
+// The tetrahedron record: construction, queries, printing, and the stops on a broken mesh.
 #include "Tet3.h"
 
 #include "ArdoTest3.h"
@@ -52,7 +52,7 @@ void reportNoNeighbour(const Tet3& tet, const Tet3* pT)
 	if (pT != nullptr) {
 		message << *pT;
 	} else {
-		message << "NULL"; // asked for a hull facet that the tetrahedron does not have
+		message << "NULL"; // a null neighbour, but the tetrahedron has no hull facet
 	}
 	message << ", this is " << tet << std::endl;
 }

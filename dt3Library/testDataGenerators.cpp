@@ -29,7 +29,7 @@ void generateRandomNumbers(
 	if (seed != 0) {
 		random.seed(seed);
 	} else {
-		seedByTime(random); // before the check: a call in vain counts as well
+		seedByTime(random); // before the check: a call that then throws counts, too
 	}
 	CONDITION_CHECK(min<max);
 	constexpr double kStep = 3.0517578125e-5; // 1 / 32768: max itself never comes

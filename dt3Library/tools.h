@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// How the library speaks to its user: messages, the checked condition, and the two hard stops.
+// Messages, the checked condition, and the two hard stops.
 #pragma once
 
 #include "TuloException.h"
@@ -29,11 +29,11 @@ void printErrorBanner(const std::string& text);
 /// "00000_", "00001_", ...: keeps the debug files of one run apart. Never reset.
 std::string nextDebugFilePrefix();
 
-/// The end of the road for states that only a defect can bring about: reports, asks the thread's stop
-/// handler, then reads through null, so that a debugger halts at the spot.
+/// A deliberate crash, for states that only a defect of the library can cause: prints the reason, calls the
+/// thread's stop handler, then reads through null, so that a debugger halts here.
 [[noreturn]] void goToHell(const std::string& reason);
 
-/// Asks the thread's stop handler, which may throw, then ends the process with status 1, whatever the
+/// Calls the thread's stop handler, which may throw, then ends the process with status 1, whatever the
 /// build. The caller has printed `text`.
 [[noreturn]] void hardStop(StopReason reason, const char* text);
 

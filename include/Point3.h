@@ -16,7 +16,7 @@ class Tet3;
 /// A point in space and, inside an engine, a vertex of the mesh.
 ///
 /// As a value it carries coordinates (in any one unit) and an index that belongs to the host. As a
-/// vertex it also knows one incident tetrahedron, from which the whole mesh can be walked.
+/// vertex it also has one incident tetrahedron, from which the whole mesh can be traversed.
 ///
 /// Signs are exact for coordinates of at most 1e60 in magnitude. Larger ones and non-finite ones are
 /// refused on insertion.
@@ -61,7 +61,7 @@ public:
 		z = pz;
 	}
 
-	/// Replaces the coordinates. Never do this to a vertex: the mesh would not follow.
+	/// Replaces the coordinates. Never do this to a vertex: the mesh would no longer be Delaunay.
 	void exchange(double x, double y, double z)
 	{
 		px = x;
@@ -76,7 +76,7 @@ public:
 		pOneTet = nullptr;
 	}
 
-	/// Sets the incident tetrahedron; the engine's business.
+	/// Sets the incident tetrahedron; for the engine only.
 	void setOneTet(Tet3* pTet) { pOneTet = pTet; }
 
 	/// One tetrahedron that has this vertex as a corner; null while the point is not in a mesh.

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The cell of the mesh: four corners, and the neighbour behind each facet.
+// A tetrahedron (cell) of the mesh: four corners, and the neighbour behind each facet.
 #pragma once
 
 #include "Point3.h"
@@ -111,7 +111,7 @@ public:
 	/// The index 0..3 of neighbour `pT`. Ends the process when it is none.
 	int getIntraTetIndex(const Tet3* pT) const
 	{
-		// Put together from bits, not searched for: which of the four it is cannot be predicted.
+		// Branch-free, from comparison bits: which of the four it is cannot be predicted.
 		const int bLast = aNeighbours[3] == pT;
 		const int i = ((aNeighbours[1] == pT) | bLast) + 2 * ((aNeighbours[2] == pT) | bLast);
 		if (aNeighbours[i] != pT || pT == nullptr) return searchNeighbour(pT);
@@ -174,7 +174,8 @@ public:
 	/// Deliberate: a stub that prints a line and returns 0, or -1 without a line on the hull.
 	int debug_getOppTetIndex(int ith) const;
 
-	/// A mark for traversals. The engine expects it to be false whenever it is called.
+	/// A mark for the host's traversals, to be false when an insertion begins: one that would start at a
+	/// marked tetrahedron, or join a vertex to it at the hull, throws.
 	bool hasBeenVisited;
 
 	/// The label of the next tetrahedron made in this process. Labels are for printing, and tell how old
@@ -249,8 +250,9 @@ private:
 #endif
 	}
 
-	bool bInCavity;             // of the insertion under way
-	std::uint16_t reservations; // by cavities that have been found ahead of their insertion
+	bool bInCavity; // CavityMark: in the cavity of the insertion under way
+	std::uint16_t
+	    reservations; // Reservation: by cavities found ahead of their insertion, a bit each
 	int label;
 	Point3* aVertexPointer[4];
 	Tet3* aNeighbours[4];

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Visits the tetrahedra around an edge, from neighbour to neighbour.
+// Circulates around an edge: visits its tetrahedra from neighbour to neighbour.
 #pragma once
 
 #include "Edge3.h"

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The library: make a Tulo_3D, insert points, walk the mesh. This header brings in all others.
+// The library: make a Tulo_3D, insert points, traverse the mesh. This header includes all others.
 #pragma once
 
 #include "Ball3.h"

@@ -2,8 +2,8 @@
 // Functions that must become part of their caller.
 #pragma once
 
-// A kernel is compiled once for each kind of CPU by being drawn into one function for each of them;
-// its parts must therefore never be functions of their own.
+// A kernel is compiled once for each instruction set, by inlining it into one function for each of them;
+// its parts must therefore never be compiled as functions of their own.
 #if defined(__GNUC__)
 #  define TULO3D_ALWAYS_INLINE inline __attribute__((always_inline))
 #  define TULO3D_INLINE_LAMBDA __attribute__((always_inline)) // behind its parameters
@@ -12,7 +12,7 @@
 #  define TULO3D_INLINE_LAMBDA
 #endif
 
-// A function for CPUs that have AVX2; whoever calls it has asked.
+// A function for CPUs that have AVX2; its callers must check `__builtin_cpu_supports`.
 #if defined(__GNUC__) && defined(__x86_64__)
 #  define TULO3D_AVX2 __attribute__((target("avx2")))
 #endif

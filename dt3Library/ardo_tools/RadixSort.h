@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Sorting by curve key: stable, and linear once it pays.
+// Sorting by curve key: a stable radix sort for long arrays, a merge sort for short ones.
 #pragma once
 
 #include <algorithm>

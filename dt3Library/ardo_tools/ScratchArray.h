@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// A work array that can be appended to without a branch.
+// A work array with branch-free conditional append.
 #pragma once
 
 #include <algorithm>
@@ -19,8 +19,8 @@ template <typename T>
 class ScratchArray
 {
 public:
-	/// The end of an array, kept in a register for a few writes: the compiler has to assume that a write
-	/// may alias the array's own members.
+	/// A cursor that keeps the end of an array in a register for a few writes. Otherwise the compiler would
+	/// reload the end after each write, because the write may alias the array's own members.
 	class Writer
 	{
 	public:

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Storage for records that exist by the million and die all at once.
+// An arena: storage for millions of records that are freed together.
 #pragma once
 
 #include "Message.h"
@@ -141,7 +141,7 @@ public:
 	int maxBlockSize = -1;
 
 private:
-	/// As many records as are made ready at a time: 1 MB.
+	/// The number of records that are pre-faulted at a time: 1 MB.
 	static constexpr int kAhead = static_cast<int>((1U << 20U) / sizeof(T)) + 1;
 
 	T* allocUnready()
@@ -166,7 +166,7 @@ private:
 		if (v.size() == v.capacity()) v.reserve(2 * v.size() + 1);
 	}
 
-	int numReady = 0; ///< the records of the current block that may be handed out at once
+	int numReady = 0; ///< the records of the current block that are pre-faulted
 
 	// Deliberate: half the first block, then double. A small engine stays small.
 	int nextAutomaticSize() const

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Remembers which tetrahedra a small traversal has seen.
+// A set of the tetrahedra that a small traversal has visited.
 #pragma once
 
 #include <algorithm>
@@ -9,8 +9,8 @@
 
 namespace TULO3D {
 
-/// A set of non-null pointers with open addressing. An ordinary star of a vertex fits in where it
-/// stands, on the stack; it doubles for the few large ones.
+/// A hash set of non-null pointers with open addressing. The star of an ordinary vertex fits into its
+/// fixed array, on the stack; for the few large stars the set allocates and doubles.
 class SmallPointerSet
 {
 public:

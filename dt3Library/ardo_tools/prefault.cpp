@@ -21,7 +21,7 @@ void prefault(void* pFirst, std::size_t numBytes)
 	const std::uintptr_t last =
 	    (reinterpret_cast<std::uintptr_t>(pFirst) + numBytes) / pageSize * pageSize;
 	if (last <= first) return;
-	const int errorBefore = errno; // an older kernel refuses: no failure for the caller
+	const int errorBefore = errno; // restored: an older kernel refuses, which is no failure
 	madvise(reinterpret_cast<void*>(first), last - first, kPopulateWrite);
 	errno = errorBefore;
 }

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The cavities of the next few vertices, found together.
+// The cavities of the next few vertices, searched together.
 #include "lookahead/CavityQueue.h"
 
 #include "ardo_tools/Bits.h"
@@ -24,6 +24,7 @@ CavityQueue::~CavityQueue()
 
 void CavityQueue::fill()
 {
+	// In passes over all vertices: each pass prefetches what the next one reads.
 	Walk walks[kSize];
 	for (numQueued = 0; numQueued < kSize && !ahead.isAtEnd(); ++numQueued, ++ahead) {
 		Walk& walk = walks[numQueued];
@@ -40,7 +41,7 @@ void CavityQueue::fill()
 		}
 	}
 
-	// Walks that have not ended move up to the front.
+	// Compacts the walks that have not ended.
 	std::size_t numLeft = 0;
 	for (std::size_t i = 0; i < numQueued; ++i) {
 		walks[numLeft] = walks[i];
@@ -73,7 +74,9 @@ bool CavityQueue::start(Walk& walk)
 
 bool CavityQueue::takeStep(Walk& walk)
 {
-	constexpr int kMaxSteps = 100; // among cospherical vertices the walk need not end at all
+	// No watchdog: a speculative walk may simply end. Among cospherical vertices, where the Delaunay mesh is
+	// not unique, a visibility walk may run in a cycle.
+	constexpr int kMaxSteps = 100;
 	const Tet3& tet = *walk.pTet;
 	const Point3* const corner[4] = {
 	    tet.getCorner(0), tet.getCorner(1), tet.getCorner(2), tet.getCorner(3)};

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The cavities of the next few vertices, found together.
+// The cavities of the next few vertices, searched together.
 #pragma once
 
 #include "lookahead/CavitySearch.h"

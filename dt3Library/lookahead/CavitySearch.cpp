@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Several cavities are searched at once.
+// The interleaved breadth-first search of several cavities.
 #include "lookahead/CavitySearch.h"
 
 #include "ArdoTest3.h"
@@ -52,8 +52,9 @@ TULO3D_ALWAYS_INLINE void CavitySearch::testNeighbours(
 	for (const auto& [pReservation, pTet] : vNew) {
 		if (!pReservation->bValid) continue; // aborted in this round
 		const Surroundings border = lookAround<Lanes>(pTet, *pReservation->pVtx, tests, predicates);
-		// At the hull an insertion from beyond could change this cavity without removing anything that is
-		// reserved. Once all neighbours exist, no facet of the cavity can come to the hull again.
+		// At the hull, the insertion of a vertex beyond it could add a tetrahedron to this cavity without
+		// removing a reserved one. Once all neighbours exist, no facet of the cavity can become a hull
+		// facet: points are never removed.
 		if (border.hull != 0) {
 			pReservation->abort();
 			continue;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Several cavities are searched at once.
+// The interleaved breadth-first search of several cavities.
 #pragma once
 
 #include "ardo_tools/ScratchArray.h"
@@ -15,9 +15,9 @@ class Tet3;
 
 /// A breadth-first search of several cavities, interleaved.
 ///
-/// Each round prefetches what surrounds the new tetrahedra of all cavities, then reads that once to
-/// prefetch the corners beyond, and only then tests. So the latencies of the loads overlap. All cavities
-/// share the same loops: a short loop for each of them would mispredict its end.
+/// Each round prefetches the neighbours of the new tetrahedra of all cavities, then reads these neighbours
+/// to prefetch their opposite corners, and only then tests. So the latencies of the loads overlap. All
+/// cavities share the same loops: a short loop for each of them would mispredict its exit.
 class CavitySearch
 {
 public:

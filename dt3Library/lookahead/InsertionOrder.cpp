@@ -8,7 +8,7 @@ namespace TULO3D {
 
 InsertionOrder::InsertionOrder(std::uint32_t n) : numVertices(n)
 {
-	// Seven to sixteen vertices are left between neighbouring middles.
+	// Runs of seven to sixteen vertices are left between neighbouring middles for the last round.
 	const double halvings = std::ceil(std::log(static_cast<double>(n)) / std::log(2.0));
 	if (halvings > 4.0) lastDepth = static_cast<unsigned>(halvings - 4.0);
 	if (n == 0) depth = 1; // at the end

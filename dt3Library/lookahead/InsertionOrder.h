@@ -6,12 +6,14 @@
 
 namespace TULO3D {
 
-/// Goes through the positions in a list of vertices that follow one another along a curve, in stages of
-/// growing density: the middle of the list, the middles of its halves, and so on; at last the short
-/// runs that are left. The first stage goes backwards, and so does every second one.
+/// Iterates over the positions in a list of vertices in curve order, in rounds of growing density: the
+/// middle of the list, the middles of its halves, and so on (binary subdivision); the last round takes
+/// the short runs that are left. The first round goes backwards, and so does every second one.
 ///
-/// Along the curve each walk is short; the growing density keeps the mesh balanced meanwhile. The order
-/// is computed as it goes: a list of it would be there as long as the mesh grows.
+/// This is a deterministic variant of BRIO (N. Amenta, S. Choi, G. Rote: Incremental Constructions con
+/// BRIO, Symposium on Computational Geometry, 2003): within a round, the curve keeps each walk short; the
+/// rounds spread the vertices evenly, which keeps the stars small while the mesh grows. The order is
+/// computed on the fly: a stored one would occupy memory until the batch is inserted.
 class InsertionOrder
 {
 public:
@@ -34,14 +36,14 @@ public:
 
 private:
 	bool isBackward() const { return depth % 2 == 0; }
-	/// The next run of this stage, or the first one of the next stage.
+	/// The next run of this round, or the first one of the next round.
 	void nextRun();
 	void findRun();
 
 	std::uint32_t numVertices;
-	unsigned depth = 0;        // of the stage: how often the list has been halved
-	unsigned lastDepth = 0;    // where no middle is taken, but all that is left
-	std::uint32_t numRuns = 0; // in this stage up to now
+	unsigned depth = 0;        // of the round: how often the list has been halved
+	unsigned lastDepth = 0;    // of the round that takes the remaining runs
+	std::uint32_t numRuns = 0; // in this round up to now
 	std::uint32_t first = 0;   // the run [first, last)
 	std::uint32_t last = 0;
 };

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The vertices of a batch in the order of their insertion, and what is known of each beforehand.
+// The insertion order of a batch, with the starts and cavities that are computed ahead.
 #include "lookahead/LookAhead.h"
 
 #include <cstdint>
@@ -40,6 +40,7 @@ void LookAhead::advance(Reservation::Bits disturbed, std::size_t numFacetTests)
 
 void LookAhead::review()
 {
+	// Never back to starts along the curve: that the vertices share cells of the curve will not change.
 	const std::size_t numTests = std::exchange(numTestsInInterval, 0);
 	if (queue && !queue->isWorthwhile()) queue.reset();
 	if (starts || numTests <= kReviewInterval * kFacetTestsPerLongWalk) return;

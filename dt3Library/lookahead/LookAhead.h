@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The vertices of a batch in the order of their insertion, and what is known of each beforehand.
+// The insertion order of a batch, with the starts and cavities that are computed ahead.
 #pragma once
 
 #include "lookahead/CavityQueue.h"
@@ -12,18 +12,19 @@
 
 namespace TULO3D {
 
-/// Leads a batch into the mesh.
+/// Gives the vertices of a batch in insertion order, and for each of them the best start known for its
+/// walk, or its whole cavity.
 ///
-/// In most batches the curve leads from vertex to vertex, each walk is short, and nothing more is needed.
-/// Where it does not (a few points far out, a thin box), walks turn out to be long. From then on they
-/// start near their vertices; and where the order jumps about, so that every insertion would run with a
-/// cold cache, the cavities of the next vertices are searched together. The mesh is the same with and
-/// without.
+/// In most batches consecutive vertices are close, each walk is short, and nothing more is needed. Where the
+/// curve does not tell the vertices apart (a few points far out, a thin box), walks are long. Once that is
+/// measured, walks start at neighbours in Morton order; and if consecutive vertices are also far apart in
+/// memory, so that every insertion would run with a cold cache, the cavities of the next vertices are searched
+/// together, ahead of their insertion. The mesh is the same with and without.
 class LookAhead
 {
 public:
-	/// `vBatch`, in the order of the store, and the tests must outlive it. Unless `bOn`, all that it does
-	/// is to give the order.
+	/// `vBatch`, in the order of the store, and the tests must outlive this object. Without `bOn` it only
+	/// gives the order.
 	LookAhead(const std::vector<Point3*>& vBatch, const BatchTests& batchTests,
 	    const ArdoTest3& adaptiveTests, bool bOn);
 
@@ -41,8 +42,8 @@ public:
 	void advance(Reservation::Bits disturbed, std::size_t numFacetTests);
 
 private:
-	// A walk from the last vertex of the curve takes some ten facet tests. Several times as many, on the
-	// average of an interval, and the curve does not lead from vertex to vertex.
+	// A walk from the last vertex takes some ten facet tests where the curve preserves locality. An average
+	// of several times as many over an interval means that the curve does not.
 	static constexpr std::size_t kReviewInterval = 256;
 	static constexpr std::size_t kFacetTestsPerLongWalk = 40;
 

@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: MIT
-// The cavity of one vertex, found before the vertex is inserted.
+// A speculative cavity: found ahead of the insertion of its vertex.
 #include "lookahead/Reservation.h"
 
 namespace TULO3D {
 
 void Reservation::begin(Bits mine, const Point3& vtx, Tet3* pTet)
 {
-	abort();                                 // what an exception has left
-	vCavity.add({pTet, pTet->getCorner(0)}); // before the bit is set: memory may run out here
+	abort();                                 // a reservation that an exception has left
+	vCavity.add({pTet, pTet->getCorner(0)}); // before the bit is set: this may throw std::bad_alloc
 	myBit = mine;
 	reserve(*pTet, mine);
 	pVtx = &vtx;
@@ -17,8 +17,8 @@ void Reservation::begin(Bits mine, const Point3& vtx, Tet3* pTet)
 
 void Reservation::abort()
 {
-	// All that is reserved is in the cavity or next to it. A removed record still knows its neighbours; it
-	// has no bits, and its reuse has cleared them.
+	// Every reserved tetrahedron is in the cavity or next to it. A removed record keeps its neighbour
+	// pointers, and has no bits; the reuse of a record clears them as well.
 	for (const CavityTet& found : vCavity) {
 		release(*found.pTet);
 		for (int i = 0; i < 4; ++i) {

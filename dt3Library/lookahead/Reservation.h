@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The cavity of one vertex, found before the vertex is inserted.
+// A speculative cavity: found ahead of the insertion of its vertex.
 #pragma once
 
 #include "ardo_tools/ScratchArray.h"
@@ -13,16 +13,16 @@
 
 namespace TULO3D {
 
-/// A speculative cavity: the tetrahedra in conflict with a vertex, as long as they stay the same.
+/// The speculative cavity of one vertex: valid as long as no insertion changes it.
 ///
 /// Other vertices may be inserted before this one. So the search reserves every tetrahedron of the
-/// cavity and every neighbour of one, and the cavity is given up when an insertion removes any of these.
-/// Otherwise it is the cavity still:
+/// cavity and every neighbour of one, and the reservation is aborted when an insertion removes any of these.
+/// Otherwise the cavity is unchanged:
 ///
 ///   1  the tetrahedra in conflict with a vertex are connected across facets;
 ///   2  so a new tetrahedron in conflict has, with others that are new, a chain of facets to the cavity;
 ///   3  the first facet of the chain that is not new belonged to a tetrahedron that has been removed,
-///      and which was reserved; or to the hull, and a search that meets the hull gives up.
+///      and which was reserved; or to the hull, where the search aborts.
 class Reservation
 {
 public:
@@ -34,14 +34,14 @@ public:
 	/// Begins with the tetrahedron that contains `vtx`. `mine` is the bit of this reservation.
 	void begin(Bits mine, const Point3& vtx, Tet3* pTet);
 
-	/// Releases everything: the cavity is not known.
+	/// Releases all reserved tetrahedra; the reservation is then invalid.
 	void abort();
 	void abortIfAmong(Bits disturbed)
 	{
 		if ((disturbed & myBit) != 0) abort();
 	}
 
-	/// The vertex is in the mesh: its cavity is gone and everything else has been released.
+	/// Called when the vertex is in the mesh: its cavity has been removed and its neighbours released.
 	void clear()
 	{
 		vCavity.clear();
@@ -53,7 +53,8 @@ public:
 
 	/// The tetrahedra in conflict with the vertex, first the one that contains it.
 	const ScratchArray<CavityTet>& cavity() const { return vCavity; }
-	/// The vertex is known to lie strictly on the cavity's side of all facets of the cavity.
+	/// The vertex is known to lie strictly on the cavity's side of all facets of the cavity boundary: the new
+	/// tetrahedra need no orientation test.
 	bool seesPositive() const { return bPositive; }
 
 	/// Releases one tetrahedron; true when it was reserved.

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Starts for walks where the curve of the vertex store does not lead from vertex to vertex.
+// Walk starts from Morton order, for batches in which the curve of the vertex store has no locality.
 #include "lookahead/WalkStart.h"
 #include "geometry/vectors.h"
 #include "mesh/Prefetch.h"
@@ -53,6 +53,7 @@ Tet3* WalkStart::nearest(std::size_t i, Tet3* pLastTet) const
 	Tet3* pNearest = pLastTet;
 	double least = squaredDistance(target, *pLastTet->getCorner(0));
 	for (const Point3* p : neighbours(i)) {
+		// A tetrahedron that the host has left marked would be refused as a start.
 		if (p == nullptr || p->getOneTet() == nullptr || p->getOneTet()->hasBeenVisited) continue;
 		const double distance = squaredDistance(target, *p);
 		if (distance >= least) continue;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Starts for walks where the curve of the vertex store does not lead from vertex to vertex.
+// Walk starts from Morton order, for batches in which the curve of the vertex store has no locality.
 #pragma once
 
 #include "ardo_tools/BitsetTree.h"
@@ -14,11 +14,11 @@
 
 namespace TULO3D {
 
-/// Finds starts near the vertices of a batch, by their Morton order.
+/// Finds, for a vertex of a batch, a vertex of the mesh nearby to start its walk from.
 ///
-/// The batch comes in the order of the store's curve, which has nine levels. They do not tell vertices
-/// apart when a few lie far out or the box is thin, and then a walk from the last vertex is long. Where
-/// it starts decides only how long it is; so it may start at the vertex of the mesh that is next in
+/// The batch comes in the order of the store's curve, which has nine levels. Nine levels do not tell
+/// vertices apart when a few lie far out or the box is thin, and then a walk from the last vertex is long.
+/// The start of a walk affects only its length; so it may be at the vertex of the mesh that is next in
 /// Morton order, which has 21 levels around the bulk of the batch.
 class WalkStart
 {
@@ -40,7 +40,8 @@ public:
 	/// Prefetches what `neighbours` will read first.
 	void prefetchNeighbours(std::size_t i) const;
 
-	/// True when most vertices of the batch are far, in Morton order, from the one before.
+	/// True when most vertices of the batch are far from the previous one in Morton order: insertions
+	/// have no locality.
 	bool orderJumps() const;
 
 private:
@@ -48,8 +49,8 @@ private:
 
 	const std::vector<Point3*>& vVertices;
 	std::vector<const Point3*> vMorton; // the batch in Morton order
-	std::vector<std::uint32_t> vRank;   // the place there of each vertex of the batch
-	BitsetTree inMesh;
+	std::vector<std::uint32_t> vRank;   // the position there of each vertex of the batch
+	BitsetTree inMesh;                  // ranks of the vertices that are in the mesh
 };
 
 } // namespace TULO3D

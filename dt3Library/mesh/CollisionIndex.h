@@ -12,11 +12,11 @@
 
 namespace TULO3D {
 
-/// From the two keys of a facet to its place in the list of collisions.
+/// A hash table from the two keys of a facet to its position in the list of collisions.
 ///
-/// An ordinary insertion leaves a handful of collisions, and a scan of the list is the fastest way.
-/// A vertex at the centre of a sphere full of points leaves a hundred thousand; scanning would then
-/// cost the square of that. At most one half of a facet ever waits in the list, so keys are unique.
+/// An ordinary insertion has a handful of collisions, and a scan of the list is fastest. A vertex at the
+/// centre of a sphere with many points has a hundred thousand; scanning the list for each half would
+/// then be quadratic. At most one half of a facet is in the list, so keys are unique.
 class CollisionIndex
 {
 public:

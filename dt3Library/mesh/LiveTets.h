@@ -13,9 +13,9 @@ namespace TULO3D {
 
 /// Numbers the tetrahedra by ascending address.
 ///
-/// The engine keeps no list of them. They are connected, so a search from any one would reach all; but
-/// reading the blocks of the pool in order is a hundred times faster than going from neighbour to
-/// neighbour.
+/// The engine keeps no list of its tetrahedra. They are connected, so a search from any one would reach
+/// all; but reading the blocks of the pool sequentially is a hundred times faster than the scattered reads of
+/// a search from neighbour to neighbour.
 class LiveTets
 {
 public:
@@ -62,8 +62,8 @@ private:
 	std::vector<Run> runs;
 	std::size_t numTets = 0;
 
-	// Pages of addresses from `lowest` on: the origin of the run in which all of the page lies; 0 where
-	// there is none. Nearly every look-up ends here, in a table that fits into the nearest cache.
+	// For each page of addresses from `lowest` on, the origin of the run that covers the whole page; 0 if
+	// there is none. Nearly every look-up ends here, in a table that fits into the L1 cache.
 	std::vector<std::uintptr_t> vOrigins;
 	std::uintptr_t lowest = 0;
 	unsigned pageBits = 10;

@@ -14,16 +14,30 @@ namespace TULO3D {
 
 /// Pairs the inner facets of a star of ordinary size through a table of directed edges.
 ///
-/// Each new tetrahedron joins the inserted vertex, its corner 0, to a triangle, and all triangles are
-/// seen from there in the same sense. So the edge between two triangles runs from a to b in one and
-/// from b to a in the other: a table with a row and a column for each vertex of the star takes one
-/// entry for each directed edge, and a tetrahedron finds its neighbours by looking up its edges
-/// reversed. There is no unpredictable branch; the table of pending halves, which takes stars of any size,
-/// has one for each half: whether it is the first or the second.
+/// Each new tetrahedron joins the inserted vertex, its corner 0, to a triangle (its corners 1, 2, 3), and
+/// all triangles have the same orientation as seen from the vertex. So an edge between two triangles runs
+/// from a to b in one and from b to a in the other. The table `edges` has a row and a column for each vertex
+/// of the star and an entry for each directed edge; a tetrahedron finds its neighbours at its edges
+/// reversed.
+///
+/// ~~~
+///          c              edges    a     b     c     d     (column: to)
+///         / \               a      .    pTet   .     pU
+///        /   \              b      pU    .    pTet   .
+///       / pTet\             c     pTet   .     .     .
+///      a-------b            d      .     pU    .     .
+///       \  pU /          (row: from)
+///        \   /
+///         \ /            pTet fills edges[rowA + b], edges[rowB + c], edges[rowC + a];
+///          d             its neighbour across the edge ab is edges[rowB + a]: pU
+/// ~~~
+///
+/// There is no unpredictable branch; the table of pending halves, which takes stars of any size, has one
+/// for each half: whether it is the first or the second.
 ///
 /// The rows are found without a search, too: while a star is being linked, the `pOneTet` of each vertex
-/// holds the number of its row instead of a pointer (values below 64 are numbers), and gets the pointer
-/// back at the end.
+/// holds the number of its row instead of a pointer (values below 64 are numbers, others pointers), and gets
+/// the pointer back at the end.
 class StarLinker
 {
 public:
@@ -48,15 +62,16 @@ public:
 	/// are too many vertices, or when the triangles cannot form a closed surface: that is a defect.
 	bool linkClosed()
 	{
-		// Euler's formula.
+		// Euler's formula: a closed surface of V vertices has 2 V - 4 triangles. Without this check, an
+		// edge without a partner would read an entry that an earlier star has left.
 		const bool bLinks = numberVertices() && vTets.size() + 4 == 2 * std::size_t{numVertices};
 		if (bLinks) linkNumbered();
 		giveLinksBack();
 		return bLinks;
 	}
 
-	/// Links a star that ends at the hull: facets without a partner keep a null neighbour. False,
-	/// with nothing linked, when there are too many vertices.
+	/// Links a star that ends at the hull: facets without a partner get a null neighbour, for which the
+	/// entries are cleared first. False, with nothing linked, when there are too many vertices.
 	bool linkOpen()
 	{
 		const bool bLinks = numberVertices();

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What lies around a tetrahedron of the cavity, whatever it takes.
+// The neighbours of a tetrahedron, classified by all stages of the in-sphere test.
 #include "mesh/Surroundings.h"
 #include "ArdoTest3.h"
 

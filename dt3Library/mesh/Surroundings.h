@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What lies around a tetrahedron of the cavity.
+// The four neighbours of a tetrahedron of the cavity, classified against the vertex being inserted.
 #pragma once
 
 #include "Tet3.h"
@@ -12,13 +12,14 @@ namespace TULO3D {
 
 class ArdoTest3;
 
-/// Whether a tetrahedron belongs to the cavity of the insertion under way. The engine keeps this apart
-/// from `hasBeenVisited`, which a host may have set anywhere.
+/// The mark of tetrahedra in the cavity of the insertion under way. It is not `hasBeenVisited`, because
+/// a host may have set that on any tetrahedron, and a search that stopped there would leave a hole.
 class CavityMark
 {
 public:
 	static bool isSet(const Tet3& tet) { return tet.bInCavity; }
-	/// Never taken back: a cavity dies, and a record loses its mark when it is reused.
+	/// Never cleared by itself: every tetrahedron of a cavity is removed, and the reuse of a record clears
+	/// its mark.
 	static void set(Tet3& tet) { tet.bInCavity = true; }
 	static void setIf(bool bSet, Tet3& tet) { tet.bInCavity |= bSet; }
 };
@@ -30,19 +31,19 @@ struct CavityTet
 	Point3* pApex; ///< its corner beyond the facet through which it was found
 };
 
-/// A tetrahedron of the cavity, seen from inside; in the sets, bit i stands for facet i and for the
-/// neighbour beyond it.
+/// The neighbours of one tetrahedron of the cavity. In the bit sets, bit i is facet i and the neighbour
+/// beyond it.
 struct Surroundings
 {
-	Tet3* pNeigh[4];    ///< the tetrahedron itself stands in where there is none
+	Tet3* pNeigh[4];    ///< the tetrahedron itself where there is none, so that no pointer is null
 	Point3* pApex[4];   ///< the corners beyond the facets
 	unsigned hull;      ///< there is no neighbour
 	unsigned open;      ///< the neighbour is not in the cavity yet, or there is none
-	unsigned conflict;  ///< not in the cavity yet, and to join it
-	unsigned undecided; ///< not in the cavity yet, and the test was not certain of it
+	unsigned conflict;  ///< not in the cavity yet, and in conflict: it joins the cavity
+	unsigned undecided; ///< not in the cavity yet, and not decided by the test
 	unsigned positive;  ///< the vertex is known to lie strictly on the tetrahedron's side
 
-	/// Facets between the cavity and what stays, or the hull, once nothing is undecided.
+	/// Facets of the cavity boundary, on the hull or not, once nothing is undecided.
 	unsigned boundary() const { return open & ~conflict; }
 };
 
@@ -66,9 +67,9 @@ inline Point3* apexBeyond(const Tet3& tet, std::uintptr_t mix, int i, const Tet3
 	return reinterpret_cast<Point3*>(facet ^ xorOfCorners(neigh));
 }
 
-/// Looks around pTet. `test` is a NeighbourTest, or its first stage, which may leave facets undecided. It is
-/// evaluated for all four neighbours, whether they exist and matter or not: that is cheaper than a
-/// misprediction.
+/// Gathers the neighbours of pTet and tests them together. `test` is a NeighbourTest, or its first stage
+/// alone; either may leave facets undecided. The test is evaluated for all four neighbours, also where there
+/// is none or it is in the cavity already: that is cheaper than a misprediction.
 template <typename Test>
 TULO3D_ALWAYS_INLINE Surroundings lookAround(Tet3* pTet, const Point3& vtx, Test test)
 {
@@ -100,7 +101,7 @@ TULO3D_ALWAYS_INLINE Surroundings lookAround(Tet3* pTet, const Point3& vtx, Test
 Surroundings classifyExactly(
     Tet3* pTet, const Point3& vtx, const BatchTests& tests, const ArdoTest3& predicates);
 
-/// The same, by way of the first stage of Lanes, which nearly always settles everything.
+/// The same result. Tries the first stage of Lanes alone, inlined, which nearly always decides all four.
 template <typename Lanes>
 TULO3D_ALWAYS_INLINE Surroundings lookAround(
     Tet3* pTet, const Point3& vtx, const BatchTests& tests, const ArdoTest3& predicates)

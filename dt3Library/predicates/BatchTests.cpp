@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The batched tests as functions, and the stages behind the first one: doubles with a sharper bound,
-// doubles that are found to be exact, and double-doubles.
+// The batched tests as functions, and the stages behind the first one: a filter in doubles with a sharper
+// bound, doubles that are proved to be exact, and a filter in double-doubles.
 #include "predicates/BatchTests.h"
 #include "predicates/BatchTestsSimd.h"
 
@@ -97,7 +97,7 @@ TULO3D_ALWAYS_INLINE LaneVerdicts<Lanes> fastStage(const LaneStage<Lanes>& s)
 	    (Flags<Lanes>)(s.d.xyz > kFacetBound * s.facetSum)};
 }
 
-/// Doubles that happen to be exact, as on a lattice, where ever so many determinants are zero.
+/// Doubles that happen to be exact, as on a lattice, where many determinants are exactly zero.
 ///
 /// Let every difference of a lane be a multiple of g and at most 2^8 g in magnitude. Then a column
 /// sum is at most 2^10 g, that of the lifts less than 2^20 g^2, and all values on the way to the
@@ -153,7 +153,7 @@ TULO3D_ALWAYS_INLINE void doubleDoubleStage(const Group<Lanes>& group, const Poi
 	verdicts.outside |= (Flags<Lanes>)(det > bound);
 }
 
-/// The other stages, for a group with a lane in doubt.
+/// The other stages, for a group with an undecided lane.
 template <typename Lanes>
 TULO3D_ALWAYS_INLINE LaneVerdicts<Lanes> decideSlowly(
     const Group<Lanes>& group, const Point3& query)
@@ -166,7 +166,7 @@ TULO3D_ALWAYS_INLINE LaneVerdicts<Lanes> decideSlowly(
 	return verdicts;
 }
 
-// Settling is kept out of line, or its registers would burden the ordinary case.
+// Out of line (noinline): inlined, the slow stages would cost the hot path registers (spills).
 
 __attribute__((noinline)) NeighbourVerdicts decideSlowlyPortable(
     const NeighbourBatch& batch, const Point3& query)

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The in-sphere tests of a cavity, four at a time: one point against the neighbours of one
-// tetrahedron, which share its corners.
+// The predicates in batches of four (SIMD): one query point against the four facets of a tetrahedron, or
+// against the circumspheres of its four neighbours, which share its corners.
 #pragma once
 
 #include "Point3.h"
@@ -15,8 +15,8 @@ struct NeighbourBatch
 	Point3* opposite[4];
 };
 
-/// What is certain, one bit for each facet. A bit that is set is the exact sign; where neither
-/// `inside` nor `outside` has it, the adaptive test has to decide.
+/// What the test has decided, one bit for each facet. A set bit is the exact sign; where neither `inside`
+/// nor `outside` is set, the adaptive test has to decide.
 struct NeighbourVerdicts
 {
 	unsigned inside;   ///< the query point lies strictly inside the sphere of the neighbour
@@ -42,17 +42,17 @@ struct BatchTests
 {
 	NeighbourTest neighbours; ///< all stages
 	FacetTest facets;
-	bool bAvx2; ///< loops that have them compiled in are to be those for AVX2
+	bool bAvx2; ///< loops with an inlined first stage: call those for AVX2
 };
 
-/// Certain of nothing. The stages behind the first one have no allowance for products that underflow;
-/// where such coordinates are in the mesh, this takes their place.
+/// Leaves everything undecided. The stages behind the first one have no allowance for products that
+/// underflow; once a coordinate below 1e-45 is stored, this function replaces them.
 NeighbourVerdicts decideNothing(const NeighbourBatch& batch, const Point3& query);
 
 /// For any CPU.
 extern const BatchTests kPortableTests;
 
-/// With four doubles to a register; null where the CPU or the compiler has none such.
+/// For AVX2, with four doubles to a register; null where the CPU or the compiler does not support it.
 const BatchTests* avx2Tests();
 
 /// The fastest variant for this CPU.

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The first stage of the batched tests, to be compiled into the loops that use it: doubles side by
-// side, with a bound for their error. SphereDeterminant.h has the formula and the bounds.
+// The first stage of the batched tests, inlined into the loops that use it: a floating-point filter on
+// two or four facets at a time. SphereDeterminant.h has the formula and the bounds.
 #pragma once
 
 #include "geometry/TetIndices.h"
@@ -158,7 +158,7 @@ TULO3D_ALWAYS_INLINE SphereRow<Lanes> rowsOf(const Points<Lanes>& p, const Point
 	return sphereRow<Lanes>(p.x - query.x(), p.y - query.y(), p.z - query.z());
 }
 
-/// Doubles with a bound that is cheap and generous. It nearly always settles everything.
+/// Doubles with a cheap, generous bound, which nearly always decides all lanes.
 template <typename Lanes>
 TULO3D_ALWAYS_INLINE LaneVerdicts<Lanes> quickStage(
     const SphereRow<Lanes>& own, const SphereRow<Lanes>& other, const SphereRow<Lanes>& beyond)
@@ -279,7 +279,7 @@ struct HalfBatches
 
 #else
 
-/// Without vector types nothing is certain here; the adaptive tests decide.
+/// Without vector types this stage decides nothing; the adaptive tests do.
 struct HalfBatches
 {
 	static NeighbourVerdicts verdicts(const NeighbourBatch&, const Point3&) { return {0, 0, 0}; }

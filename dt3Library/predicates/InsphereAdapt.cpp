@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The in-sphere test once the fast stage is in doubt.
+// The stages of the in-sphere test behind the filter.
 #include "predicates/Expansion.h"
 #include "predicates/ShewchukStages.h"
 #include "predicates/SphereDeterminant.h"

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The orientation test once the fast stage is in doubt.
+// The stages of the orientation test behind the filter.
 #include "predicates/Expansion.h"
 #include "predicates/ShewchukStages.h"
 

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
-// The stages behind the fast one. Each is a function of its own, so that one can ask which decided.
+// The adaptive stages behind the filter. Each is a function, so that a test can tell which one decided.
 #pragma once
 
 #include "ArdoTest3.h"
 
 namespace TULO3D {
 
-/// What a stage found: a value near the determinant, and whether its sign is certain.
+/// The result of a stage: an approximation of the determinant, and whether its sign is certain.
 struct StageResult
 {
 	double det;
@@ -50,8 +50,8 @@ struct InsphereRows
 	double cexTail, ceyTail, cezTail, dexTail, deyTail, dezTail;
 };
 
-/// Between the fast stage and B: double-doubles, which settle nearly all nearly cospherical points at
-/// a tenth of the cost.
+/// Between the filter and B: a filter in double-doubles, which decides most nearly cospherical points at a
+/// tenth of the cost of B.
 StageResult insphereDoubleDouble(const Point3& a, const Point3& b, const Point3& c, const Point3& d,
     const Point3& e, double permanent);
 /// B: exact in the rounded differences.

@@ -34,7 +34,7 @@
 // Nothing overflows for coordinates up to 1e60. Products underflow where some are nonzero and below
 // 1e-45: then kLostInQuickStage is what that can take from a determinant whose points are all nearer
 // than 1; where they are not, it is hidden by the bound, which grows with the third or fifth power of
-// their distances. The other bounds have no such allowance, and are not asked then.
+// their distances. The other bounds have no such allowance, and are not used then.
 #pragma once
 
 #include "ardo_tools/Inline.h"

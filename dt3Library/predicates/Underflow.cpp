@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The determinants in whole numbers: all coordinates as multiples of their smallest common bit.
+// The determinants in exact integers: all coordinates as multiples of their smallest common bit.
 #include "predicates/Underflow.h"
 #include "predicates/SphereDeterminant.h"
 
@@ -12,8 +12,8 @@ namespace TULO3D {
 
 namespace {
 
-/// A whole number of either sign, on the stack. Doubles of at most 1e60 are 1274 bits long when
-/// counted from the smallest one; five factors and the sums around them fit.
+/// A signed big integer of fixed capacity, on the stack. Doubles of at most 1e60 have 1274 bits above the
+/// smallest denormal one; products of five of them and their sums fit.
 class Whole
 {
 public:
@@ -29,7 +29,7 @@ public:
 	}
 	~Whole() = default;
 
-	/// v / 2^exponent, which must be whole.
+	/// v / 2^exponent, which must be an integer.
 	Whole(double v, int exponent) : bNegative(v < 0)
 	{
 		int top = 0;

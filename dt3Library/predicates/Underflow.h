@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
-// Signs where coordinates are so small that products of them underflow.
+// Exact signs where coordinates are so small that products of them underflow.
 //
-// Error bounds are relative to what was computed. Where a product comes out as zero, or loses bits at
-// the end of the range of doubles, they promise too much, and expansions are no longer exact.
+// Error bounds are relative to the computed magnitudes. Where a product underflows to zero or to a denormal
+// number, such a bound is too small, and expansions are no longer exact.
 #pragma once
 
 #include "Point3.h"
@@ -11,8 +11,8 @@
 
 namespace TULO3D {
 
-// What is lost when products underflow, in the fast stages: less than 2^-1022 in each, should the host
-// have the processor flush small numbers to zero, times what it is multiplied with later on.
+// Allowances of the filters for underflow: each product loses less than 2^-1022 (the host may have set the
+// processor to flush denormal numbers to zero), times the factors that it is multiplied by afterwards.
 // Differences of coordinates are at most 2e60. In orient3d there are some 16 products, with one more
 // difference each; in insphere less than 256, with three.
 constexpr double kLostInOrient3d = 1e-244;
@@ -28,7 +28,7 @@ inline bool mayUnderflow(const Point3& p)
 	return isTiny(p.x()) | isTiny(p.y()) | isTiny(p.z());
 }
 
-/// The same for several points; every one is looked at, which costs less than a misprediction.
+/// The same for several points; all are tested, which costs less than a misprediction.
 template <typename... Points>
 bool mayUnderflow(const Point3& p, const Points&... others)
 {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The Hilbert key: the place of a point on the curve through nine levels of octants of the box.
+// The Hilbert key: the position of a point on the curve through nine levels of octants of the box.
 #include "HC3.h"
 
 namespace TULO3D {
@@ -51,7 +51,7 @@ std::uint32_t HC3::hilbertIndex(const Point3& point) const
 		const bool bx = dx >= hx;
 		const bool by = dy >= hx;
 		const bool bz = dz >= hx;
-		dx -= bx * hx; // a product, not a branch, which would be wrong half of the time
+		dx -= bx * hx; // branch-free: the bit is random
 		dy -= by * hy;
 		dz -= bz * hz;
 		const unsigned octant = 4U * bx + 2U * by + 1U * bz;

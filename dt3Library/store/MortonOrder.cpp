@@ -14,15 +14,15 @@ namespace {
 constexpr unsigned kLevels = 21;
 constexpr unsigned kKeyBits = 27;
 
-/// A point and its place in Morton order.
+/// A point and its position on the Morton curve.
 struct KeyedPosition
 {
-	std::uint32_t key; // the first bits of the place: they tell most points apart
+	std::uint32_t key; // the leading bits of `place`: they tell most points apart
 	std::uint32_t position;
 	std::uint64_t place;
 };
 
-/// A range along one axis that holds all but the outermost of the points.
+/// The interquantile range of the points along one axis, from 1/64 to 63/64, enlarged to three times.
 struct Range
 {
 	double low;

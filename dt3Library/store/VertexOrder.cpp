@@ -97,7 +97,7 @@ VertexOrder::Position VertexOrder::insertAt(Position at, IdxVtx* pItem)
 
 void VertexOrder::append(IdxVtx* pItem)
 {
-	// Not filled to the brim, or single items still to come would split every chunk at once.
+	// A load factor of 7/8: full chunks would all be split by the next few single insertions.
 	constexpr std::size_t kFill = kCapacity - kCapacity / 8;
 	if (chunks.empty() || chunks.back().size() >= kFill) {
 		chunks.emplace_back(pItem);
@@ -112,7 +112,7 @@ void VertexOrder::merge(VertexOrder&& others)
 	if (numItems == 0) return swap(others);
 	std::vector<IdxVtx*> vNew;
 	others.list(vNew);
-	// A few items find their places one by one; many are worth a pass over the whole set.
+	// A few items are inserted one by one; for many, a merge of the whole set is faster.
 	if (vNew.size() < numItems / 16) {
 		for (IdxVtx* pItem : vNew) insertAt(lowerBound(*pItem), pItem);
 		return;

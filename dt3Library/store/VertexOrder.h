@@ -12,8 +12,8 @@
 
 namespace TULO3D {
 
-/// Sort record: a vertex and its place on the curve. During a lookup the vertex may be the caller's
-/// point, or null.
+/// Sort record (an item): a vertex and its position on the curve. During a lookup the vertex may be the
+/// caller's point, or null.
 struct IdxVtx
 {
 	std::uint32_t key;
@@ -35,13 +35,13 @@ struct Func_ltIdxVtxPtr
 
 /// An ordered set of item pointers. The items are not owned.
 ///
-/// It is a sequence of sorted chunks, dense enough to be read at memory speed. The items of the first
-/// batch follow one another in memory as they do along the curve, and a chunk of such items needs no
-/// list of them; any other takes 12 to 24 bytes an item, where a tree of nodes takes 48.
+/// It is a sequence of sorted chunks, like the leaves of a B-tree, dense enough to be read at memory speed.
+/// The items of the first batch are consecutive in memory in curve order, and a chunk of such items stores
+/// only the first; any other chunk stores 12 to 24 bytes an item, where a tree of nodes takes 48.
 class VertexOrder
 {
 public:
-	/// A place in the order: an item, or the end.
+	/// A position in the order: an item, or the end.
 	struct Position
 	{
 		std::size_t chunk;
@@ -54,16 +54,16 @@ public:
 	bool isEnd(Position at) const { return at.chunk == chunks.size(); }
 	IdxVtx* operator[](Position at) const { return chunks[at.chunk][at.offset]; }
 
-	/// The place behind `at`, which is not the end.
+	/// The position behind `at`, which is not the end.
 	Position next(Position at) const;
-	/// The place before `at`, which is not the beginning.
+	/// The position before `at`, which is not the beginning.
 	Position previous(Position at) const;
 	bool isBegin(Position at) const { return at.chunk == 0 && at.offset == 0; }
 
 	/// The first item that is not before `probe`.
 	Position lowerBound(const IdxVtx& probe) const;
 
-	/// Inserts an item at its place, which `lowerBound` has found, and returns it there.
+	/// Inserts an item at its position, found by `lowerBound`, and returns where it is then.
 	Position insertAt(Position at, IdxVtx* pItem);
 
 	/// Inserts an item that comes behind all others.
@@ -105,7 +105,8 @@ private:
 		void cut(std::size_t n);
 
 	private:
-		// A search reads keys alone, until two are equal.
+		// A search reads keys alone, until two are equal: it touches a few cache lines instead of one item
+		// after the other.
 		struct List
 		{
 			std::uint32_t keys[kCapacity];
@@ -118,7 +119,7 @@ private:
 		}
 		void makeList();
 
-		IdxVtx* pFirst; // they follow one another from here, as long as there is no list
+		IdxVtx* pFirst; // of consecutive items, as long as there is no list
 		std::unique_ptr<List> list;
 		std::size_t count = 1;
 		std::uint32_t lastKey;
