@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The points of an uncompressed LAS file, versions 1.0 to 1.4: whole numbers times scale plus offset.
+// The points of an uncompressed LAS file, versions 1.0 to 1.4: integers times scale plus offset.
 #include "Bytes.h"
 #include "Errors.h"
 #include "Reader.h"

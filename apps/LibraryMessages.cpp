@@ -55,7 +55,7 @@ int LibraryMessages::sync()
 {
 	if (!bPassing) bPassing = isTrouble(held);
 	if (bPassing) release();
-	// Notices are few; a flood of them is cut, so that it costs neither memory nor time.
+	// Notices are few; of very many, the rest is dropped, to bound memory and time.
 	if (held.size() > 65536) held.erase(0, held.size() - 32768);
 	return 0;
 }

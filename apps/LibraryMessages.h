@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Keeps what the library prints away from standard output, which belongs to the program's results.
+// Redirects the library's messages, because standard output is for the program's results.
 #pragma once
 
 #include <ostream>
@@ -10,10 +10,10 @@ namespace app {
 
 /// While an object lives, all messages that the library prints in its thread come here.
 ///
-/// Ordinary notices are held back; the first message of trouble lets them out on standard error, all
-/// that follow pass at once, and so does everything when `bPass` is set. What is still held when the
-/// object dies is let out too, unless `dismiss` was called: the library may end the process, and then
-/// its last words say why. So the object has to be a static one.
+/// Notices are buffered; the first error or warning flushes the buffer to standard error, and all later
+/// messages go there directly, as all do when `bPass` is set. The destructor flushes the buffer too,
+/// unless `dismiss` was called: the library may end the process, and its last message says why. So the
+/// object has to be a static one.
 class LibraryMessages : private std::streambuf
 {
 public:
@@ -22,9 +22,9 @@ public:
 	LibraryMessages(const LibraryMessages&) = delete;
 	LibraryMessages& operator=(const LibraryMessages&) = delete;
 
-	/// The run went well: forgets what is held.
+	/// After a successful run: discards the buffer.
 	void dismiss() { held.clear(); }
-	/// Something went wrong: shows what is held.
+	/// After a failure: flushes the buffer to standard error.
 	void release();
 
 private:

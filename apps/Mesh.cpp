@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Numbering the mesh, and the audit of its links.
+// Numbering the mesh, and the check of its links.
 #include "Mesh.h"
 
 #include <algorithm>

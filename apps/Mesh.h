@@ -40,10 +40,9 @@ void forEachHullFacet(const Mesh& mesh, Visit visit)
 			if (!pTet->getOppTet(i)) visit(pTet, i);
 }
 
-/// Audits the links of the whole mesh with nothing but its records: neighbours know each other and
-/// share their facet, every vertex knows a tetrahedron that has it, the hull is closed, and
-/// V - E + F - T = 1. Returns what is wrong, or null. Together with the library's own check, which
-/// looks at the geometry, this leaves little that could be broken.
+/// Checks the links of the whole mesh: neighbours point to each other and share their facet, every vertex
+/// has an incident tetrahedron that has it as a corner, the hull is closed, and V - E + F - T = 1. Returns
+/// what is wrong, or null. The library's own check, which tests the geometry, complements this one.
 const char* findBrokenLink(const Mesh& mesh);
 
 } // namespace app

@@ -21,7 +21,8 @@ constexpr std::size_t kBufferSize = std::size_t{1} << 20;
 #ifdef _WIN32
 constexpr const char* kNewFile = "wb";
 #else
-constexpr const char* kNewFile = "wbx"; // never an existing file, nor through somebody's link
+constexpr const char* kNewFile =
+    "wbx"; // never an existing file, nor through a link that another user has made
 #endif
 
 } // namespace

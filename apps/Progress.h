@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What a person sees on the terminal while a run lasts, and the warnings.
+// The progress line on the terminal, and the warnings.
 #pragma once
 
 #include <chrono>
@@ -12,10 +12,10 @@
 
 namespace app {
 
-/// True when a person sits at the other end.
+/// True when the stream is a terminal.
 bool isTerminal(std::FILE* pFile);
 
-/// One line on standard error that is written over and over, and only when that is a terminal.
+/// One line on standard error that is overwritten repeatedly, and only when that is a terminal.
 class Progress
 {
 public:

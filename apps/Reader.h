@@ -14,7 +14,7 @@ namespace app {
 
 class Progress;
 
-/// A file as it was read, whole: no reader can be left with half of one.
+/// The whole contents of a file.
 struct Source
 {
 	std::string name;
@@ -22,7 +22,7 @@ struct Source
 	Progress& progress;
 };
 
-/// The points that were read. Nothing enters that the mesh would refuse later.
+/// The points that were read. Checks each of them as the mesh will do later.
 class PointList
 {
 public:

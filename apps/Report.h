@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What a run has to tell: the lines for a person, the statistics, and the same as JSON.
+// The results of a run: the summary as text, the statistics, and both as JSON.
 #pragma once
 
 #include "Mesh.h"
@@ -21,7 +21,7 @@ struct Measured
 	bool bValid = false;
 };
 
-/// A line for each fact; `bStatistics` adds those that take a walk over the mesh.
+/// A line for each fact; `bStatistics` adds those that take a traversal of the mesh.
 std::string reportText(const Measured& measured, const Mesh& mesh, bool bStatistics);
 /// One JSON object with every fact, statistics included.
 std::string reportJson(const Measured& measured, const Mesh& mesh);

@@ -29,7 +29,7 @@ double timed(Work work)
 	return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
 }
 
-// A mistake in the names is found before the work, not after it.
+// Output names are checked before the computation, not after it.
 void checkOutputNames(const Options& options)
 {
 	for (const auto& output : options.vOutputs)
@@ -118,7 +118,7 @@ int main(int argc, char** argv)
 {
 	app::Options options;
 	if (const auto status = app::parseCommandLine(argc, argv, options)) return *status;
-	// Static, so that it speaks even when the library ends the process.
+	// Static: its destructor flushes the messages also when the library ends the process.
 	static app::LibraryMessages messages(options.bVerbose);
 	const auto fail = [](const char* text, app::ExitStatus status) {
 		if (status == app::kLibraryGaveUp || status == app::kNotValid) messages.release();

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Reads the accounts that Linux keeps of a process.
+// Reads CPU time and memory from the statistics that Linux keeps of a process.
 #include "Meter.h"
 
 #include <sys/resource.h>

@@ -113,7 +113,7 @@ void run(const Options& options)
 	    residentBefore, peak, pBackend->numVertices(), numTets, count, perSecond(size),
 	    perSecond(numTets));
 	std::fflush(stdout);
-	// The process ends without taking the mesh down: nobody looks at that time.
+	// The process ends without destroying the mesh: that time is not measured.
 	std::_Exit(0);
 }
 

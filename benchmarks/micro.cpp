@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// How long the small operations inside take, each by itself and with everything in the cache.
+// Micro-benchmarks of the library's internal operations, each by itself and with a warm cache.
 #include "../inputs/points.h"
 #include "Dt3.h"
 #include "predicates/ShewchukStages.h"
@@ -312,7 +312,7 @@ void locate(State& state)
 }
 BENCHMARK(locate)->Arg(1000)->Arg(100000);
 
-/// From where the last walk ended: across half of the mesh.
+/// Starts where the last walk ended: across half of the mesh.
 void walkAcross(State& state)
 {
 	Tet3* pTet = nullptr;

@@ -4,9 +4,10 @@
 
 Every measurement is a process of its own, pinned to one core. The libraries of a row take turns,
 forwards and backwards, and a ratio is made of two neighbouring measurements, so that a machine that
-slows down hurts both. Before each one some memory is touched and set free again: the host of a virtual
-machine may take back what lies unused, and getting it again would be paid for by whoever comes first or
-needs more than the one before. All measurements go to a CSV file; the table shows medians.
+slows down affects both. Before each measurement, memory is touched and freed again: the host of a virtual
+machine may take back unused memory, and otherwise the measurement that comes first, or needs more than the
+one before, would include the cost of getting it again. All measurements go to a CSV file; the table shows
+medians.
 """
 import argparse
 import collections

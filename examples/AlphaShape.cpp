@@ -11,7 +11,7 @@ using TULO3D::Tet3;
 
 namespace {
 
-/// True when the ball is too large to pass: the sphere through the corners is smaller.
+/// True when the circumsphere is smaller than the ball, which therefore cannot pass.
 bool staysInShape(const Tet3& tet, double alpha)
 {
 	const TULO3D::Vector3 r = *tet.getCorner(0) - tet.getCircumcenter();

@@ -20,7 +20,7 @@ static std::vector<TULO3D::Tet3*> tetsAround(const Edge3& edge)
 		if (it == start) return ring; // an inner edge: all the way round
 		ring.push_back(*it);
 	}
-	// A hull edge: what is left lies the other way. Swapped indices turn the edge round.
+	// A hull edge: the other tetrahedra are reached in the other direction. Swapped indices reverse the edge.
 	const Edge3 reversed(edge.getTet(), edge.getOpp2Index(), edge.getOpp3Index());
 	TetAroundEdgeIterator back(reversed);
 	while (!back.nextIsNull()) {

@@ -8,7 +8,7 @@
 int main()
 {
 	std::vector<TULO3D::Point3> points;
-	TULO3D::generateRandomPoints(60, 0, 1, points, 1); // 40 points, two thirds of what one asks for
+	TULO3D::generateRandomPoints(60, 0, 1, points, 1); // 40 points, two thirds of the number given
 	TULO3D::Tulo_3D mesh;
 	std::vector<TULO3D::Point3*> handles;
 	mesh.insert(points, handles);

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// A fuzz target: bytes become insertions and queries, and whatever they are, the mesh is right. A
-// byte chooses the step; each point begins with a byte that says how its coordinates follow.
+// A fuzz target: interprets bytes as insertions and queries, and checks the mesh. A byte chooses the step;
+// each point begins with a byte that says how its coordinates are encoded.
 #include "oracle.h"
 #include "support.h"
 

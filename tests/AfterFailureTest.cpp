@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// After each failure that a host can cause, an engine is as if nothing had happened.
+// A call that fails leaves an engine as it was, for each failure that a host can cause.
 #include "support.h"
 
 #include <functional>
@@ -34,7 +34,7 @@ const Failure kFailures[] = {
 
 } // namespace
 
-TEST(AfterFailure, AnEngineIsAsIfNothingHadHappened)
+TEST(AfterFailure, AnEngineIsAsItWasBefore)
 {
 	for (const Cloud& start : {Cloud(), points::make("FlatGrid", 9), points::make("Uniform", 30)}) {
 		const Cloud more = points::make("Uniform", 40, 2);
@@ -86,7 +86,7 @@ TEST(AfterFailure, MarksThatTheHostLeftAreRefusedAndForgottenOnceCleared)
 	EXPECT_VALID(mesh);
 }
 
-TEST(AfterFailure, WhateverIsLeftMarkedTheMeshStaysRight)
+TEST(AfterFailure, MarksLeftOnAnyTetrahedraDoNotDamageTheMesh)
 {
 	points::Random random(11);
 	int numRefused = 0;
@@ -112,7 +112,7 @@ TEST(AfterFailure, WhateverIsLeftMarkedTheMeshStaysRight)
 			EXPECT_VALID(mesh) << "round " << round;
 			continue;
 		}
-		// What was stored is out of the mesh, until it is asked for; of a batch, what had not had its turn.
+		// The stored vertices (of a batch, those not inserted yet) stay out of the mesh until insertLeftOut.
 		std::size_t numLeftOut = 0;
 		for (const Point3* pVtx : mesh.vertices()) numLeftOut += pVtx->getOneTet() == nullptr;
 		EXPECT_TRUE(numLeftOut == cloud.size() || (bBatch && numLeftOut > 0)) << "round " << round;

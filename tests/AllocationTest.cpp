@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Memory that runs out, at each allocation in turn: the documented stop or std::bad_alloc, and then a
-// mesh that says so. The linker leads all calls of the library to the functions below.
+// Out of memory at each allocation in turn: the documented stop or std::bad_alloc, and then a mesh that
+// refuses every call. The linker redirects all calls of the library to the functions below.
 #include "ardo_tools/SimplePool.h"
 #include "support.h"
 
@@ -70,7 +70,7 @@ std::vector<Scenario> makeScenarios()
 	for (Point3& p : shifted) p = p + Vector3(0.1, 0.2, 0.3);
 	shifted.resize(40);
 	for (int i = 0; i < 20; ++i) outside.emplace_back(9 + i, i % 3 - 8, i % 5 - 6);
-	// In random order as far as the curve can tell: cavities are searched ahead when memory ends.
+	// All in one cell of the curve, so in random order: memory ends while cavities are searched ahead.
 	Cloud jumping = points::make("Uniform", 15000);
 	for (int i = 0; i < 8; ++i) {
 		jumping.emplace_back(i & 1 ? 5000 : -5000, i & 2 ? 5000 : -5000, i & 4 ? 5000 : -5000);

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
-// Every variant of the batched in-sphere test against the oracle: what is certain is right, and all
-// variants are certain of the same.
+// Every variant of the batched predicates against the oracle: decided signs are exact, and all variants
+// decide the same ones.
+#include "predicates/BatchTests.h"
 #include "Dt3.h"
 #include "geometry/TetIndices.h"
 #include "oracle.h"
 #include "points.h"
-#include "predicates/BatchTests.h"
 #include "predicates/BatchTestsSimd.h"
 #include "support.h"
 
@@ -17,13 +17,13 @@
 
 using namespace TULO3D;
 
-TEST(BatchTests, NoVariantIsCertainOfAWrongSign)
+TEST(BatchTests, NoVariantDecidesAWrongSign)
 {
 	const BatchTests* variants[] = {&kPortableTests, avx2Tests()};
 	points::Random random(5);
 	int numOf[6] = {}; // undecided, inside, outside, positive; the same side, beyond
 	for (const points::Family& family : points::families()) {
-		// Where products underflow the engine asks the first stage only.
+		// Where products underflow the engine uses the first stage only.
 		const bool bUnderflow = family.name.rfind("Denormals", 0) == 0;
 		const points::Cloud cloud =
 		    bUnderflow ? points::make("SmallIntegers", 300) : family.make(300, 1);
@@ -84,7 +84,7 @@ TEST(BatchTests, EveryVariantMakesTheSameMesh)
 		points::Cloud copy = cloud;
 		std::vector<Point3*> handles;
 		engine.insert(copy, handles);
-		for (const Point3& p : cloud) { // and the way of single points, beside the others
+		for (const Point3& p : cloud) { // and by single insertions
 			Point3 beside(p.x() + 0.25, p.y() - 0.125, p.z() + 0.5);
 			engine.insert(beside);
 		}

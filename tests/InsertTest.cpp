@@ -20,7 +20,8 @@ struct Heavy : testing::TestWithParam<std::pair<const char*, int>>
 
 TEST(Insert, ASinglePointWithoutAStartFindsOne)
 {
-	// (1, 1, 0) comes while all is flat and gets no tetrahedron; it is next to the last on the curve.
+	// (1, 1, 0) comes while all points are coplanar and gets no tetrahedron; on the curve it is next to the
+	// last point.
 	Recorded mesh;
 	for (const Point3& p :
 	    {Point3(0, 0, 0), Point3(1, 0, 0), Point3(0, 1, 0), Point3(1, 1, 0), Point3(0, 0, 1)})
@@ -51,7 +52,7 @@ TEST(Insert, CoplanarSinglesStayOutUntilTheyComeAgain)
 
 TEST(Insert, WhatWasLeftOutEntersTogether)
 {
-	// A scan line by line: the first one, alone, is flat.
+	// A scan inserted line by line: the first line alone is coplanar.
 	Recorded r;
 	for (int x = 0; x < 40; ++x) r.insert(Point3(x, 0, (x * x) % 7));
 	for (int x = 0; x < 40; ++x) r.insert(Point3(x, 1, (x * x) % 5));
@@ -157,7 +158,7 @@ TEST(Insert, KnownPointsGetTheirVerticesAndChangeNothing)
 
 TEST(Insert, VerticesWithEqualKeysAreWalkedToWithoutTheWatchdog)
 {
-	// Their keys are equal: walks start in Morton order, and cavities are found ahead.
+	// Their keys are equal: walks start at neighbours in Morton order, and cavities are searched ahead.
 	Cloud cloud = points::make("NeedleBox", 60000);
 	Tulo_3D mesh;
 	const std::string printed = support::printedBy([&] {
@@ -173,8 +174,8 @@ TEST(Insert, VerticesWithEqualKeysAreWalkedToWithoutTheWatchdog)
 
 TEST(Insert, CavitiesFoundAheadMakeTheSameTetrahedra)
 {
-	// Points far out send all others into one cell of the curve, and so in random order. On the lattice
-	// cavities touch that are looked for at the same time, and many of its vertices lie on one sphere.
+	// Outliers put all other points into one cell of the curve, so their order is random. On the lattice,
+	// cavities that are searched at the same time touch, and many vertices are cospherical.
 	points::Random random(4);
 	Cloud general, lattice;
 	for (int i = 0; i < 20000; ++i) general.push_back(random.point(0, 1));

@@ -137,9 +137,9 @@ TEST_F(Link, PairsEveryFacetHoweverManyShareASlot)
 	}
 }
 
-TEST_F(Link, AHalfThatIsLeftOverIsReported)
+TEST_F(Link, AFacetHalfWithoutAPartnerIsReported)
 {
-	// A live tetrahedron left marked is taken for one of the cavity, and its facet is not filled.
+	// A live tetrahedron with a cavity mark is taken for one of the cavity, so its facet is not closed.
 	Tet3 *pT = make(), *pU = make(4, 1, 3, 2);
 	Dt3::registerTets(pT, 0, pU, 0);
 	CavityMark::set(*pU);
@@ -153,7 +153,7 @@ TEST_F(Link, AHalfThatIsLeftOverIsReported)
 	    conditionFailedBy([&] { engine.insertVertex(&pVtx, pU); }), "!pCurTet->hasBeenVisited");
 }
 
-TEST_F(Link, AWalkInACircleIsTakenUpAThousandTimes)
+TEST_F(Link, AWalkInACycleIsContinuedAThousandTimes)
 {
 	// Beyond facet 1 of each of three tetrahedra lies the next one, and the point.
 	Tet3* ring[] = {make(), make(), make()};

@@ -48,7 +48,7 @@ int placeIn(const Tet3* pTet, const Point3& p)
 	return place;
 }
 
-/// What the walk's result reservations, held against all tetrahedra.
+/// Checks the result of a walk against a search of all tetrahedra.
 void expectTrue(const Filled& mesh, int result, const Tet3* pTet, const Point3& p)
 {
 	int place = -1;
@@ -121,7 +121,7 @@ TEST(Locate, EmptyFlatAndRefusedQueriesGiveNull)
 	for (const Point3& p : points::refused()) EXPECT_EQ(r.mesh.locate(p), nullptr);
 }
 
-TEST(Locate, AQuestionLeavesTheTestsAsTheyAre)
+TEST(Locate, AQueryDoesNotReplaceThePredicates)
 {
 	Filled mesh(points::make("Lattice", 64));
 	const NeighbourTest allStages = bestTests().neighbours;

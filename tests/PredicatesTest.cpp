@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Both predicates against the oracle on nearly degenerate cases, stage by stage.
+// Both predicates against the oracle on degenerate and nearly degenerate cases, stage by stage.
 #include "oracle.h"
 #include "predicates/ShewchukStages.h"
 #include "support.h"
@@ -85,7 +85,7 @@ int parity(const Order& p)
 	return sign;
 }
 
-/// Counts which stage decides, and holds every stage that reservations to be certain against the truth.
+/// Counts which stage decides, and checks every stage that claims to be certain against the exact sign.
 struct Stages
 {
 	void expect(int truth, const ArdoTest3::FastStage& fast, const StageResult& b,

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The vertex store: the curve by its laws, folding and order against plain references, and the
+// The vertex store: the curve by its laws, duplicates and order against plain references, and the
 // margins of the box.
 #include "HC3.h"
 #include "support.h"
@@ -108,7 +108,7 @@ TEST(VertexStore, KeysCompareEveryAxisWithTheHalfWidthInX)
 	EXPECT_EQ(store.hilbertIndex(Point3(0, 0.6, 0)), store.hilbertIndex(Point3(0, 1.9, 0)));
 }
 
-TEST(VertexStore, FoldsAndOrdersLikeASet)
+TEST(VertexStore, MergesDuplicatesAndOrdersLikeASet)
 {
 	points::Random random(5);
 	for (const char* family : {"SmallIntegers", "Uniform", "NeedleBox", "EachOutside",

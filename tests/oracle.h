@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The true signs of the two questions, found independently of the library.
+// The exact signs of the two predicates, computed independently of the library.
 #pragma once
 
 #include "Point3.h"

@@ -2,7 +2,7 @@
 // The whole-mesh verifier.
 //
 // Positive tetrahedra with mutual links, an empty sphere across every facet and a closed convex hull
-// make the mesh Delaunay as a whole; the count V - E + F - T = 1 excludes a mesh wound up twice.
+// make the mesh Delaunay as a whole; the count V - E + F - T = 1 excludes a mesh that covers space twice.
 #include "verifier.h"
 
 #include "oracle.h"
