@@ -220,8 +220,9 @@ public:
 	std::vector<Surface3*> vSurfaces;
 	Tulo_3D* pOwner;
 	bool bVerbose;
-	BatchTests batchTests;   ///< the variant for this CPU
-	bool bLooksAhead = true; ///< false: every vertex is inserted as if it were alone
+	bool bLooksAhead = true;  ///< false: every vertex is inserted as if it were alone
+	bool bUnfinished = false; ///< storing and inserting has begun, and not ended
+	BatchTests batchTests;    ///< the variant for this CPU
 
 private:
 	// Dt3Insert.cpp
@@ -306,7 +307,6 @@ private:
 	ScratchArray<CavityTet> vCavityStack;
 	ScratchArray<CavityFacet> vCavityFacets;
 	FlatWitness flatWitness;
-	bool bUnfinished = false; ///< storing and inserting has begun, and not ended
 	int* pNextLabel = &Tet3::runningLabel;
 	std::size_t numFacetTests = 0;   ///< made by walks, since `triangulate` last reset it
 	StarLinker star;                 ///< the tetrahedra that the current insertion makes

@@ -38,6 +38,7 @@ public:
 	/// Deliberate: unlike the copy constructor, assignment copies the incident tetrahedron too.
 	Point3& operator=(const Point3& other)
 	{
+		if (this == &other) return *this;
 		exchange(other.px, other.py, other.pz);
 		pOneTet = other.pOneTet;
 		customIndex = other.customIndex;

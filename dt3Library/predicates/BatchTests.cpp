@@ -220,7 +220,7 @@ FacetSides testFacetsPortable(const Point3* const (&corner)[4], const Point3& qu
 
 } // namespace
 
-NeighbourVerdicts decideNothing(const NeighbourBatch&, const Point3&)
+NeighbourVerdicts decideNothing(const NeighbourBatch& /*batch*/, const Point3& /*query*/)
 {
 	return {0, 0, 0};
 }
