@@ -51,8 +51,9 @@ private:
 
 bool Dt3::isInRange(const Point3& p)
 {
-	return (std::abs(p.x()) <= kMaxCoordinate) & (std::abs(p.y()) <= kMaxCoordinate) &
-	    (std::abs(p.z()) <= kMaxCoordinate); // false for NaN
+	const auto fits = [](double v) { return int{std::abs(v) <= kMaxCoordinate}; }; // 0 for NaN
+	return (fits(p.x()) & fits(p.y()) & fits(p.z())) !=
+	    0; // without branches: for all points of a batch
 }
 
 void Dt3::expectFinished() const

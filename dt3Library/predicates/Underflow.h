@@ -24,15 +24,15 @@ constexpr double kLeastSafe =
 /// True when products of the coordinates may underflow in an exact test.
 inline bool mayUnderflow(const Point3& p)
 {
-	const auto isTiny = [](double v) { return (std::abs(v) < kLeastSafe) & (v != 0.0); };
-	return isTiny(p.x()) | isTiny(p.y()) | isTiny(p.z());
+	const auto isTiny = [](double v) { return int{std::abs(v) < kLeastSafe} & int{v != 0.0}; };
+	return (isTiny(p.x()) | isTiny(p.y()) | isTiny(p.z())) != 0;
 }
 
 /// The same for several points; all are tested, which costs less than a misprediction.
 template <typename... Points>
 bool mayUnderflow(const Point3& p, const Points&... others)
 {
-	return (mayUnderflow(p) | ... | mayUnderflow(others));
+	return (int{mayUnderflow(p)} | ... | int{mayUnderflow(others)}) != 0;
 }
 
 /// The sign of orient3d, negative for a positive order of the corners. Exact whatever underflows.
