@@ -106,12 +106,14 @@ void Dt3::copyTo(const MeshArrays& arrays) const
 			}
 		}
 	}
-	const std::size_t numBytes = 4 * live.size() * sizeof(std::int32_t);
+	const std::size_t numLeft = live.size() - std::min(arrays.firstTet, live.size());
+	const std::size_t numTets = std::min(arrays.numTets, numLeft);
+	const std::size_t numBytes = 4 * numTets * sizeof(std::int32_t);
 	std::int32_t* pCorner = arrays.pCorners;
 	std::int32_t* pNeighbour = arrays.pNeighbours;
 	if (pCorner != nullptr) prefault(pCorner, numBytes);
 	if (pNeighbour != nullptr) prefault(pNeighbour, numBytes);
-	live.forEach([&](const Tet3* pTet) {
+	live.forEach(arrays.firstTet, numTets, [&](const Tet3* pTet) {
 		prefetchTet(pTet + 16);
 		if (pCorner != nullptr) {
 			for (int i = 0; i < 4; ++i) *pCorner++ = pTet->getCorner(i)->getNumber();

@@ -2,6 +2,7 @@
 // The mesh as contiguous arrays of numbers, for files, bindings and other programs.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 
 namespace TULO3D {
@@ -18,6 +19,13 @@ struct MeshArrays
 	    nullptr; ///< a tetrahedron at each vertex; -1 when it is not in the mesh
 	std::int32_t* pCorners = nullptr;    ///< 4 vertices a tetrahedron, in positive order
 	std::int32_t* pNeighbours = nullptr; ///< 4 tetrahedra each, i beyond facet i; -1 on the hull
+
+	///@{
+	/// `pCorners` and `pNeighbours` take `numTets` tetrahedra from number `firstTet` on, or as many as
+	/// there are: all, by default. A mesh can so be read in pieces that need little memory.
+	std::size_t firstTet = 0;
+	std::size_t numTets = SIZE_MAX;
+	///@}
 };
 
 } // namespace TULO3D

@@ -135,7 +135,7 @@ public:
 	std::size_t getNumTetrahedra() const;
 
 	/// Writes the mesh to arrays of the caller, which have room for `getNumVertices` vertices and
-	/// `getNumTetrahedra` tetrahedra.
+	/// `getNumTetrahedra` tetrahedra, or for the tetrahedra of a piece of it.
 	void copyTo(const MeshArrays& arrays) const;
 
 	/// Prints every tetrahedron to standard output under the heading `name`.

@@ -41,6 +41,27 @@ std::vector<std::vector<std::int32_t>> sorted(const Arrays& arrays)
 	return tets;
 }
 
+/// Reads the tetrahedra in pieces. None of them writes more than it should.
+void expectSameInPieces(const Tulo_3D& mesh, const Arrays& whole)
+{
+	constexpr std::size_t kPiece = 97;
+	constexpr std::int32_t kUnset = -7;
+	MeshArrays piece;
+	piece.numTets = kPiece;
+	for (std::size_t first = 0; first <= whole.corners.size(); first += 4 * kPiece) {
+		std::vector<std::int32_t> corners(4 * kPiece + 1, kUnset), neighbours(corners);
+		piece.firstTet = first / 4;
+		piece.pCorners = corners.data();
+		piece.pNeighbours = neighbours.data();
+		mesh.copyTo(piece);
+		const std::size_t num = std::min(4 * kPiece, whole.corners.size() - first);
+		ASSERT_EQ(corners[num], kUnset);
+		ASSERT_EQ(neighbours[num], kUnset);
+		ASSERT_TRUE(std::equal(&corners[0], &corners[num], whole.corners.data() + first));
+		ASSERT_TRUE(std::equal(&neighbours[0], &neighbours[num], whole.neighbours.data() + first));
+	}
+}
+
 /// Holds the arrays against the records, one by one.
 void expectSame(const Recorded& r)
 {
@@ -61,6 +82,7 @@ void expectSame(const Recorded& r)
 		ASSERT_EQ(arrays.corners[i], tets[i / 4]->getCorner(ith)->getNumber());
 		ASSERT_EQ(arrays.neighbours[i], place.at(tets[i / 4]->getOppTet(ith)));
 	}
+	expectSameInPieces(r.mesh, arrays);
 	// Vertices are numbered in the order in which their points first came.
 	std::size_t numSeen = 0;
 	for (const Point3* pVtx : r.handles) {

@@ -4,6 +4,7 @@
 
 #include "Tet3.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <utility>
@@ -30,8 +31,21 @@ public:
 	template <typename Visit>
 	void forEach(Visit visit) const
 	{
+		forEach(0, numTets, visit);
+	}
+
+	/// The same for `num` tetrahedra from number `first` on, as far as there are so many.
+	template <typename Visit>
+	void forEach(std::size_t first, std::size_t num, Visit visit) const
+	{
 		for (const Run& run : runs) {
-			for (Tet3* pTet = run.pFirst; pTet != run.pLast; ++pTet) visit(pTet);
+			const auto length = static_cast<std::size_t>(run.pLast - run.pFirst);
+			const std::size_t numBefore = std::min(first, length);
+			const std::size_t numHere = std::min(num, length - numBefore);
+			Tet3* const pEnd = run.pFirst + numBefore + numHere;
+			for (Tet3* pTet = run.pFirst + numBefore; pTet != pEnd; ++pTet) visit(pTet);
+			first -= numBefore;
+			num -= numHere;
 		}
 	}
 
