@@ -1,109 +1,139 @@
 // SPDX-License-Identifier: MIT
-// Numbering the mesh, and the check of its links.
+// The arrays of the mesh, and the check of its links.
 #include "Mesh.h"
 
-#include <algorithm>
-#include <cstdint>
-
-using TULO3D::Point3;
-using TULO3D::Tet3;
+#include <numeric>
+#include <utility>
 
 namespace app {
 
 namespace {
 
-// An edge as one number, the same in both directions.
-std::uint64_t edgeKey(const Point3* p, const Point3* q)
+using Numbers = std::vector<std::int32_t>;
+
+// The corners of facet i, counter-clockwise from outside.
+constexpr int kOutside[4][3] = {{1, 2, 3}, {0, 3, 2}, {0, 1, 3}, {0, 2, 1}};
+
+// True when neighbour i of the tetrahedron names it in turn, and has its corners but for corner i.
+bool isLinked(const Numbers& vCorners, const Numbers& vNeighbours, std::size_t tet, std::size_t i)
 {
-	const auto i = static_cast<std::uint64_t>(p->customIndex);
-	const auto j = static_cast<std::uint64_t>(q->customIndex);
-	return std::min(i, j) << 32 | std::max(i, j);
+	const auto neigh = 4 * static_cast<std::size_t>(vNeighbours[4 * tet + i]);
+	if (neigh >= vNeighbours.size()) return false;
+	const auto* const pBack = &vNeighbours[neigh];
+	const auto back = std::find(pBack, pBack + 4, static_cast<std::int32_t>(tet)) - pBack;
+	if (back == 4) return false;
+	std::int32_t aExpected[4];
+	std::copy_n(&vCorners[4 * tet], 4, aExpected);
+	aExpected[i] = vCorners[neigh + static_cast<std::size_t>(back)];
+	return std::is_permutation(aExpected, aExpected + 4, &vCorners[neigh]);
 }
 
-std::size_t numDistinct(std::vector<std::uint64_t>& vKeys)
+const char* findBrokenRecord(const Mesh& mesh)
 {
-	std::sort(vKeys.begin(), vKeys.end());
-	return static_cast<std::size_t>(std::unique(vKeys.begin(), vKeys.end()) - vKeys.begin());
-}
-
-bool isLinked(const Mesh& mesh, const Tet3* pTet, int ith)
-{
-	const Tet3* pNeigh = pTet->getOppTet(ith);
-	const auto index = static_cast<std::size_t>(pNeigh->getCustomIndex());
-	if (index >= mesh.vTets.size() || mesh.vTets[index] != pNeigh) return false;
-	for (int back = 0; back < 4; ++back) {
-		if (pNeigh->getOppTet(back) != pTet) continue;
-		const FacetCorners facet = facetCorners(pTet, ith);
-		return std::all_of(std::begin(facet.aVtx), std::end(facet.aVtx), [&](const Point3* pVtx) {
-			return pNeigh->hasVertex(pVtx) && pNeigh->getCorner(back) != pVtx;
-		});
+	Numbers vTetOfVertex(mesh.numVertices());
+	Numbers vCorners(4 * mesh.numTets()), vNeighbours(vCorners.size());
+	mesh.triangulation.copyTo({nullptr, vTetOfVertex.data(), vCorners.data(), vNeighbours.data()});
+	for (std::size_t vertex = 0; vertex < vTetOfVertex.size(); ++vertex) {
+		const auto tet = 4 * static_cast<std::size_t>(vTetOfVertex[vertex]);
+		if (tet >= vCorners.size() ||
+		    !std::count(&vCorners[tet], &vCorners[tet] + 4, static_cast<std::int32_t>(vertex)))
+			return "a vertex does not know a tetrahedron that has it";
 	}
-	return false;
+	for (std::size_t i = 0; i < vNeighbours.size(); ++i)
+		if (vNeighbours[i] != -1 && !isLinked(vCorners, vNeighbours, i / 4, i % 4))
+			return "two neighbours do not know each other";
+	return nullptr;
 }
 
+// Each edge is in two facets, which run through it in opposite directions.
 bool isClosedHull(const Mesh& mesh)
 {
-	std::vector<std::uint64_t> vEdges;
-	forEachHullFacet(mesh, [&](const Tet3* pTet, int ith) {
-		const auto [a, b, c] = facetCorners(pTet, ith).aVtx;
-		for (const auto key : {edgeKey(a, b), edgeKey(b, c), edgeKey(c, a)}) vEdges.push_back(key);
-	});
-	std::sort(vEdges.begin(), vEdges.end());
-	for (std::size_t i = 0; i + 1 < vEdges.size(); i += 2) {
-		if (vEdges[i] != vEdges[i + 1]) return false;
-		if (i + 2 < vEdges.size() && vEdges[i + 2] == vEdges[i]) return false;
+	std::vector<std::pair<std::int32_t, std::int32_t>> vEdges, vReversed;
+	for (std::size_t i = 0; i < mesh.vHullCorners.size(); ++i) {
+		const auto a = mesh.vHullCorners[i], b = mesh.vHullCorners[i % 3 == 2 ? i - 2 : i + 1];
+		vEdges.emplace_back(a, b);
+		vReversed.emplace_back(b, a);
 	}
-	return vEdges.size() % 2 == 0;
+	std::sort(vEdges.begin(), vEdges.end());
+	std::sort(vReversed.begin(), vReversed.end());
+	return vEdges == vReversed && std::adjacent_find(vEdges.begin(), vEdges.end()) == vEdges.end();
+}
+
+// Calls visit(lower, upper) with the vertices of each edge of each tetrahedron.
+template <class Visit>
+void forEachEdgeOfTets(const Mesh& mesh, Visit visit)
+{
+	forEachTet(mesh, [&](const std::int32_t* pCorners) {
+		for (int i = 0; i < 4; ++i)
+			for (int j = i + 1; j < 4; ++j) {
+				const auto [lower, upper] = std::minmax(pCorners[i], pCorners[j]);
+				visit(static_cast<std::size_t>(lower), static_cast<std::size_t>(upper));
+			}
+	});
+}
+
+std::size_t numEdges(const Mesh& mesh)
+{
+	// A counting sort by the lower vertex, much faster than one that compares. In vPlace is first where
+	// the group of each lower vertex starts, and afterwards where it ends.
+	std::vector<std::size_t> vPlace(mesh.numVertices());
+	forEachEdgeOfTets(mesh, [&](std::size_t lower, std::size_t) { ++vPlace[lower]; });
+	std::exclusive_scan(vPlace.begin(), vPlace.end(), vPlace.begin(), std::size_t{0});
+	std::vector<std::uint32_t> vUpper(6 * mesh.numTets());
+	forEachEdgeOfTets(mesh, [&](std::size_t lower, std::size_t upper) {
+		vUpper[vPlace[lower]++] = static_cast<std::uint32_t>(upper);
+	});
+
+	// An edge is there once for each of its tetrahedra. It counts where its upper vertex is new in the group.
+	std::size_t num = 0;
+	std::vector<std::size_t> vLatestLower(mesh.numVertices(), SIZE_MAX);
+	for (std::size_t lower = 0, i = 0; lower < vPlace.size(); ++lower)
+		for (; i < vPlace[lower]; ++i)
+			if (std::exchange(vLatestLower[vUpper[i]], lower) != lower) ++num;
+	return num;
 }
 
 bool holdsEuler(const Mesh& mesh)
 {
-	std::vector<std::uint64_t> vEdges;
-	vEdges.reserve(6 * mesh.vTets.size());
-	for (const auto* pTet : mesh.vTets)
-		for (int i = 0; i < 4; ++i)
-			for (int j = i + 1; j < 4; ++j)
-				vEdges.push_back(edgeKey(pTet->getCorner(i), pTet->getCorner(j)));
-	const std::size_t numFacets = (4 * mesh.vTets.size() + mesh.numHullFacets) / 2;
-	return mesh.vVertices.size() + numFacets == 1 + numDistinct(vEdges) + mesh.vTets.size();
+	return mesh.numVertices() + mesh.numFacets() == 1 + numEdges(mesh) + mesh.numTets();
 }
 
 } // namespace
 
-Mesh makeMesh(const TULO3D::Tulo_3D& triangulation, const std::vector<Point3*>& vHandles)
+Mesh makeMesh(TULO3D::Tulo_3D& triangulation, const std::vector<TULO3D::Point3*>& vHandles)
 {
-	Mesh mesh;
-	for (auto* pVtx : vHandles) pVtx->customIndex = -1;
+	Mesh mesh{triangulation, {}, {}, {}};
+	mesh.vCoordinates.reserve(3 * triangulation.getNumVertices());
+	mesh.vFirstInput.reserve(triangulation.getNumVertices());
 	for (std::size_t i = 0; i < vHandles.size(); ++i) {
-		if (vHandles[i]->customIndex >= 0) continue;
-		vHandles[i]->customIndex = static_cast<int>(mesh.vVertices.size());
-		mesh.vVertices.push_back(vHandles[i]);
-		mesh.vFirstInput.push_back(i);
+		const TULO3D::Point3& vertex = *vHandles[i];
+		// The next number comes up with the first point of its vertex.
+		if (static_cast<std::size_t>(vertex.getNumber()) != mesh.numVertices()) continue;
+		mesh.vCoordinates.insert(mesh.vCoordinates.end(), {vertex.x(), vertex.y(), vertex.z()});
+		mesh.vFirstInput.push_back(static_cast<std::int32_t>(i));
 	}
-	if (!triangulation.is3D()) return mesh;
-	triangulation.getTetrahedra(mesh.vTets);
-	int index = 0;
-	for (auto* pTet : mesh.vTets) pTet->setCustomIndex(index++);
-	forEachHullFacet(mesh, [&](const Tet3*, int) { ++mesh.numHullFacets; });
+	forEachTet(mesh, [&](const std::int32_t* pCorners, const std::int32_t* pNeighbours) {
+		for (int i = 0; i < 4; ++i) {
+			if (pNeighbours[i] != -1) continue;
+			for (const auto corner : kOutside[i]) mesh.vHullCorners.push_back(pCorners[corner]);
+		}
+	});
 	return mesh;
 }
 
-FacetCorners facetCorners(const Tet3* pTet, int opp3)
+std::vector<std::int32_t> numberHullVertices(const Mesh& mesh)
 {
-	int i = 0, j = 0, k = 0;
-	pTet->getFacetIndices(opp3, i, j, k);
-	return {{pTet->getCorner(i), pTet->getCorner(j), pTet->getCorner(k)}};
+	Numbers vHullNumbers(mesh.numVertices(), -1);
+	for (const auto vertex : mesh.vHullCorners) vHullNumbers[static_cast<std::size_t>(vertex)] = 0;
+	std::int32_t next = 0;
+	for (auto& number : vHullNumbers)
+		if (number == 0) number = next++;
+	return vHullNumbers;
 }
 
 const char* findBrokenLink(const Mesh& mesh)
 {
-	for (const auto* pVtx : mesh.vVertices)
-		if (!pVtx->getOneTet() || !pVtx->getOneTet()->hasVertex(pVtx))
-			return "a vertex does not know a tetrahedron that has it";
-	for (const auto* pTet : mesh.vTets)
-		for (int i = 0; i < 4; ++i)
-			if (pTet->getOppTet(i) && !isLinked(mesh, pTet, i))
-				return "two neighbours do not know each other";
+	if (const char* reason = findBrokenRecord(mesh)) return reason;
 	if (!isClosedHull(mesh)) return "the hull is not closed";
 	if (!holdsEuler(mesh)) return "V - E + F - T is not 1";
 	return nullptr;

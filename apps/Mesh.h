@@ -1,48 +1,78 @@
 // SPDX-License-Identifier: MIT
-// The triangulation with numbers: what every writer, the check and the statistics work on.
+// The mesh as numbers: what every writer, the audit of the links and the statistics work on.
 #pragma once
 
 #include <Tulo_3D.h>
 
+#include <algorithm>
 #include <cstddef>
+#include <cstdint>
+#include <type_traits>
 #include <vector>
 
 namespace app {
 
-/// The vertices in the order in which their points first came up in the input, so that vertex i is
-/// input point i when no point is repeated. The custom index of each vertex and of each tetrahedron
-/// is its place in these arrays.
+/// A triangulation, with its vertices and its hull as arrays.
+///
+/// Vertices are numbered in the order in which their points first came up in the input, so that vertex i
+/// is input point i when no point is repeated. The tetrahedra stay where they are, because all of them as
+/// arrays would take a third more memory: `forEachTet` reads them in pieces.
 struct Mesh
 {
-	std::vector<TULO3D::Point3*> vVertices;
+	TULO3D::Tulo_3D& triangulation;
+	/// x, y, z of each vertex.
+	std::vector<double> vCoordinates;
 	/// The first input point of each vertex.
-	std::vector<std::size_t> vFirstInput;
-	std::vector<TULO3D::Tet3*> vTets;
-	std::size_t numHullFacets = 0;
+	std::vector<std::int32_t> vFirstInput;
+	/// Three vertices a facet of the convex hull, counter-clockwise from outside.
+	std::vector<std::int32_t> vHullCorners;
+
+	std::size_t numVertices() const { return vFirstInput.size(); }
+	std::size_t numTets() const { return triangulation.getNumTetrahedra(); }
+	std::size_t numHullFacets() const { return vHullCorners.size() / 3; }
+	std::size_t numFacets() const { return (4 * numTets() + numHullFacets()) / 2; }
+	TULO3D::Point3 point(std::size_t vertex) const
+	{
+		const double* p = &vCoordinates[3 * vertex];
+		return {p[0], p[1], p[2]};
+	}
 };
 
-/// Numbers the mesh; `vHandles` are those of the one batch that was inserted.
-Mesh makeMesh(const TULO3D::Tulo_3D& triangulation, const std::vector<TULO3D::Point3*>& vHandles);
+/// The mesh; `vHandles` are those of the one batch that was inserted.
+Mesh makeMesh(TULO3D::Tulo_3D& triangulation, const std::vector<TULO3D::Point3*>& vHandles);
 
-/// The three vertices of a facet, counter-clockwise seen from outside its tetrahedron.
-struct FacetCorners
-{
-	TULO3D::Point3* aVtx[3];
-};
-FacetCorners facetCorners(const TULO3D::Tet3* pTet, int opp3);
-
-/// Calls `visit(pTet, ith)` for each facet of the convex hull.
+/// Calls `visit(pCorners)`, or `visit(pCorners, pNeighbours)`, for each tetrahedron in turn: its four
+/// vertices in positive order, and the tetrahedron beyond each of its facets, -1 on the hull.
 template <class Visit>
-void forEachHullFacet(const Mesh& mesh, Visit visit)
+void forEachTet(const Mesh& mesh, Visit visit)
 {
-	for (auto* pTet : mesh.vTets)
-		for (int i = 0; i < 4; ++i)
-			if (!pTet->getOppTet(i)) visit(pTet, i);
+	using Row = const std::int32_t*;
+	constexpr bool bNeighbours = std::is_invocable_v<Visit, Row, Row>;
+	constexpr std::size_t kPiece = 8192;
+	std::vector<std::int32_t> vCorners(4 * kPiece), vNeighbours(4 * kPiece);
+	TULO3D::MeshArrays piece;
+	piece.pCorners = vCorners.data();
+	piece.pNeighbours = bNeighbours ? vNeighbours.data() : nullptr;
+	piece.numTets = kPiece;
+	for (const auto num = mesh.numTets(); piece.firstTet < num; piece.firstTet += kPiece) {
+		mesh.triangulation.copyTo(piece);
+		const std::size_t end = 4 * std::min(kPiece, num - piece.firstTet);
+		for (std::size_t i = 0; i < end; i += 4) {
+			if constexpr (bNeighbours)
+				visit(&vCorners[i], &vNeighbours[i]);
+			else
+				visit(&vCorners[i]);
+		}
+	}
 }
 
-/// Checks the links of the whole mesh: neighbours point to each other and share their facet, every vertex
-/// has an incident tetrahedron that has it as a corner, the hull is closed, and V - E + F - T = 1. Returns
-/// what is wrong, or null. The library's own check, which tests the geometry, complements this one.
+/// The number of each vertex among those on the hull, in their order; -1 for one that is not.
+std::vector<std::int32_t> numberHullVertices(const Mesh& mesh);
+
+/// Checks the links of the whole mesh from its arrays alone: neighbours name each other and share their
+/// facet, every vertex has an incident tetrahedron that has it as a corner, the hull is closed, and
+/// V - E + F - T = 1. Returns what is wrong, or null. The library's own check, which tests the geometry,
+/// complements this one.
 const char* findBrokenLink(const Mesh& mesh);
 
 } // namespace app

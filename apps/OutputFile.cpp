@@ -5,7 +5,6 @@
 #include "Errors.h"
 
 #include <cerrno>
-#include <charconv>
 #include <cstring>
 #include <random>
 #include <utility>
@@ -53,20 +52,6 @@ void OutputFile::text(std::string_view s)
 {
 	buffer.append(s);
 	if (buffer.size() >= kBufferSize) flush();
-}
-
-void OutputFile::number(double value)
-{
-	char aText[32];
-	const auto end = std::to_chars(aText, aText + sizeof(aText), value).ptr;
-	text({aText, static_cast<std::size_t>(end - aText)});
-}
-
-void OutputFile::number(std::uint64_t value)
-{
-	char aText[32];
-	const auto end = std::to_chars(aText, aText + sizeof(aText), value).ptr;
-	text({aText, static_cast<std::size_t>(end - aText)});
 }
 
 void OutputFile::flush()

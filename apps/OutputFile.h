@@ -4,7 +4,7 @@
 
 #include "Unfinished.h"
 
-#include <cstdint>
+#include <charconv>
 #include <cstdio>
 #include <filesystem>
 #include <optional>
@@ -25,9 +25,14 @@ public:
 	OutputFile& operator=(const OutputFile&) = delete;
 
 	void text(std::string_view s);
-	/// The shortest text that gives the same double again, in every locale.
-	void number(double value);
-	void number(std::uint64_t value);
+	/// A whole number, or the shortest text that gives the same double again, in every locale.
+	template <class T>
+	void number(T value)
+	{
+		char aText[32];
+		const auto end = std::to_chars(aText, aText + sizeof(aText), value).ptr;
+		text({aText, static_cast<std::size_t>(end - aText)});
+	}
 	/// The bytes of a value as this machine holds them.
 	template <class T>
 	void binary(const T& value)

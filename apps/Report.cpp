@@ -2,11 +2,11 @@
 // Collecting the facts of a run, each once, in both of the forms in which it can be printed.
 #include "Report.h"
 
+#include <algorithm>
 #include <charconv>
 #include <vector>
 
 using TULO3D::Point3;
-using TULO3D::Tet3;
 
 namespace app {
 
@@ -74,26 +74,13 @@ std::string jsonText(const std::string& text)
 	return quoted + "\"";
 }
 
-double volume(const Tet3* pTet)
+double volume(const Mesh& mesh, const std::int32_t* pCorners)
 {
-	Point3 *p0, *p1, *p2, *p3;
-	pTet->getCorners(p0, p1, p2, p3);
-	const auto a = *p1 - *p0, b = *p2 - *p0, c = *p3 - *p0;
+	const auto corner = [&](int i) { return mesh.point(static_cast<std::size_t>(pCorners[i])); };
+	const auto a = corner(1) - corner(0), b = corner(2) - corner(0), c = corner(3) - corner(0);
 	return ((a.y() * b.z() - a.z() * b.y()) * c.x() + (a.z() * b.x() - a.x() * b.z()) * c.y() +
 	           (a.x() * b.y() - a.y() * b.x()) * c.z()) /
 	    6;
-}
-
-std::size_t numHullVertices(const Mesh& mesh)
-{
-	std::vector<bool> vOnHull(mesh.vVertices.size());
-	forEachHullFacet(mesh, [&](const Tet3* pTet, int ith) {
-		for (const auto* pVtx : facetCorners(pTet, ith).aVtx)
-			vOnHull[static_cast<std::size_t>(pVtx->customIndex)] = true;
-	});
-	std::size_t num = 0;
-	for (const bool bOnHull : vOnHull) num += bOnHull ? 1 : 0;
-	return num;
 }
 
 std::vector<Fact> basicFacts(const Measured& measured, const Mesh& mesh)
@@ -102,9 +89,9 @@ std::vector<Fact> basicFacts(const Measured& measured, const Mesh& mesh)
 	const double rate = measured.insertSeconds > 0 ? points / measured.insertSeconds : 0;
 	return {{"file", "file", jsonText(measured.file), measured.file},
 	    count("points", "points", measured.numPoints),
-	    count("distinctVertices", "distinct vertices", mesh.vVertices.size()),
-	    count("tetrahedra", "tetrahedra", mesh.vTets.size()),
-	    count("hullFacets", "hull facets", mesh.numHullFacets),
+	    count("distinctVertices", "distinct vertices", mesh.numVertices()),
+	    count("tetrahedra", "tetrahedra", mesh.numTets()),
+	    count("hullFacets", "hull facets", mesh.numHullFacets()),
 	    seconds("insertSeconds", "seconds to insert", measured.insertSeconds),
 	    count("pointsPerSecond", "points per second", static_cast<std::size_t>(rate)),
 	    validity(measured)};
@@ -113,15 +100,18 @@ std::vector<Fact> basicFacts(const Measured& measured, const Mesh& mesh)
 std::vector<Fact> statistics(const Measured& measured, const Mesh& mesh)
 {
 	TULO3D::Bbox3 box;
-	for (const auto* pVtx : mesh.vVertices) box.add(*pVtx);
+	for (std::size_t i = 0; i < mesh.numVertices(); ++i) box.add(mesh.point(i));
 	double total = 0;
-	for (const auto* pTet : mesh.vTets) total += volume(pTet);
-	const auto numVertices = static_cast<double>(mesh.vVertices.size());
-	return {count("repeatedPoints", "repeated points", measured.numPoints - mesh.vVertices.size()),
-	    count("hullVertices", "hull vertices", numHullVertices(mesh)),
-	    count("facets", "facets", (4 * mesh.vTets.size() + mesh.numHullFacets) / 2),
+	forEachTet(mesh, [&](const std::int32_t* pCorners) { total += volume(mesh, pCorners); });
+	const auto vHullNumbers = numberHullVertices(mesh);
+	const auto numInside = std::count(vHullNumbers.begin(), vHullNumbers.end(), -1);
+	const auto numVertices = static_cast<double>(mesh.numVertices());
+	return {count("repeatedPoints", "repeated points", measured.numPoints - mesh.numVertices()),
+	    count("hullVertices", "hull vertices",
+	        mesh.numVertices() - static_cast<std::size_t>(numInside)),
+	    count("facets", "facets", mesh.numFacets()),
 	    number("tetrahedraPerVertex", "tetrahedra a vertex", // each counts for its four corners
-	        4 * static_cast<double>(mesh.vTets.size()) / numVertices),
+	        4 * static_cast<double>(mesh.numTets()) / numVertices),
 	    number("hullVolume", "hull volume", total), corner("boxMin", "box from", box.getMinPoint()),
 	    corner("boxMax", "box to", box.getMaxPoint()),
 	    seconds("readSeconds", "seconds to read", measured.readSeconds),

@@ -8,13 +8,15 @@ namespace app {
 
 namespace {
 
-void writeIndex(OutputFile& file, int index)
+template <class T>
+void writeRow(OutputFile& file, std::size_t index, const T* pValues, int num)
 {
-	file.text(" ");
-	if (index < 0)
-		file.text("-1");
-	else
-		file.number(static_cast<std::uint64_t>(index));
+	file.number(index);
+	for (int i = 0; i < num; ++i) {
+		file.text(" ");
+		file.number(pValues[i]);
+	}
+	file.text("\n");
 }
 
 } // namespace
@@ -23,30 +25,18 @@ void writeTetgen(const Mesh& mesh, const std::filesystem::path& output)
 {
 	const auto vFiles = getOutputFiles(output);
 	OutputFile nodes(vFiles[0]), elements(vFiles[1]), neighbours(vFiles[2]);
-	nodes.text(std::to_string(mesh.vVertices.size()) + " 3 0 0\n");
-	for (const auto* pVtx : mesh.vVertices) {
-		nodes.number(static_cast<std::uint64_t>(pVtx->customIndex));
-		for (const double value : {pVtx->x(), pVtx->y(), pVtx->z()}) {
-			nodes.text(" ");
-			nodes.number(value);
-		}
-		nodes.text("\n");
-	}
+	nodes.text(std::to_string(mesh.numVertices()) + " 3 0 0\n");
+	for (std::size_t vertex = 0; vertex < mesh.numVertices(); ++vertex)
+		writeRow(nodes, vertex, &mesh.vCoordinates[3 * vertex], 3);
 
-	elements.text(std::to_string(mesh.vTets.size()) + " 4 0\n");
-	neighbours.text(std::to_string(mesh.vTets.size()) + " 4\n");
-	for (const auto* pTet : mesh.vTets) {
-		const auto index = static_cast<std::uint64_t>(pTet->getCustomIndex());
-		elements.number(index);
-		neighbours.number(index);
-		for (int i = 0; i < 4; ++i) {
-			const auto* pNeigh = pTet->getOppTet(i);
-			writeIndex(elements, pTet->getCorner(i)->customIndex);
-			writeIndex(neighbours, pNeigh ? pNeigh->getCustomIndex() : -1);
-		}
-		elements.text("\n");
-		neighbours.text("\n");
-	}
+	elements.text(std::to_string(mesh.numTets()) + " 4 0\n");
+	neighbours.text(std::to_string(mesh.numTets()) + " 4\n");
+	std::size_t tet = 0;
+	forEachTet(mesh, [&](const std::int32_t* pCorners, const std::int32_t* pNeighbours) {
+		writeRow(elements, tet, pCorners, 4);
+		writeRow(neighbours, tet, pNeighbours, 4);
+		++tet;
+	});
 
 	// None takes its name before all three are complete.
 	for (auto* pFile : {&nodes, &elements, &neighbours}) pFile->close();

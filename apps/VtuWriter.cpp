@@ -29,7 +29,7 @@ constexpr std::uint8_t kTetrahedron = 10; // VTK's number of this kind of cell
 
 void writeVtu(const Mesh& mesh, const std::filesystem::path& output)
 {
-	const std::uint64_t numVertices = mesh.vVertices.size(), numTets = mesh.vTets.size();
+	const std::uint64_t numVertices = mesh.numVertices(), numTets = mesh.numTets();
 	OutputFile file(output);
 	Appended appended;
 	file.text("<?xml version=\"1.0\"?>\n<VTKFile type=\"UnstructuredGrid\" version=\"1.0\" "
@@ -52,17 +52,17 @@ void writeVtu(const Mesh& mesh, const std::filesystem::path& output)
 	file.text("</Piece>\n</UnstructuredGrid>\n<AppendedData encoding=\"raw\">\n_");
 
 	file.binary(24 * numVertices);
-	for (const auto* pVtx : mesh.vVertices)
-		for (const double value : {pVtx->x(), pVtx->y(), pVtx->z()}) file.binary(value);
+	for (const double value : mesh.vCoordinates) file.binary(value);
 	file.binary(32 * numTets);
-	for (const auto* pTet : mesh.vTets)
-		for (int i = 0; i < 4; ++i) file.binary(std::int64_t{pTet->getCorner(i)->customIndex});
+	forEachTet(mesh, [&](const std::int32_t* pCorners) {
+		for (int i = 0; i < 4; ++i) file.binary(std::int64_t{pCorners[i]});
+	});
 	file.binary(8 * numTets);
 	for (std::uint64_t end = 4; end <= 4 * numTets; end += 4) file.binary(end);
 	file.binary(numTets);
 	for (std::uint64_t i = 0; i < numTets; ++i) file.binary(kTetrahedron);
 	file.binary(8 * numVertices);
-	for (const auto first : mesh.vFirstInput) file.binary(std::uint64_t{first});
+	for (const auto first : mesh.vFirstInput) file.binary(std::int64_t{first});
 	file.text("\n</AppendedData>\n</VTKFile>\n");
 	file.commit();
 }

@@ -6,12 +6,10 @@
 #include "LineReader.h"
 #include "OutputFile.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <memory>
 
-using TULO3D::Point3;
-using TULO3D::Tet3;
-using TULO3D::Tulo_3D;
 using Path = std::filesystem::path;
 
 namespace app {
@@ -68,57 +66,43 @@ std::vector<Path> getOutputFiles(const Path& output)
 	        ".ele, .neigh, .off, .list and .oogl have)");
 }
 
-void writeMesh(Tulo_3D& triangulation, const Mesh& mesh, const Path& output)
+void writeMesh(const Mesh& mesh, const Path& output)
 {
 	const std::string extension = extensionOf(output);
 	if (isTetgen(extension)) return writeTetgen(mesh, output);
 	if (extension == ".off") return writeHullOff(mesh, output);
-	if (isOogl(extension)) return writeOogl(triangulation, output);
+	if (isOogl(extension)) return writeOogl(mesh, output);
 	writeVtu(mesh, output);
 }
 
 void writeHullOff(const Mesh& mesh, const Path& output)
 {
-	std::vector<const Point3*> vHullVertices;
-	std::vector<std::uint64_t> vHullIndex(mesh.vVertices.size(), UINT64_MAX);
-	const auto hullIndex = [&](const Point3* pVtx) -> std::uint64_t& {
-		return vHullIndex[static_cast<std::size_t>(pVtx->customIndex)];
-	};
-	forEachHullFacet(mesh, [&](const Tet3* pTet, int ith) {
-		for (const auto* pVtx : facetCorners(pTet, ith).aVtx) hullIndex(pVtx) = 0;
-	});
-	for (const auto* pVtx : mesh.vVertices) {
-		if (hullIndex(pVtx) != 0) continue;
-		hullIndex(pVtx) = vHullVertices.size();
-		vHullVertices.push_back(pVtx);
-	}
-
+	const auto vHullNumbers = numberHullVertices(mesh);
+	const auto numVertices = 1 + *std::max_element(vHullNumbers.begin(), vHullNumbers.end());
 	OutputFile file(output);
-	file.text("OFF\n" + std::to_string(vHullVertices.size()) + " " +
-	    std::to_string(mesh.numHullFacets) + " 0\n");
-	for (const auto* pVtx : vHullVertices) {
-		for (const double value : {pVtx->x(), pVtx->y(), pVtx->z()}) {
-			file.number(value);
+	file.text("OFF\n" + std::to_string(numVertices) + " " + std::to_string(mesh.numHullFacets()) +
+	    " 0\n");
+	for (std::size_t vertex = 0; vertex < vHullNumbers.size(); ++vertex) {
+		if (vHullNumbers[vertex] == -1) continue;
+		for (std::size_t axis = 0; axis < 3; ++axis) {
+			file.number(mesh.vCoordinates[3 * vertex + axis]);
 			file.text(" ");
 		}
 		file.text("\n");
 	}
-	forEachHullFacet(mesh, [&](const Tet3* pTet, int ith) {
-		file.text("3");
-		for (const auto* pVtx : facetCorners(pTet, ith).aVtx) {
-			file.text(" ");
-			file.number(hullIndex(pVtx));
-		}
-		file.text("\n");
-	});
+	for (std::size_t i = 0; i < mesh.vHullCorners.size(); ++i) {
+		file.text(i % 3 == 0 ? "3 " : " ");
+		file.number(vHullNumbers[static_cast<std::size_t>(mesh.vHullCorners[i])]);
+		if (i % 3 == 2) file.text("\n");
+	}
 	file.commit();
 }
 
-void writeOogl(Tulo_3D& triangulation, const Path& output)
+void writeOogl(const Mesh& mesh, const Path& output)
 {
 	OutputFile file(output);
 	file.close();
-	triangulation.show(file.getTemporaryName().string(), nullptr);
+	mesh.triangulation.show(file.getTemporaryName().string(), nullptr);
 	if (!isCompleteOogl(file.getTemporaryName()))
 		throw Failure(kNotWritten, output.string() + ": cannot be written to its end");
 	file.commit();

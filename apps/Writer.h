@@ -14,14 +14,13 @@ namespace app {
 std::vector<std::filesystem::path> getOutputFiles(const std::filesystem::path& output);
 
 /// Writes `output` whole, or leaves what was there and throws.
-void writeMesh(
-    TULO3D::Tulo_3D& triangulation, const Mesh& mesh, const std::filesystem::path& output);
+void writeMesh(const Mesh& mesh, const std::filesystem::path& output);
 
 // Each writes files that appear only once they are complete.
 void writeVtu(const Mesh& mesh, const std::filesystem::path& output);
 void writeTetgen(const Mesh& mesh, const std::filesystem::path& output);
 void writeHullOff(const Mesh& mesh, const std::filesystem::path& output);
 /// Drawn by the library, every tetrahedron in a colour of its own.
-void writeOogl(TULO3D::Tulo_3D& triangulation, const std::filesystem::path& output);
+void writeOogl(const Mesh& mesh, const std::filesystem::path& output);
 
 } // namespace app

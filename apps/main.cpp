@@ -40,19 +40,19 @@ void checkOutputNames(const Options& options)
 		}
 }
 
-void requireMesh(const std::string& file, const Tulo_3D& triangulation, const Mesh& mesh)
+void requireMesh(const std::string& file, const Tulo_3D& triangulation)
 {
 	if (triangulation.is3D()) return;
-	const std::size_t num = mesh.vVertices.size();
+	const std::size_t num = triangulation.getNumVertices();
 	throw Failure(kNoMesh,
 	    (file == "-" ? "(standard input)" : file) + ": no mesh: " +
 	        (num < 4 ? "fewer than 4 distinct points (" + std::to_string(num) + ")"
 	                 : "all " + std::to_string(num) + " distinct points lie in one plane"));
 }
 
-bool isValid(Tulo_3D& triangulation, const Mesh& mesh, const Options& options)
+bool isValid(const Mesh& mesh, const Options& options)
 {
-	if (!triangulation.checkValidity(options.file, true)) return false;
+	if (!mesh.triangulation.checkValidity(options.file, true)) return false;
 	const char* reason = options.check == Check::kAll ? findBrokenLink(mesh) : nullptr;
 	if (reason) std::fprintf(stderr, "tulo3d: %s: %s\n", options.file.c_str(), reason);
 	return !reason;
@@ -82,21 +82,20 @@ ExitStatus run(const Options& options, LibraryMessages& messages)
 	progress.start("inserting " + std::to_string(measured.numPoints) + " points");
 	measured.insertSeconds = timed([&] { triangulation.insert(vPoints, vHandles); });
 	std::vector<Point3>().swap(vPoints);
+	requireMesh(options.file, triangulation);
 	const Mesh mesh = makeMesh(triangulation, vHandles);
 	std::vector<Point3*>().swap(vHandles);
-	requireMesh(options.file, triangulation, mesh);
 
 	measured.bChecked = options.check != Check::kNone;
 	if (measured.bChecked) {
-		progress.start("checking " + std::to_string(mesh.vTets.size()) + " tetrahedra");
-		measured.checkSeconds =
-		    timed([&] { measured.bValid = isValid(triangulation, mesh, options); });
+		progress.start("checking " + std::to_string(mesh.numTets()) + " tetrahedra");
+		measured.checkSeconds = timed([&] { measured.bValid = isValid(mesh, options); });
 	}
 	const bool bBroken = measured.bChecked && !measured.bValid;
 	for (const auto& output : options.vOutputs) {
 		if (bBroken) break;
 		progress.start("writing " + output);
-		writeMesh(triangulation, mesh, output);
+		writeMesh(mesh, output);
 	}
 	progress.stop();
 
