@@ -13,17 +13,16 @@ int main()
 	TULO3D::Tulo_3D mesh;
 	std::vector<TULO3D::Point3*> handles; // handles[i] becomes the vertex of points[i]
 	mesh.insert(points, handles);
-	for (std::size_t i = points.size(); i-- > 0;) handles[i]->setCustomIndex(static_cast<int>(i));
 
 	std::vector<TULO3D::Tet3*> tets;
 	mesh.getTetrahedra(tets);
 	for (const TULO3D::Tet3* tet : tets) {
 		std::cout << "corners:";
-		for (int i = 0; i < 4; ++i) std::cout << ' ' << tet->getCorner(i)->getCustomIndex();
+		for (int i = 0; i < 4; ++i) std::cout << ' ' << tet->getCorner(i)->getNumber();
 		std::cout << "  hull facets opposite:";
 		for (int i = 0; i < 4; ++i) {
 			const bool bHull = tet->getOppTet(i) == nullptr;
-			if (bHull) std::cout << ' ' << tet->getCorner(i)->getCustomIndex();
+			if (bHull) std::cout << ' ' << tet->getCorner(i)->getNumber();
 		}
 		std::cout << std::endl;
 	}
