@@ -33,7 +33,12 @@ public:
 		return num;
 	}
 
-	std::size_t listTets() override { return numTets(); }
+	std::size_t listTets() override
+	{
+		std::vector<Tet3*> vTets;
+		triangulation.getTetrahedra(vTets);
+		return vTets.size();
+	}
 
 	std::size_t collectStars() override
 	{
@@ -48,19 +53,8 @@ public:
 		return num;
 	}
 
-	std::size_t numVertices() const override
-	{
-		std::vector<Point3*> vVertices;
-		triangulation.getVertices(vVertices);
-		return vVertices.size();
-	}
-
-	std::size_t numTets() const override
-	{
-		std::vector<Tet3*> vTets;
-		triangulation.getTetrahedra(vTets);
-		return vTets.size();
-	}
+	std::size_t numVertices() const override { return triangulation.getNumVertices(); }
+	std::size_t numTets() const override { return triangulation.getNumTetrahedra(); }
 
 private:
 	TULO3D::Tulo_3D triangulation;
