@@ -86,6 +86,10 @@ std::size_t Dt3::getNumTetrahedra() const
 	return tetPool.numUsed() - vDeadTets.size() - vRecycledTets.size();
 }
 
+// Distances of prefetching in copyTo, in tetrahedra.
+constexpr std::ptrdiff_t kTetsAhead = 32;
+constexpr std::ptrdiff_t kVerticesAhead = 16;
+
 void Dt3::copyTo(const MeshArrays& arrays) const
 {
 	expectFinished();
@@ -113,13 +117,20 @@ void Dt3::copyTo(const MeshArrays& arrays) const
 	std::int32_t* pNeighbour = arrays.pNeighbours;
 	if (pCorner != nullptr) prefault(pCorner, numBytes);
 	if (pNeighbour != nullptr) prefault(pNeighbour, numBytes);
-	live.forEach(arrays.firstTet, numTets, [&](const Tet3* pTet) {
-		prefetchTet(pTet + 16);
-		if (pCorner != nullptr) {
-			for (int i = 0; i < 4; ++i) *pCorner++ = pTet->getCorner(i)->getNumber();
-		}
-		if (pNeighbour != nullptr) {
-			for (int i = 0; i < 4; ++i) *pNeighbour++ = live.numberOf(pTet->getOppTet(i));
+	live.forEachRun(arrays.firstTet, numTets, [&](const Tet3* pFirst, const Tet3* pLast) {
+		for (const Tet3* pTet = pFirst; pTet != pLast; ++pTet) {
+			// The records are read in their order, the vertices out of order: those need a prefetch of their own,
+			// for which the record must have come.
+			if (pLast - pTet > kVerticesAhead) {
+				prefetchTet(pTet + kTetsAhead);
+				if (pCorner != nullptr) prefetchCorners(pTet[kVerticesAhead]);
+			}
+			if (pCorner != nullptr) {
+				for (int i = 0; i < 4; ++i) *pCorner++ = pTet->getCorner(i)->getNumber();
+			}
+			if (pNeighbour != nullptr) {
+				for (int i = 0; i < 4; ++i) *pNeighbour++ = live.numberOf(pTet->getOppTet(i));
+			}
 		}
 	});
 }

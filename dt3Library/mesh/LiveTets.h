@@ -31,19 +31,21 @@ public:
 	template <typename Visit>
 	void forEach(Visit visit) const
 	{
-		forEach(0, numTets, visit);
+		forEachRun(0, numTets, [&visit](Tet3* pFirst, Tet3* pLast) {
+			for (Tet3* pTet = pFirst; pTet != pLast; ++pTet) visit(pTet);
+		});
 	}
 
-	/// The same for `num` tetrahedra from number `first` on, as far as there are so many.
+	/// Calls visit(pFirst, pLast) for ranges of records that together are `num` tetrahedra from number `first`
+	/// on, as far as there are so many. `pLast` is behind the last one of its range.
 	template <typename Visit>
-	void forEach(std::size_t first, std::size_t num, Visit visit) const
+	void forEachRun(std::size_t first, std::size_t num, Visit visit) const
 	{
 		for (const Run& run : runs) {
 			const auto length = static_cast<std::size_t>(run.pLast - run.pFirst);
 			const std::size_t numBefore = std::min(first, length);
 			const std::size_t numHere = std::min(num, length - numBefore);
-			Tet3* const pEnd = run.pFirst + numBefore + numHere;
-			for (Tet3* pTet = run.pFirst + numBefore; pTet != pEnd; ++pTet) visit(pTet);
+			if (numHere > 0) visit(run.pFirst + numBefore, run.pFirst + numBefore + numHere);
 			first -= numBefore;
 			num -= numHere;
 		}
