@@ -267,29 +267,34 @@ private:
 	void expectWholeIfMarked(const Tet3& tet) { bUnfinished = bUnfinished && !tet.hasBeenVisited; }
 	/// Checks that the last insertion has left no pending facet half, and resets their pool.
 	void beginInsertion();
+	/// Removes the tetrahedra in conflict with pVtx, of which pStartTet is one, and joins pVtx to the facets
+	/// of that cavity; the last tetrahedron made.
 	Tet3* replaceCavity(Point3* pVtx, Tet3* pStartTet);
 	/// The same with a cold cache: a search that prefetches finds the cavity first.
 	Tet3* replaceColdCavity(Point3* pVtx, Tet3* pStartTet);
-	void startCavity(Tet3* pStartTet);
-	/// The same with a cavity that is known already.
+	/// The same with a cavity that is known already: no in-sphere test, the same order.
 	Tet3* replaceCavity(Point3* pVtx, const Reservation& reservation);
+	/// Empties what the search for a cavity fills: vCavityFacets and the star; dead records become reusable.
+	void beginCavity();
+	/// A tetrahedron in conflict joins the cavity; its neighbours are still to be classified.
+	void joinCavity(Tet3* pTet);
+	/// The order in which the facets of a tetrahedron of the cavity are visited.
+	enum class FacetOrder { kAscending, kDescending };
+	/// Finds the tetrahedra in conflict with vtx, which are connected with those that have joined the cavity.
+	void carve(const Point3& vtx, FacetOrder order);
+	template <FacetOrder order>
+	void carvePortable(const Point3& vtx);
+	template <FacetOrder order>
+	void carveAvx2(const Point3& vtx);
+	/// The search itself. `classify` maps a tetrahedron to its Surroundings. Fills vDeadTets and vCavityFacets.
+	template <FacetOrder order, typename Classify>
+	void growCavity(Classify classify);
 	/// Joins pVtx to the facets of the cavity; the last tetrahedron made.
 	Tet3* fillCavity(Point3* pVtx);
-	/// Finds the tetrahedra in conflict with pVtx, which are connected with pStartTet, and removes them.
-	/// Fills vCavityFacets, vDeadTets and star.vCorners.
-	template <typename Lanes>
-	void carve(const Point3* pVtx, Tet3* pStartTet);
-	void carvePortable(const Point3* pVtx, Tet3* pStartTet);
-	void carveAvx2(const Point3* pVtx, Tet3* pStartTet);
-	/// The same with a cavity that is known already: no in-sphere test, the same order.
-	void carveFound(const Reservation& reservation);
 	/// A new tetrahedron over a facet of the cavity boundary, linked to the neighbour that stays.
 	Tet3* closeFacet(const CavityFacet& facet, Point3* pVtx);
 	// Dt3Hull.cpp
 	std::vector<Tet3*> gatherVisibleTets(const Point3* pVtx, Tet3* pCurTet, int outIndex) const;
-	void doom(Tet3* pTet, std::vector<Tet3*>& vDoomedTets);
-	/// Dooms all tetrahedra in conflict that are connected with doomed ones.
-	void growDoomed(const Point3* pVtx, std::vector<Tet3*>& vDoomedTets);
 	// Dt3Link.cpp
 	/// Prints what is wrong with a link from a tetrahedron to itself.
 	static void refuseSelfLink(const Tet3* pTet);

@@ -49,30 +49,44 @@ Tet3* Dt3::insertVertex(Point3** ppVtx, Tet3* pStartTet, bool bByCurve)
 	return bCold ? replaceColdCavity(*ppVtx, pCurTet) : replaceCavity(*ppVtx, pCurTet);
 }
 
-template <typename Lanes>
-TULO3D_ALWAYS_INLINE void Dt3::carve(const Point3* pVtx, Tet3* pStartTet)
+void Dt3::beginCavity()
 {
-	startCavity(pStartTet); // the walk ended inside it, so it is in conflict without a test
-	CavityMark::set(*pStartTet);
-	for (int i = 1; i < 4; ++i) star.vCorners.add(pStartTet->getCorner(i));
+	swapDeadAndRecycled();
+	star.clear();
+	vCavityStack.clear();
+	vCavityFacets.clear();
+}
 
+void Dt3::joinCavity(Tet3* pTet)
+{
+	CavityMark::set(*pTet);
+	vDeadTets.add(pTet);
+	vCavityStack.add({pTet, pTet->getCorner(0)});
+	for (int i = 1; i < 4; ++i) star.vCorners.add(pTet->getCorner(i));
+}
+
+template <Dt3::FacetOrder order, typename Classify>
+TULO3D_ALWAYS_INLINE void Dt3::growCavity(Classify classify)
+{
 	// A neighbour gets its cavity mark and its place in vDeadTets when it joins the cavity, not when its
-	// turn comes: the mark keeps it from joining twice. Depth first, facets 3 to 0: this fixes the order in
-	// which tetrahedra die and new ones are made, and with it which record becomes which tetrahedron.
+	// turn comes: the mark keeps it from joining twice. Depth first, in a fixed order of the facets: this
+	// decides in which order tetrahedra die and new ones are made, and so which record becomes which
+	// tetrahedron.
 	while (!vCavityStack.empty()) {
-		const auto [pTet, pApex] = vCavityStack.pop();
-		retire(pTet);
-		star.vCorners.add(pApex);
-		const Surroundings border = lookAround<Lanes>(pTet, *pVtx, batchTests, predicates);
+		const CavityTet tet = vCavityStack.pop();
+		retire(tet.pTet);
+		star.vCorners.add(tet.pApex);
+		const Surroundings border = classify(tet.pTet);
 		auto stack = vCavityStack.writer(4);
 		auto dead = vDeadTets.writer(4);
 		auto facets = vCavityFacets.writer(4);
-		for (unsigned i = 4; i-- > 0;) {
+		for (unsigned n = 0; n < 4; ++n) {
+			const unsigned i = order == FacetOrder::kDescending ? 3 - n : n;
 			const bool bJoins = (border.conflict >> i & 1U) != 0;
 			CavityMark::setIf(bJoins, *border.pNeigh[i]);
 			stack.pushIf(bJoins, {border.pNeigh[i], border.pApex[i]});
 			dead.pushIf(bJoins, border.pNeigh[i]);
-			facets.pushIf((border.boundary() >> i & 1U) != 0, {pTet, i, border.positive});
+			facets.pushIf((border.boundary() >> i & 1U) != 0, {tet.pTet, i, border.positive});
 		}
 		vCavityStack.accept(stack);
 		vDeadTets.accept(dead);
@@ -80,93 +94,57 @@ TULO3D_ALWAYS_INLINE void Dt3::carve(const Point3* pVtx, Tet3* pStartTet)
 	}
 }
 
-void Dt3::carvePortable(const Point3* pVtx, Tet3* pStartTet)
+template <Dt3::FacetOrder order>
+void Dt3::carvePortable(const Point3& vtx)
 {
-	carve<HalfBatches>(pVtx, pStartTet);
+	growCavity<order>([&](Tet3* pTet) TULO3D_INLINE_LAMBDA {
+		return classifyNeighbours<HalfBatches>(pTet, vtx, batchTests, predicates);
+	});
 }
 
 #if defined(TULO3D_AVX2)
-TULO3D_AVX2 void Dt3::carveAvx2(const Point3* pVtx, Tet3* pStartTet)
+template <Dt3::FacetOrder order>
+TULO3D_AVX2 void Dt3::carveAvx2(const Point3& vtx)
 {
-	carve<WholeBatch>(pVtx, pStartTet);
+	growCavity<order>([&](Tet3* pTet) TULO3D_INLINE_LAMBDA {
+		return classifyNeighbours<WholeBatch>(pTet, vtx, batchTests, predicates);
+	});
 }
 #else
-void Dt3::carveAvx2(const Point3* pVtx, Tet3* pStartTet)
+template <Dt3::FacetOrder order>
+void Dt3::carveAvx2(const Point3& vtx)
 {
-	carvePortable(pVtx, pStartTet);
+	carvePortable<order>(vtx);
 }
 #endif
 
-void Dt3::carveFound(const Reservation& reservation)
+void Dt3::carve(const Point3& vtx, FacetOrder order)
 {
-	Tet3* const pStartTet = reservation.cavity().begin()->pTet;
-	startCavity(pStartTet);
-	for (int i = 1; i < 4; ++i) star.vCorners.add(pStartTet->getCorner(i));
-	for (const CavityTet& found : reservation.cavity()) {
-		star.vCorners.add(found.pApex);
-		CavityMark::set(*found.pTet);
+	constexpr auto kUp = FacetOrder::kAscending, kDown = FacetOrder::kDescending;
+	if (batchTests.bAvx2) {
+		order == kUp ? carveAvx2<kUp>(vtx) : carveAvx2<kDown>(vtx);
+	} else {
+		order == kUp ? carvePortable<kUp>(vtx) : carvePortable<kDown>(vtx);
 	}
-
-	// The same depth-first order as above. What is still reserved has not been on the stack yet.
-	const unsigned positive = reservation.seesPositive() ? 0xFU : 0;
-	reservation.release(*pStartTet);
-	while (!vCavityStack.empty()) {
-		Tet3* const pTet = vCavityStack.pop().pTet;
-		retire(pTet);
-		auto stack = vCavityStack.writer(4);
-		auto dead = vDeadTets.writer(4);
-		auto facets = vCavityFacets.writer(4);
-		for (unsigned i = 4; i-- > 0;) {
-			Tet3* const pNeigh = pTet->getOppTet(static_cast<int>(i));
-			const bool bInside = CavityMark::isSet(*pNeigh);
-			const bool bJoins = reservation.release(*pNeigh) & bInside;
-			stack.pushIf(bJoins, {pNeigh, nullptr});
-			dead.pushIf(bJoins, pNeigh);
-			facets.pushIf(!bInside, {pTet, i, positive});
-		}
-		vCavityStack.accept(stack);
-		vDeadTets.accept(dead);
-		vCavityFacets.accept(facets);
-	}
-}
-
-inline Tet3* Dt3::closeFacet(const CavityFacet& facet, Point3* pVtx)
-{
-	const auto [pTet, ith, positive] = facet;
-	const bool bPositive = (positive >> ith & 1U) != 0;
-	const auto& [a, b, c] = kOutside[ith];
-	Tet3* pNewTet = bPositive
-	    ? makePositiveTet(pVtx, pTet->getCorner(a), pTet->getCorner(b), pTet->getCorner(c))
-	    : createTet(pVtx, pTet->getCorner(a), pTet->getCorner(b), pTet->getCorner(c));
-	Tet3* pNeigh = pTet->getOppTet(static_cast<int>(ith));
-	if (pNeigh != nullptr) registerTets(pNewTet, 0, pNeigh, pNeigh->getIntraTetIndex(pTet));
-	star.vTets.add(pNewTet);
-	return pNewTet;
-}
-
-void Dt3::startCavity(Tet3* pStartTet)
-{
-	swapDeadAndRecycled();
-	star.clear();
-	vDeadTets.add(pStartTet);
-	vCavityStack.clear();
-	vCavityStack.add({pStartTet, pStartTet->getCorner(0)});
-	vCavityFacets.clear();
 }
 
 Tet3* Dt3::replaceCavity(Point3* pVtx, Tet3* pStartTet)
 {
-	if (batchTests.bAvx2) {
-		carveAvx2(pVtx, pStartTet);
-	} else {
-		carvePortable(pVtx, pStartTet);
-	}
+	beginCavity();
+	joinCavity(pStartTet); // the walk ended inside it, so it is in conflict without a test
+	carve(*pVtx, FacetOrder::kDescending);
 	return fillCavity(pVtx);
 }
 
 Tet3* Dt3::replaceCavity(Point3* pVtx, const Reservation& reservation)
 {
-	carveFound(reservation);
+	beginCavity();
+	Tet3* const pStartTet = *reservation.cavity().begin();
+	reservation.release(*pStartTet);
+	for (Tet3* pTet : reservation.cavity()) CavityMark::set(*pTet);
+	joinCavity(pStartTet);
+	growCavity<FacetOrder::kDescending>(
+	    [&](Tet3* pTet) { return reservation.takeNeighbours(*pTet); });
 	return fillCavity(pVtx);
 }
 

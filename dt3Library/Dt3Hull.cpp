@@ -44,12 +44,12 @@ Tet3* Dt3::insertAtHull(Point3** ppVtx, Tet3* pCurTet, int outIndex)
 		(bStays ? vCHTets : vInConflict).push_back(pTet);
 	}
 
-	swapDeadAndRecycled();
-	star.clear();
-	std::vector<Tet3*> vDoomedTets;
-	for (Tet3* pTet : vInConflict) doom(pTet, vDoomedTets);
-	growDoomed(pVtx, vDoomedTets);
-
+	beginCavity();
+	const std::size_t numDead = vDeadTets.size();
+	for (Tet3* pTet : vInConflict) joinCavity(pTet);
+	carve(*pVtx, FacetOrder::kAscending);
+	// Not by vCavityFacets: the new tetrahedra come in the order in which the doomed ones were found.
+	const std::vector<Tet3*> vDoomedTets(vDeadTets.begin() + numDead, vDeadTets.end());
 	Tet3* pNewTet1 = createConeTets(vCHTets, pVtx);
 	Tet3* pNewTet2 = vDoomedTets.empty() ? nullptr : retriangulateDoomedTets(vDoomedTets, pVtx);
 
@@ -97,31 +97,6 @@ std::vector<Tet3*> Dt3::gatherVisibleTets(const Point3* pVtx, Tet3* pCurTet, int
 	return vGathered;
 }
 
-void Dt3::doom(Tet3* pTet, std::vector<Tet3*>& vDoomedTets)
-{
-	CavityMark::set(*pTet);
-	markTetDead(pTet);
-	vDoomedTets.push_back(pTet);
-}
-
-void Dt3::growDoomed(const Point3* pVtx, std::vector<Tet3*>& vDoomedTets)
-{
-	vCavityStack.clear();
-	vCavityStack.makeRoom(vDoomedTets.size());
-	for (Tet3* pTet : vDoomedTets) vCavityStack.push({pTet, nullptr});
-	while (!vCavityStack.empty()) {
-		Tet3* pCurTet = vCavityStack.pop().pTet;
-		vCavityStack.makeRoom(4);
-		CONDITION_CHECK(pCurTet!=0);
-		const Surroundings border = classifyExactly(pCurTet, *pVtx, batchTests, predicates);
-		for (int i = 0; i < 4; ++i) {
-			if ((border.conflict >> i & 1U) == 0) continue;
-			doom(border.pNeigh[i], vDoomedTets);
-			vCavityStack.push({border.pNeigh[i], nullptr});
-		}
-	}
-}
-
 Tet3* Dt3::createConeTets(const std::vector<Tet3*>& vCHTets, Point3* pVtx)
 {
 	Tet3* pLastTet = nullptr;
@@ -133,8 +108,8 @@ Tet3* Dt3::createConeTets(const std::vector<Tet3*>& vCHTets, Point3* pVtx)
 			if (orient == ORIENTATION3_POSITIVE || orient == ORIENTATION3_COPLANAR) continue;
 			CONDITION_CHECK(orient==ORIENTATION3_NEGATIVE);
 			const auto [a, b, c] = insideFacet(i);
-			pLastTet =
-			    createTet(pVtx, pCHTet->getCorner(a), pCHTet->getCorner(b), pCHTet->getCorner(c));
+			pLastTet = makePositiveTet(
+			    pVtx, pCHTet->getCorner(a), pCHTet->getCorner(b), pCHTet->getCorner(c));
 			registerTets(pLastTet, 0, pCHTet, i);
 			star.addWithCorners(pLastTet);
 		}
@@ -155,13 +130,9 @@ Tet3* Dt3::retriangulateDoomedTets(const std::vector<Tet3*>& vDoomedTets, Point3
 			Tet3* pOppTet = pDoomedTet->getOppTet(i);
 			if (pOppTet != nullptr && CavityMark::isSet(*pOppTet)) continue;
 			if (predicates.getOrientation3(pDoomedTet, i, pVtx) != ORIENTATION3_POSITIVE) continue;
-			pNewTet = createTetReplacingCorner(pDoomedTet, i, pVtx);
+			pNewTet = closeFacet({pDoomedTet, static_cast<unsigned>(i), 1U << i}, pVtx);
 			CONDITION_CHECK(pNewTet!=0);
 			CONDITION_CHECK(!pNewTet->hasBeenVisited);
-			if (pOppTet != nullptr) {
-				registerTets(pNewTet, 0, pOppTet, pOppTet->getIntraTetIndex(pDoomedTet));
-			}
-			star.addWithCorners(pNewTet);
 		}
 	}
 	return pNewTet;

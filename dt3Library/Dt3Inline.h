@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
-// The innermost operations of an insertion, each called some thirty times per vertex: in a header, so
-// that the compiler can inline them.
+// The innermost operations of an insertion, each called some thirty times per vertex: in a header, so that the compiler can inline them.
 #pragma once
 
 #include "Dt3.h"
+#include "geometry/TetIndices.h"
 #include "lookahead/Reservation.h"
 
 namespace TULO3D {
@@ -43,6 +43,19 @@ inline void Dt3::markTetDead(Tet3* pTet)
 {
 	retire(pTet);
 	vDeadTets.add(pTet);
+}
+
+inline Tet3* Dt3::closeFacet(const CavityFacet& facet, Point3* pVtx)
+{
+	const auto [pTet, ith, positive] = facet;
+	const auto& [a, b, c] = kOutside[ith];
+	Tet3* pNewTet = (positive >> ith & 1U) != 0
+	    ? makePositiveTet(pVtx, pTet->getCorner(a), pTet->getCorner(b), pTet->getCorner(c))
+	    : createTet(pVtx, pTet->getCorner(a), pTet->getCorner(b), pTet->getCorner(c));
+	Tet3* pNeigh = pTet->getOppTet(static_cast<int>(ith));
+	if (pNeigh != nullptr) registerTets(pNewTet, 0, pNeigh, pNeigh->getIntraTetIndex(pTet));
+	star.vTets.add(pNewTet);
+	return pNewTet;
 }
 
 } // namespace TULO3D

@@ -30,7 +30,7 @@ void CavitySearch::run(
 {
 	vNew.clear();
 	for (Reservation* pReservation = pFirst; pReservation != pFirst + count; ++pReservation) {
-		if (pReservation->bValid) vNew.add({pReservation, pReservation->vCavity.begin()->pTet});
+		if (pReservation->bValid) vNew.add({pReservation, *pReservation->vCavity.begin()});
 	}
 	while (!vNew.empty()) {
 		for (const Member& member : vNew) prefetchNeighbours<Cache::kSecond>(*member.pTet);
@@ -51,7 +51,8 @@ TULO3D_ALWAYS_INLINE void CavitySearch::testNeighbours(
 {
 	for (const auto& [pReservation, pTet] : vNew) {
 		if (!pReservation->bValid) continue; // aborted in this round
-		const Surroundings border = lookAround<Lanes>(pTet, *pReservation->pVtx, tests, predicates);
+		const Surroundings border =
+		    classifyNeighbours<Lanes>(pTet, *pReservation->pVtx, tests, predicates);
 		// At the hull, the insertion of a vertex beyond it could add a tetrahedron to this cavity without
 		// removing a reserved one. Once all neighbours exist, no facet of the cavity can become a hull
 		// facet: points are never removed.
@@ -67,7 +68,7 @@ TULO3D_ALWAYS_INLINE void CavitySearch::testNeighbours(
 			Tet3* const pNeigh = border.pNeigh[i];
 			const bool bConflict = (border.conflict >> i & 1U) != 0;
 			const bool bJoins = Reservation::reserve(*pNeigh, mine) & bConflict;
-			cavity.pushIf(bJoins, {pNeigh, border.pApex[i]});
+			cavity.pushIf(bJoins, pNeigh);
 			joining.pushIf(bJoins, {pReservation, pNeigh});
 		}
 		pReservation->vCavity.accept(cavity);

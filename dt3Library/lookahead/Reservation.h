@@ -52,17 +52,32 @@ public:
 	bool isComplete() const { return bValid; }
 
 	/// The tetrahedra in conflict with the vertex, first the one that contains it.
-	const ScratchArray<CavityTet>& cavity() const { return vCavity; }
-	/// The vertex is known to lie strictly on the cavity's side of all facets of the cavity boundary: the new
-	/// tetrahedra need no orientation test.
-	bool seesPositive() const { return bPositive; }
-
+	const ScratchArray<Tet3*>& cavity() const { return vCavity; }
 	/// Releases one tetrahedron; true when it was reserved.
 	bool release(Tet3& tet) const
 	{
 		const bool bReserved = (tet.reservations & myBit) != 0;
 		tet.reservations &= static_cast<Bits>(~myBit);
 		return bReserved;
+	}
+
+	/// The neighbours of a tetrahedron of the cavity, when all of the cavity bears its mark; releases them.
+	/// What is still reserved has not joined the cavity yet.
+	Surroundings takeNeighbours(const Tet3& tet) const
+	{
+		const std::uintptr_t mix = xorOfCorners(tet);
+		Surroundings border;
+		border.open = border.conflict = border.hull = 0;
+		for (int i = 0; i < 4; ++i) {
+			Tet3* const pNeigh = tet.getOppTet(i);
+			const bool bInside = CavityMark::isSet(*pNeigh);
+			border.pNeigh[i] = pNeigh;
+			border.pApex[i] = apexBeyond(tet, mix, i, *pNeigh);
+			border.open |= static_cast<unsigned>(!bInside) << i;
+			border.conflict |= static_cast<unsigned>(release(*pNeigh) & bInside) << i;
+		}
+		border.positive = bPositive ? 0xFU : 0;
+		return border;
 	}
 
 	/// All reservations of a tetrahedron that has been removed.
@@ -80,10 +95,10 @@ private:
 	}
 
 	bool bValid = false;
-	bool bPositive = true;
+	bool bPositive = true; // strictly on the cavity's side of all facets of the cavity boundary
 	Bits myBit = 0;
 	const Point3* pVtx = nullptr;
-	ScratchArray<CavityTet> vCavity;
+	ScratchArray<Tet3*> vCavity;
 };
 
 } // namespace TULO3D

@@ -31,19 +31,20 @@ struct CavityTet
 	Point3* pApex; ///< its corner beyond the facet through which it was found
 };
 
-/// The neighbours of one tetrahedron of the cavity. In the bit sets, bit i is facet i and the neighbour
-/// beyond it.
+/// The neighbours of one tetrahedron of the cavity, before and after the test. In the bit sets, bit i is facet i
+/// and the neighbour beyond it.
 struct Surroundings
 {
-	Tet3* pNeigh[4];    ///< the tetrahedron itself where there is none, so that no pointer is null
-	Point3* pApex[4];   ///< the corners beyond the facets
-	unsigned hull;      ///< there is no neighbour
-	unsigned open;      ///< the neighbour is not in the cavity yet, or there is none
-	unsigned conflict;  ///< not in the cavity yet, and in conflict: it joins the cavity
-	unsigned undecided; ///< not in the cavity yet, and not decided by the test
-	unsigned positive;  ///< the vertex is known to lie strictly on the tetrahedron's side
+	Tet3* pNeigh[4];   ///< the tetrahedron itself where there is none, so that no pointer is null
+	Point3* pApex[4];  ///< the corners beyond the facets
+	unsigned hull;     ///< there is no neighbour
+	unsigned open;     ///< the neighbour is not in the cavity yet, or there is none
+	unsigned conflict; ///< not in the cavity yet, and in conflict: it joins the cavity
+	unsigned positive; ///< the vertex is known to lie strictly on the tetrahedron's side
 
-	/// Facets of the cavity boundary, on the hull or not, once nothing is undecided.
+	/// Not in the cavity yet: conflict or not is the question.
+	unsigned toTest() const { return open & ~hull; }
+	/// Facets of the cavity boundary, on the hull or not, once `conflict` is known.
 	unsigned boundary() const { return open & ~conflict; }
 };
 
@@ -67,14 +68,10 @@ inline Point3* apexBeyond(const Tet3& tet, std::uintptr_t mix, int i, const Tet3
 	return reinterpret_cast<Point3*>(facet ^ xorOfCorners(neigh));
 }
 
-/// Gathers the neighbours of pTet and tests them together. `test` is a NeighbourTest, or its first stage
-/// alone; either may leave facets undecided. The test is evaluated for all four neighbours, also where there
-/// is none or it is in the cavity already: that is cheaper than a misprediction.
-template <typename Test>
-TULO3D_ALWAYS_INLINE Surroundings lookAround(Tet3* pTet, const Point3& vtx, Test test)
+/// The neighbours of pTet, not tested yet.
+TULO3D_ALWAYS_INLINE Surroundings gatherNeighbours(Tet3* pTet)
 {
 	Surroundings border;
-	NeighbourBatch batch;
 	const std::uintptr_t mix = xorOfCorners(*pTet);
 	border.hull = 0;
 	unsigned inside = 0;
@@ -85,33 +82,45 @@ TULO3D_ALWAYS_INLINE Surroundings lookAround(Tet3* pTet, const Point3& vtx, Test
 		inside |= static_cast<unsigned>(CavityMark::isSet(*pNeigh)) << i;
 		border.pNeigh[i] = pNeigh;
 		border.pApex[i] = apexBeyond(*pTet, mix, i, *pNeigh);
-		batch.corner[i] = pTet->getCorner(i);
-		batch.opposite[i] = border.pApex[i];
 	}
-	const NeighbourVerdicts verdicts = test(batch, vtx);
-	const unsigned toTest = ~(inside | border.hull) & 0xFU;
-	border.open = toTest | border.hull;
-	border.conflict = verdicts.inside & toTest;
-	border.undecided = toTest & ~(verdicts.inside | verdicts.outside);
-	border.positive = verdicts.positive;
+	border.open = (~inside & 0xFU) | border.hull;
+	border.conflict = border.positive = 0;
 	return border;
 }
 
-/// With all stages of the in-sphere test: nothing is left undecided.
-Surroundings classifyExactly(
-    Tet3* pTet, const Point3& vtx, const BatchTests& tests, const ArdoTest3& predicates);
+/// What the tests compare with a vertex: the corners of the tetrahedron and of its neighbours.
+TULO3D_ALWAYS_INLINE NeighbourBatch batchOf(const Tet3& tet, const Surroundings& border)
+{
+	NeighbourBatch batch;
+	for (int i = 0; i < 4; ++i) {
+		batch.corner[i] = tet.getCorner(i);
+		batch.opposite[i] = border.pApex[i];
+	}
+	return batch;
+}
 
-/// The same result. Tries the first stage of Lanes alone, inlined, which nearly always decides all four.
+/// Decides neighbours that the first stage has left undecided, by all stages of the in-sphere test.
+NeighbourVerdicts decideRest(Tet3* pTet, unsigned undecided, const Point3& vtx,
+    const BatchTests& tests, const ArdoTest3& predicates);
+
+/// Gathers the neighbours of pTet and tests them together, exactly. The first stage is that of Lanes, inlined,
+/// which nearly always decides all four. It is evaluated for all of them, also where there is none or it is in
+/// the cavity already: that is cheaper than a misprediction.
 template <typename Lanes>
-TULO3D_ALWAYS_INLINE Surroundings lookAround(
+TULO3D_ALWAYS_INLINE Surroundings classifyNeighbours(
     Tet3* pTet, const Point3& vtx, const BatchTests& tests, const ArdoTest3& predicates)
 {
-	Surroundings border = lookAround(pTet, vtx, Lanes::verdicts);
-	if (border.undecided != 0) {
-		const Surroundings thorough = classifyExactly(pTet, vtx, tests, predicates);
-		border.conflict = thorough.conflict;
-		border.positive = thorough.positive;
+	Surroundings border = gatherNeighbours(pTet);
+	NeighbourVerdicts verdicts = Lanes::verdicts(batchOf(*pTet, border), vtx);
+	const unsigned undecided = border.toTest() & ~(verdicts.inside | verdicts.outside);
+	if (undecided != 0) {
+		// Not given `border`: it stays in registers as long as no other function can see it.
+		const NeighbourVerdicts rest = decideRest(pTet, undecided, vtx, tests, predicates);
+		verdicts.inside |= rest.inside;
+		verdicts.positive |= rest.positive;
 	}
+	border.conflict = verdicts.inside & border.toTest();
+	border.positive = verdicts.positive;
 	return border;
 }
 
