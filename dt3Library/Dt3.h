@@ -286,7 +286,7 @@ private:
 	void carvePortable(const Point3& vtx);
 	template <FacetOrder order>
 	void carveAvx2(const Point3& vtx);
-	/// The search itself. `classify` maps a tetrahedron to its Surroundings. Fills vDeadTets and vCavityFacets.
+	/// The search itself. `classify` maps a CavityTet to its Surroundings. Fills vDeadTets and vCavityFacets.
 	template <FacetOrder order, typename Classify>
 	void growCavity(Classify classify);
 	/// Joins pVtx to the facets of the cavity; the last tetrahedron made.

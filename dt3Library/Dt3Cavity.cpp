@@ -75,18 +75,18 @@ TULO3D_ALWAYS_INLINE void Dt3::growCavity(Classify classify)
 	while (!vCavityStack.empty()) {
 		const CavityTet tet = vCavityStack.pop();
 		retire(tet.pTet);
-		star.vCorners.add(tet.pApex);
-		const Surroundings border = classify(tet.pTet);
+		const auto border = classify(tet);
 		auto stack = vCavityStack.writer(4);
 		auto dead = vDeadTets.writer(4);
 		auto facets = vCavityFacets.writer(4);
 		for (unsigned n = 0; n < 4; ++n) {
 			const unsigned i = order == FacetOrder::kDescending ? 3 - n : n;
-			const bool bJoins = (border.conflict >> i & 1U) != 0;
-			CavityMark::setIf(bJoins, *border.pNeigh[i]);
-			stack.pushIf(bJoins, {border.pNeigh[i], border.pApex[i]});
-			dead.pushIf(bJoins, border.pNeigh[i]);
-			facets.pushIf((border.boundary() >> i & 1U) != 0, {tet.pTet, i, border.positive});
+			const CavityTet neighbour = border.neighbour(i);
+			const bool bJoins = border.joins(i);
+			facets.pushIf(border.isBoundary(i), {tet.pTet, i, border.positive});
+			CavityMark::setIf(bJoins, *neighbour.pTet);
+			stack.pushIf(bJoins, neighbour);
+			dead.pushIf(bJoins, neighbour.pTet);
 		}
 		vCavityStack.accept(stack);
 		vDeadTets.accept(dead);
@@ -97,8 +97,9 @@ TULO3D_ALWAYS_INLINE void Dt3::growCavity(Classify classify)
 template <Dt3::FacetOrder order>
 void Dt3::carvePortable(const Point3& vtx)
 {
-	growCavity<order>([&](Tet3* pTet) TULO3D_INLINE_LAMBDA {
-		return classifyNeighbours<HalfBatches>(pTet, vtx, batchTests, predicates);
+	growCavity<order>([&](const CavityTet& tet) TULO3D_INLINE_LAMBDA {
+		star.vCorners.add(tet.pApex);
+		return classifyNeighbours<HalfBatches>(tet.pTet, vtx, batchTests, predicates);
 	});
 }
 
@@ -106,8 +107,9 @@ void Dt3::carvePortable(const Point3& vtx)
 template <Dt3::FacetOrder order>
 TULO3D_AVX2 void Dt3::carveAvx2(const Point3& vtx)
 {
-	growCavity<order>([&](Tet3* pTet) TULO3D_INLINE_LAMBDA {
-		return classifyNeighbours<WholeBatch>(pTet, vtx, batchTests, predicates);
+	growCavity<order>([&](const CavityTet& tet) TULO3D_INLINE_LAMBDA {
+		star.vCorners.add(tet.pApex);
+		return classifyNeighbours<WholeBatch>(tet.pTet, vtx, batchTests, predicates);
 	});
 }
 #else
@@ -139,12 +141,15 @@ Tet3* Dt3::replaceCavity(Point3* pVtx, Tet3* pStartTet)
 Tet3* Dt3::replaceCavity(Point3* pVtx, const Reservation& reservation)
 {
 	beginCavity();
-	Tet3* const pStartTet = *reservation.cavity().begin();
+	for (const CavityTet& found : reservation.cavity()) {
+		CavityMark::set(*found.pTet);
+		star.vCorners.add(found.pApex);
+	}
+	Tet3* const pStartTet = reservation.cavity().begin()->pTet;
 	reservation.release(*pStartTet);
-	for (Tet3* pTet : reservation.cavity()) CavityMark::set(*pTet);
 	joinCavity(pStartTet);
 	growCavity<FacetOrder::kDescending>(
-	    [&](Tet3* pTet) { return reservation.takeNeighbours(*pTet); });
+	    [&](const CavityTet& tet) { return Reservation::Neighbours(reservation, *tet.pTet); });
 	return fillCavity(pVtx);
 }
 

@@ -30,7 +30,7 @@ void CavitySearch::run(
 {
 	vNew.clear();
 	for (Reservation* pReservation = pFirst; pReservation != pFirst + count; ++pReservation) {
-		if (pReservation->bValid) vNew.add({pReservation, *pReservation->vCavity.begin()});
+		if (pReservation->bValid) vNew.add({pReservation, pReservation->vCavity.begin()->pTet});
 	}
 	while (!vNew.empty()) {
 		for (const Member& member : vNew) prefetchNeighbours<Cache::kSecond>(*member.pTet);
@@ -68,7 +68,7 @@ TULO3D_ALWAYS_INLINE void CavitySearch::testNeighbours(
 			Tet3* const pNeigh = border.pNeigh[i];
 			const bool bConflict = (border.conflict >> i & 1U) != 0;
 			const bool bJoins = Reservation::reserve(*pNeigh, mine) & bConflict;
-			cavity.pushIf(bJoins, pNeigh);
+			cavity.pushIf(bJoins, {pNeigh, border.pApex[i]});
 			joining.pushIf(bJoins, {pReservation, pNeigh});
 		}
 		pReservation->vCavity.accept(cavity);

@@ -52,7 +52,7 @@ public:
 	bool isComplete() const { return bValid; }
 
 	/// The tetrahedra in conflict with the vertex, first the one that contains it.
-	const ScratchArray<Tet3*>& cavity() const { return vCavity; }
+	const ScratchArray<CavityTet>& cavity() const { return vCavity; }
 	/// Releases one tetrahedron; true when it was reserved.
 	bool release(Tet3& tet) const
 	{
@@ -61,30 +61,16 @@ public:
 		return bReserved;
 	}
 
-	/// The neighbours of a tetrahedron of the cavity, when all of the cavity bears its mark; releases them.
-	/// What is still reserved has not joined the cavity yet.
-	Surroundings takeNeighbours(const Tet3& tet) const
-	{
-		const std::uintptr_t mix = xorOfCorners(tet);
-		Surroundings border;
-		border.open = border.conflict = border.hull = 0;
-		for (int i = 0; i < 4; ++i) {
-			Tet3* const pNeigh = tet.getOppTet(i);
-			const bool bInside = CavityMark::isSet(*pNeigh);
-			border.pNeigh[i] = pNeigh;
-			border.pApex[i] = apexBeyond(tet, mix, i, *pNeigh);
-			border.open |= static_cast<unsigned>(!bInside) << i;
-			border.conflict |= static_cast<unsigned>(release(*pNeigh) & bInside) << i;
-		}
-		border.positive = bPositive ? 0xFU : 0;
-		return border;
-	}
+	/// The neighbours of a tetrahedron of the cavity, once all of the cavity bears its mark: the part of
+	/// Surroundings by which a cavity grows. What is still reserved has not joined the cavity yet.
+	class Neighbours;
 
 	/// All reservations of a tetrahedron that has been removed.
 	static Bits takeBits(Tet3& tet) { return std::exchange(tet.reservations, Bits{0}); }
 
 private:
 	friend class CavitySearch;
+	friend class Neighbours;
 
 	/// True when it was not reserved yet.
 	static bool reserve(Tet3& tet, Bits mine)
@@ -98,7 +84,32 @@ private:
 	bool bPositive = true; // strictly on the cavity's side of all facets of the cavity boundary
 	Bits myBit = 0;
 	const Point3* pVtx = nullptr;
-	ScratchArray<Tet3*> vCavity;
+	ScratchArray<CavityTet> vCavity;
+};
+
+class Reservation::Neighbours
+{
+public:
+	Neighbours(const Reservation& theReservation, const Tet3& theTet)
+	    : positive(theReservation.bPositive ? 0xFU : 0), reservation(theReservation), tet(theTet)
+	{
+	}
+
+	/// Without the corner beyond: cavity() has it.
+	CavityTet neighbour(unsigned i) const { return {tet.getOppTet(static_cast<int>(i)), nullptr}; }
+	/// To be called once: releases the neighbour.
+	bool joins(unsigned i) const
+	{
+		Tet3& neigh = *neighbour(i).pTet;
+		return reservation.release(neigh) & CavityMark::isSet(neigh);
+	}
+	bool isBoundary(unsigned i) const { return !CavityMark::isSet(*neighbour(i).pTet); }
+
+	const unsigned positive;
+
+private:
+	const Reservation& reservation;
+	const Tet3& tet;
 };
 
 } // namespace TULO3D

@@ -44,8 +44,12 @@ struct Surroundings
 
 	/// Not in the cavity yet: conflict or not is the question.
 	unsigned toTest() const { return open & ~hull; }
-	/// Facets of the cavity boundary, on the hull or not, once `conflict` is known.
-	unsigned boundary() const { return open & ~conflict; }
+
+	// Once `conflict` and `positive` are known:
+	CavityTet neighbour(unsigned i) const { return {pNeigh[i], pApex[i]}; }
+	bool joins(unsigned i) const { return (conflict >> i & 1U) != 0; }
+	/// Facet i is on the cavity boundary, on the hull or not.
+	bool isBoundary(unsigned i) const { return ((open & ~conflict) >> i & 1U) != 0; }
 };
 
 inline std::uintptr_t addressOf(const Point3* p)
