@@ -53,6 +53,7 @@ public:
 
 	/// The tetrahedra in conflict with the vertex, first the one that contains it.
 	const ScratchArray<CavityTet>& cavity() const { return vCavity; }
+
 	/// Releases one tetrahedron; true when it was reserved.
 	bool release(Tet3& tet) const
 	{
@@ -101,7 +102,8 @@ public:
 	bool joins(unsigned i) const
 	{
 		Tet3& neigh = *neighbour(i).pTet;
-		return reservation.release(neigh) & CavityMark::isSet(neigh);
+		const bool bReserved = reservation.release(neigh);
+		return CavityMark::isSet(neigh) && bReserved;
 	}
 	bool isBoundary(unsigned i) const { return !CavityMark::isSet(*neighbour(i).pTet); }
 
