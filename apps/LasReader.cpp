@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The points of an uncompressed LAS file, versions 1.0 to 1.4: integers times scale plus offset.
 #include "Bytes.h"
-#include "Errors.h"
+#include "Failure.h"
 #include "Reader.h"
 
 namespace app {

@@ -2,7 +2,7 @@
 // Splitting a text into lines, fields and numbers.
 #include "LineReader.h"
 
-#include "Errors.h"
+#include "Failure.h"
 #include "Progress.h"
 
 #include <charconv>

@@ -2,7 +2,7 @@
 // The options with their help texts.
 #include "Options.h"
 
-#include "Errors.h"
+#include "Failure.h"
 #include "Progress.h"
 #include "Reader.h"
 

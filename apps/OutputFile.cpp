@@ -2,7 +2,7 @@
 // Writing under a temporary name, and renaming at the end.
 #include "OutputFile.h"
 
-#include "Errors.h"
+#include "Failure.h"
 
 #include <cerrno>
 #include <cstring>
@@ -35,7 +35,7 @@ OutputFile::OutputFile(fs::path output) : target(std::move(output)), pFile(nullp
 	temporary = target;
 	temporary.replace_filename(
 	    "." + target.filename().string() + "." + std::to_string(std::random_device()()) + ".part");
-	unfinished.emplace(temporary);
+	removal.emplace(temporary);
 	pFile = std::fopen(temporary.string().c_str(), kNewFile);
 	if (!pFile) fail(std::strerror(errno));
 	buffer.reserve(kBufferSize + 64);
@@ -75,7 +75,7 @@ void OutputFile::commit()
 	std::error_code ec;
 	fs::rename(temporary, target, ec);
 	if (ec) fail(ec.message());
-	unfinished.reset();
+	removal.reset();
 	temporary.clear();
 }
 

@@ -2,7 +2,7 @@
 // A file that appears under its name only once it is complete.
 #pragma once
 
-#include "Unfinished.h"
+#include "TemporaryFile.h"
 
 #include <charconv>
 #include <cstdio>
@@ -52,7 +52,7 @@ private:
 
 	std::filesystem::path target;
 	std::filesystem::path temporary;
-	std::optional<Unfinished> unfinished; // knows the place of the temporary name
+	std::optional<TemporaryFile> removal; // of the temporary file, if the program ends early
 	std::FILE* pFile;
 	std::string buffer;
 };

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The vertices of a PLY file, as text or in either byte order. All other elements are read
 // too, to their end, because a file that ends inside one of them is truncated.
-#include "Errors.h"
+#include "Failure.h"
 #include "PlyHeader.h"
 
 namespace app {

@@ -2,7 +2,7 @@
 // From a file name to points: take in the whole file, find its format, call that reader.
 #include "Reader.h"
 
-#include "Errors.h"
+#include "Failure.h"
 #include "LineReader.h"
 #include "Progress.h"
 

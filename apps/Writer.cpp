@@ -2,7 +2,7 @@
 // The choice between the output formats, and the two small ones: the hull as OFF, the OOGL drawing.
 #include "Writer.h"
 
-#include "Errors.h"
+#include "Failure.h"
 #include "LineReader.h"
 #include "OutputFile.h"
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The program tulo3d: reads points, triangulates them, checks the mesh, writes it and reports.
-#include "Errors.h"
+#include "Failure.h"
 #include "LibraryMessages.h"
 #include "Options.h"
 #include "Progress.h"
@@ -120,7 +120,7 @@ int main(int argc, char** argv)
 	// Static: its destructor flushes the messages also when the library ends the process.
 	static app::LibraryMessages messages(options.bVerbose);
 	const auto fail = [](const char* text, app::ExitStatus status) {
-		if (status == app::kLibraryGaveUp || status == app::kNotValid) messages.release();
+		if (status == app::kInternalError || status == app::kNotValid) messages.release();
 		messages.dismiss();
 		std::fprintf(stderr, "tulo3d: %s\n", text);
 		return status;
@@ -130,8 +130,8 @@ int main(int argc, char** argv)
 	} catch (const app::Failure& failure) {
 		return fail(failure.what(), failure.status);
 	} catch (const std::bad_alloc&) {
-		return fail("out of memory", app::kLibraryGaveUp);
+		return fail("out of memory", app::kInternalError);
 	} catch (const std::exception& error) {
-		return fail(error.what(), app::kLibraryGaveUp);
+		return fail(error.what(), app::kInternalError);
 	}
 }

@@ -10,7 +10,7 @@ namespace app {
 // clang-format off
 enum ExitStatus {
 	kDone         = 0,
-	kLibraryGaveUp = 1, // internal error or out of memory; also the status with which the library itself stops the process
+	kInternalError = 1, // or out of memory; the library itself stops the process with it, too
 	kWrongUse     = 2,
 	kBadInput     = 3,
 	kNoMesh       = 4, // fewer than four points, or all in one plane

@@ -9,14 +9,14 @@ namespace app {
 
 /// The name of a file that is removed when the program ends by `exit` or by a signal such as Ctrl-C
 /// while the object lives: then no destructor runs. (A signal on Windows leaves the file.)
-class Unfinished
+class TemporaryFile
 {
 public:
 	/// `file` must outlive the object.
-	explicit Unfinished(const std::filesystem::path& file);
-	~Unfinished();
-	Unfinished(const Unfinished&) = delete;
-	Unfinished& operator=(const Unfinished&) = delete;
+	explicit TemporaryFile(const std::filesystem::path& file);
+	~TemporaryFile();
+	TemporaryFile(const TemporaryFile&) = delete;
+	TemporaryFile& operator=(const TemporaryFile&) = delete;
 
 private:
 	std::size_t slot = 0;

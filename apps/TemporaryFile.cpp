@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
-// The table of unfinished files, which a signal handler may read at any moment.
-#include "Unfinished.h"
+// The table of temporary files, which a signal handler may read at any moment.
+#include "TemporaryFile.h"
 
-#include "Errors.h"
+#include "Failure.h"
 
 #include <atomic>
 #include <csignal>
@@ -71,7 +71,7 @@ void watchTheEnd()
 
 } // namespace
 
-Unfinished::Unfinished(const std::filesystem::path& file)
+TemporaryFile::TemporaryFile(const std::filesystem::path& file)
 {
 	static const bool bOnce = (watchTheEnd(), true);
 	static_cast<void>(bOnce);
@@ -79,10 +79,10 @@ Unfinished::Unfinished(const std::filesystem::path& file)
 		Name none = nullptr;
 		if (aNames[slot].compare_exchange_strong(none, file.c_str())) return;
 	}
-	throw Failure(kLibraryGaveUp, "too many unfinished files");
+	throw Failure(kInternalError, "too many temporary files");
 }
 
-Unfinished::~Unfinished()
+TemporaryFile::~TemporaryFile()
 {
 	aNames[slot] = nullptr;
 }
