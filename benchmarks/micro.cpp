@@ -140,7 +140,7 @@ void orientFast(State& state, Kind kind)
 void orientStageB(State& state, Kind kind)
 {
 	overCases(state, kind, [](const Case& c) {
-		const Orient3dRows rows(c[0], c[1], c[2], c[4]);
+		const Orient3dRows rows = orient3dRows(c[0], c[1], c[2], c[4]);
 		return orient3dStageB(kPredicates, rows, 1.0).det;
 	});
 }
@@ -148,7 +148,7 @@ void orientStageB(State& state, Kind kind)
 void orientExact(State& state, Kind kind)
 {
 	overCases(state, kind, [](const Case& c) {
-		return orient3dExact(kPredicates, Orient3dRows(c[0], c[1], c[2], c[4]));
+		return orient3dExact(kPredicates, orient3dRows(c[0], c[1], c[2], c[4]));
 	});
 }
 
@@ -161,14 +161,14 @@ void insphereFast(State& state, Kind kind)
 void insphereDoubleDouble(State& state, Kind kind)
 {
 	overCases(state, kind, [](const Case& c) {
-		return TULO3D::insphereDoubleDouble(c[0], c[1], c[2], c[3], c[4], 1.0).det;
+		return TULO3D::insphereDoubleDouble(insphereRows(c[0], c[1], c[2], c[3], c[4]), 1.0).det;
 	});
 }
 
 void insphereStageB(State& state, Kind kind)
 {
 	overCases(state, kind, [](const Case& c) {
-		const InsphereRows rows(c[0], c[1], c[2], c[3], c[4]);
+		const InsphereRows rows = insphereRows(c[0], c[1], c[2], c[3], c[4]);
 		return TULO3D::insphereStageB(kPredicates, rows, 1.0).det;
 	});
 }

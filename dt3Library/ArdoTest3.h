@@ -5,11 +5,12 @@
 #include "Point3.h"
 #include "Tet3.h"
 #include "geometry/TetIndices.h"
-#include "predicates/ErrorFree.h"
+#include "predicates/Bounds.h"
+#include "predicates/Determinants.h"
+#include "predicates/Tracked.h"
 #include "predicates/Underflow.h"
 #include "tools.h"
 
-#include <cmath>
 #include <string>
 
 namespace TULO3D {
@@ -33,12 +34,9 @@ enum SphereInclusion { SIC_INSIDE = 0, SIC_OUTSIDE = 1, SIC_VERTEX = 2 };
 ///
 /// Exact for all coordinates up to 1e60, however small: the filters allow for products that underflow, and
 /// the later stages give way to exact integers where products may (see Underflow.h).
-class ArdoTest3
+class ArdoTest3 : public MachineConstants
 {
 public:
-	/// Finds the machine constants and derives the error bounds from them.
-	ArdoTest3();
-
 	/// POSITIVE when ((b - a) x (c - a)) . (d - a) > 0: a, b, c run counter-clockwise seen from d.
 	Orientation3 getOrientation3(
 	    const Point3* a, const Point3* b, const Point3* c, const Point3* d) const;
@@ -73,15 +71,12 @@ public:
 	FastStage insphereFast(
 	    const Point3& a, const Point3& b, const Point3& c, const Point3& d, const Point3& e) const;
 
-	double splitter; ///< cuts a double into two halves of at most 26 bits
-	double epsilon;  ///< half the distance from 1 to the next double
-	double resulterrbound;
-	double ccwerrboundA, ccwerrboundB, ccwerrboundC;
-	double o3derrboundA, o3derrboundB, o3derrboundC;
-	double iccerrboundA, iccerrboundB, iccerrboundC;
-	double isperrboundA, isperrboundB, isperrboundC;
-
 private:
+	/// p seen from the origin.
+	static Row<Entry> filterRow(const Point3& p, const Point3& origin)
+	{
+		return {{p.x() - origin.x()}, {p.y() - origin.y()}, {p.z() - origin.z()}};
+	}
 	Orientation3 orientationInDoubt(
 	    const Point3& a, const Point3& b, const Point3& c, const Point3& d, double permanent) const;
 	Orientation3 exactOrientation(
@@ -92,19 +87,9 @@ private:
 inline ArdoTest3::FastStage ArdoTest3::orient3dFast(
     const Point3& a, const Point3& b, const Point3& c, const Point3& d) const
 {
-	const double adx = a.x() - d.x(), ady = a.y() - d.y(), adz = a.z() - d.z();
-	const double bdx = b.x() - d.x(), bdy = b.y() - d.y(), bdz = b.z() - d.z();
-	const double cdx = c.x() - d.x(), cdy = c.y() - d.y(), cdz = c.z() - d.z();
-
-	const double bdxcdy = bdx * cdy, cdxbdy = cdx * bdy;
-	const double cdxady = cdx * ady, adxcdy = adx * cdy;
-	const double adxbdy = adx * bdy, bdxady = bdx * ady;
-
-	const double det = adz * (bdxcdy - cdxbdy) + bdz * (cdxady - adxcdy) + cdz * (adxbdy - bdxady);
-	const double permanent = (std::abs(bdxcdy) + std::abs(cdxbdy)) * std::abs(adz) +
-	    (std::abs(cdxady) + std::abs(adxcdy)) * std::abs(bdz) +
-	    (std::abs(adxbdy) + std::abs(bdxady)) * std::abs(cdz);
-	return {det, permanent, o3derrboundA * permanent + kLostInOrient3d};
+	const WithMagnitude det =
+	    orientationDeterminant(filterRow(a, d), filterRow(b, d), filterRow(c, d));
+	return {det.value, det.magnitude, o3derrboundA * det.magnitude + kLostInOrient3d};
 }
 
 inline Orientation3 ArdoTest3::getOrientation3(

@@ -119,8 +119,8 @@ TEST(Expansion, SumsAndMultiplesAreExactAndDoNotOverlap)
 		double a[8];
 		for (double& v : a) v = someDouble(random);
 		if (i % 4 == 0) a[6] = a[4], a[7] = a[5]; // half of it cancels
-		const auto p = minor2(kSplitter, a[0], a[1], a[2], a[3]),
-		           q = minor2(kSplitter, a[4], a[5], a[6], a[7]);
+		const auto p = minorXY(kSplitter, {a[0], a[3], 0}, {a[2], a[1], 0}),
+		           q = minorXY(kSplitter, {a[4], a[7], 0}, {a[6], a[5], 0});
 		const auto difference = sum(p, -q);
 		const auto product = scale(kSplitter, difference, a[1]);
 		ASSERT_EQ(exact(p), exact(a[0]) * exact(a[1]) - exact(a[2]) * exact(a[3]));

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Both predicates against the oracle on degenerate and nearly degenerate cases, stage by stage.
+#include "ArdoTest3.h"
 #include "oracle.h"
 #include "predicates/ShewchukStages.h"
 #include "support.h"
@@ -179,7 +180,7 @@ TEST(Predicates, OrientationIsExactInEveryStage)
 			ASSERT_EQ(test.getOrientation3(&a, &b, &c, &d), expected[1 + sign]);
 			if (!Stages::sees(numCase, numOrder++)) continue;
 			const auto fast = test.orient3dFast(a, b, c, d);
-			const Orient3dRows rows(a, b, c, d);
+			const Orient3dRows rows = orient3dRows(a, b, c, d);
 			const StageResult stageB = orient3dStageB(test, rows, fast.permanent);
 			stages.expect(sign, fast, stageB,
 			    orient3dStageC(test, rows, fast.permanent, stageB.det), orient3dExact(test, rows));
@@ -212,12 +213,12 @@ TEST(Predicates, InSphereIsExactInEveryStage)
 			if (!Stages::sees(numCase, numOrder++)) continue;
 			const Point3 &a = p[o[0]], &b = p[o[1]], &c = p[o[2]], &d = p[o[3]], &e = p[4];
 			const auto fast = test.insphereFast(a, b, c, d, e);
-			const InsphereRows rows(a, b, c, d, e);
+			const InsphereRows rows = insphereRows(a, b, c, d, e);
 			const StageResult stageB = insphereStageB(test, rows, fast.permanent);
 			stages.expect(sign, fast, stageB,
 			    insphereStageC(test, rows, fast.permanent, stageB.det),
 			    insphereExact(test, a, b, c, d, e));
-			const auto twice = insphereDoubleDouble(a, b, c, d, e, fast.permanent);
+			const auto twice = insphereDoubleDouble(rows, fast.permanent);
 			EXPECT_EQ(twice.bDecided ? signOf(twice.det) : sign, sign) << "double-doubles";
 			numDoubleDouble += twice.bDecided && !fast.bCertain();
 		} while (std::next_permutation(o.begin(), o.end()));

@@ -5,6 +5,7 @@
 // A kernel is compiled once for each instruction set, by inlining it into one function for each of them;
 // its parts must therefore never be compiled as functions of their own.
 #if defined(__GNUC__)
+#  pragma GCC diagnostic ignored "-Wpsabi" // so no vector type ever crosses a real call, either
 #  define TULO3D_ALWAYS_INLINE inline __attribute__((always_inline))
 #  define TULO3D_INLINE_LAMBDA __attribute__((always_inline)) // behind its parameters
 #else

@@ -118,7 +118,7 @@ TULO3D_ALWAYS_INLINE void exactStage(const Group<Lanes>& group, const Point3& qu
 
 	Flags<Lanes> inexact = (Flags<Lanes>)(powerOfTwo == 0.0); // so small that products underflow
 	const auto check = [&](const Lanes& coordinate, double origin) TULO3D_INLINE_LAMBDA {
-		const DoubleDouble<Lanes> difference = differenceOf<Lanes>(coordinate, Lanes{} + origin);
+		const DoubleDouble<Lanes> difference = twoDiff<Lanes>(coordinate, Lanes{} + origin);
 		const Lanes rounded = (difference.hi + shifter) - shifter;
 		inexact |= (Flags<Lanes>)(difference.lo != 0.0) | (Flags<Lanes>)(rounded != difference.hi);
 	};
@@ -145,7 +145,7 @@ TULO3D_ALWAYS_INLINE void doubleDoubleStage(const Group<Lanes>& group, const Poi
 {
 	const auto rows = [&query](const Points<Lanes>& p) TULO3D_INLINE_LAMBDA {
 		const Lanes x = Lanes{} + query.x(), y = Lanes{} + query.y(), z = Lanes{} + query.z();
-		return sphereRow(differenceOf(p.x, x), differenceOf(p.y, y), differenceOf(p.z, z));
+		return lifted<DoubleDouble<Lanes>>({twoDiff(p.x, x), twoDiff(p.y, y), twoDiff(p.z, z)});
 	};
 	const Lanes det = determinants(rows(group.own), rows(group.other), rows(group.beyond)).det.hi;
 	const Lanes bound = kSphereBoundDoubleDouble * s.sphereSum;

@@ -1,11 +1,13 @@
 // SPDX-License-Identifier: MIT
 // The first stage of the batched tests, inlined into the loops that use it: a floating-point filter on
-// two or four facets at a time. SphereDeterminant.h has the formula and the bounds.
+// two or four facets at a time. Bounds.h derives the bounds.
 #pragma once
 
 #include "geometry/TetIndices.h"
 #include "predicates/BatchTests.h"
-#include "predicates/SphereDeterminant.h"
+#include "predicates/Bounds.h"
+#include "predicates/Determinants.h"
+#include "predicates/DoubleDouble.h"
 
 #include <cstdint>
 
@@ -29,8 +31,6 @@ constexpr bool columnsAreTheFacets()
 static_assert(columnsAreTheFacets(), "a lane would test another facet");
 
 #if defined(__GNUC__)
-#  pragma GCC diagnostic ignored "-Wpsabi" // no lane ever crosses a real call
-
 // A register holds the facets of a batch side by side: all four, or the two of one half. A CPU whose
 // registers are shorter than the type would be slowed down rather than helped.
 typedef double Lanes2 __attribute__((vector_size(16)));
@@ -101,10 +101,7 @@ TULO3D_ALWAYS_INLINE Lanes aboveRoot(const Lanes& v)
 
 /// Points side by side, by their coordinates.
 template <typename Lanes>
-struct Points
-{
-	Lanes x, y, z;
-};
+using Points = Row<Lanes>;
 
 TULO3D_ALWAYS_INLINE Points<Lanes2> gather(const Point3* pP, const Point3* pQ)
 {
@@ -155,7 +152,7 @@ TULO3D_ALWAYS_INLINE SphereDeterminant<N> determinants(
 template <typename Lanes>
 TULO3D_ALWAYS_INLINE SphereRow<Lanes> rowsOf(const Points<Lanes>& p, const Point3& query)
 {
-	return sphereRow<Lanes>(p.x - query.x(), p.y - query.y(), p.z - query.z());
+	return lifted<Lanes>({p.x - query.x(), p.y - query.y(), p.z - query.z()});
 }
 
 /// Doubles with a cheap, generous bound, which nearly always decides all lanes.
@@ -171,17 +168,6 @@ TULO3D_ALWAYS_INLINE LaneVerdicts<Lanes> quickStage(
 	    (Flags<Lanes>)(d.xyz > kQuickFacetBound * volume + kLostInQuickStage)};
 }
 
-/// The minor |xyz|: six times the volume between the query point and the facet a, b, c.
-template <typename N>
-TULO3D_ALWAYS_INLINE N facetDeterminant(
-    const SphereRow<N>& a, const SphereRow<N>& b, const SphereRow<N>& c)
-{
-	const N xy = b.x * c.y - c.x * b.y;
-	const N xz = b.x * c.z - c.x * b.z;
-	const N yz = b.y * c.z - c.y * b.z;
-	return a.x * yz - a.y * xz + a.z * xy;
-}
-
 /// On which sides of the facets the query point certainly lies.
 template <typename Lanes>
 struct LaneSides
@@ -193,7 +179,7 @@ template <typename Lanes>
 TULO3D_ALWAYS_INLINE LaneSides<Lanes> sidesOfFacets(
     const SphereRow<Lanes>& own, const SphereRow<Lanes>& other)
 {
-	const Lanes xyz = facetDeterminant(swapPairs(own), other, swapPairs(other));
+	const Lanes xyz = orientationDeterminant(swapPairs(own), other, swapPairs(other));
 	const Lanes sumL = sumOverFacet(own.l, other.l);
 	const Lanes bound = kQuickFacetBound * (sumL * aboveRoot(sumL)) + kLostInQuickStage;
 	return {(Flags<Lanes>)(xyz > bound), (Flags<Lanes>)(xyz < -bound)};

@@ -12,13 +12,6 @@
 
 namespace TULO3D {
 
-/// a - b, exact.
-template <typename T>
-TULO3D_ALWAYS_INLINE DoubleDouble<T> differenceOf(const T& a, const T& b)
-{
-	return twoDiff(a, b);
-}
-
 template <typename T>
 TULO3D_ALWAYS_INLINE DoubleDouble<T> operator+(const DoubleDouble<T>& a, const DoubleDouble<T>& b)
 {

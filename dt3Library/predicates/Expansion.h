@@ -6,6 +6,7 @@
 // expansion grow in magnitude, so the last one has the sign of the whole.
 #pragma once
 
+#include "predicates/Determinants.h"
 #include "predicates/ErrorFree.h"
 
 namespace TULO3D {
@@ -71,11 +72,26 @@ Expansion<2 * N> scale(double splitter, const Expansion<N>& e, double b)
 	return h;
 }
 
-/// a * b - c * d.
-inline Expansion<4> minor2(double splitter, double a, double b, double c, double d)
+/// The 2 x 2 minor of x and y.
+inline Expansion<4> minorXY(double splitter, const Row<double>& p, const Row<double>& q)
 {
-	return sum(Expansion<2>::of(twoProduct(splitter, a, b)),
-	    -Expansion<2>::of(twoProduct(splitter, c, d)));
+	return sum(Expansion<2>::of(twoProduct(splitter, p.x, q.y)),
+	    -Expansion<2>::of(twoProduct(splitter, q.x, p.y)));
+}
+
+/// az * bc - bz * ac + cz * ab: a 3 x 3 minor from its 2 x 2 ones.
+inline Expansion<24> minorXYZ(double splitter, double az, const Expansion<4>& bc, double bz,
+    const Expansion<4>& ac, double cz, const Expansion<4>& ab)
+{
+	return sum(sum(scale(splitter, bc, az), scale(splitter, ac, -bz)), scale(splitter, ab, cz));
+}
+
+/// e * (x^2 + y^2 + z^2).
+template <int N>
+Expansion<12 * N> timesLift(double splitter, const Expansion<N>& e, const Row<double>& r)
+{
+	const auto timesSquare = [&](double v) { return scale(splitter, scale(splitter, e, v), v); };
+	return sum(sum(timesSquare(r.x), timesSquare(r.y)), timesSquare(r.z));
 }
 
 /// e * (hi + lo), where hi + lo is an exact difference of two coordinates.

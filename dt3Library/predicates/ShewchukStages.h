@@ -2,7 +2,16 @@
 // The adaptive stages behind the filter. Each is a function, so that a test can tell which one decided.
 #pragma once
 
-#include "ArdoTest3.h"
+#include "Point3.h"
+#include "predicates/Bounds.h"
+#include "predicates/Determinants.h"
+#include "predicates/ErrorFree.h"
+#include "predicates/Tracked.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstddef>
 
 namespace TULO3D {
 
@@ -13,59 +22,88 @@ struct StageResult
 	bool bDecided;
 };
 
-/// The rows of the orientation determinant: a, b, c seen from d, rounded, with what was lost.
-struct Orient3dRows
+/// The rows of a determinant, exact: rounded differences (hi) with what was lost (lo, the tails).
+template <std::size_t N>
+using ExactRows = std::array<Row<TwoDoubles>, N>;
+using Orient3dRows = ExactRows<3>;
+using InsphereRows = ExactRows<4>;
+
+/// p seen from the origin.
+inline Row<TwoDoubles> exactRow(const Point3& p, const Point3& origin)
 {
-	Orient3dRows(const Point3& a, const Point3& b, const Point3& c, const Point3& d);
+	return {twoDiff(p.x(), origin.x()), twoDiff(p.y(), origin.y()), twoDiff(p.z(), origin.z())};
+}
 
-	/// True when the differences are exact, so that stage B is exact too.
-	bool hasNoTails() const;
+/// a, b, c seen from d.
+inline Orient3dRows orient3dRows(const Point3& a, const Point3& b, const Point3& c, const Point3& d)
+{
+	return {exactRow(a, d), exactRow(b, d), exactRow(c, d)};
+}
 
-	double adx, ady, adz, bdx, bdy, bdz, cdx, cdy, cdz;
-	double adxTail, adyTail, adzTail, bdxTail, bdyTail, bdzTail, cdxTail, cdyTail, cdzTail;
-};
+/// The four corners seen from the query point e.
+inline InsphereRows insphereRows(
+    const Point3& a, const Point3& b, const Point3& c, const Point3& d, const Point3& e)
+{
+	return {exactRow(a, e), exactRow(b, e), exactRow(c, e), exactRow(d, e)};
+}
 
-/// B: exact in the rounded differences.
-StageResult orient3dStageB(const ArdoTest3& constants, const Orient3dRows& rows, double permanent);
+/// B: exact in the rounded differences, and so exact where there are no tails.
+StageResult orient3dStageB(
+    const MachineConstants& constants, const Orient3dRows& rows, double permanent);
 /// C: the estimate of B, corrected by the tails to first order.
 StageResult orient3dStageC(
-    const ArdoTest3& constants, const Orient3dRows& rows, double permanent, double detB);
+    const MachineConstants& constants, const Orient3dRows& rows, double permanent, double detB);
 /// D: exact.
-double orient3dExact(const ArdoTest3& constants, const Orient3dRows& rows);
+double orient3dExact(const MachineConstants& constants, const Orient3dRows& rows);
 
 /// A value with the exact sign of the determinant: B, C, D, until one is certain.
-double orient3dAdapt(const ArdoTest3& constants, const Point3& a, const Point3& b, const Point3& c,
-    const Point3& d, double permanent);
-
-/// The rows of the in-sphere determinant: the four corners seen from the query point e.
-struct InsphereRows
-{
-	InsphereRows(
-	    const Point3& a, const Point3& b, const Point3& c, const Point3& d, const Point3& e);
-
-	bool hasNoTails() const;
-
-	double aex, aey, aez, bex, bey, bez, cex, cey, cez, dex, dey, dez;
-	double aexTail, aeyTail, aezTail, bexTail, beyTail, bezTail;
-	double cexTail, ceyTail, cezTail, dexTail, deyTail, dezTail;
-};
+double orient3dAdapt(const MachineConstants& constants, const Point3& a, const Point3& b,
+    const Point3& c, const Point3& d, double permanent);
 
 /// Between the filter and B: a filter in double-doubles, which decides most nearly cospherical points at a
 /// tenth of the cost of B.
-StageResult insphereDoubleDouble(const Point3& a, const Point3& b, const Point3& c, const Point3& d,
-    const Point3& e, double permanent);
-/// B: exact in the rounded differences.
-StageResult insphereStageB(const ArdoTest3& constants, const InsphereRows& rows, double permanent);
+StageResult insphereDoubleDouble(const InsphereRows& rows, double permanent);
+/// B: exact in the rounded differences, and so exact where there are no tails.
+StageResult insphereStageB(
+    const MachineConstants& constants, const InsphereRows& rows, double permanent);
 /// C: the estimate of B, corrected by the tails to first order.
 StageResult insphereStageC(
-    const ArdoTest3& constants, const InsphereRows& rows, double permanent, double detB);
+    const MachineConstants& constants, const InsphereRows& rows, double permanent, double detB);
 /// D: exact, from the coordinates themselves.
-double insphereExact(const ArdoTest3& constants, const Point3& a, const Point3& b, const Point3& c,
-    const Point3& d, const Point3& e);
+double insphereExact(const MachineConstants& constants, const Point3& a, const Point3& b,
+    const Point3& c, const Point3& d, const Point3& e);
 
 /// 1 for a positive determinant, 0 for a negative one, 2 for zero: the stages in turn, until one is
 /// certain.
-int insphereAdapt(const ArdoTest3& constants, const Point3& a, const Point3& b, const Point3& c,
-    const Point3& d, const Point3& e, double permanent);
+int insphereAdapt(const MachineConstants& constants, const Point3& a, const Point3& b,
+    const Point3& c, const Point3& d, const Point3& e, double permanent);
+
+// What the stages of both tests have in common.
+
+inline Row<double> rounded(const Row<TwoDoubles>& r)
+{
+	return {r.x.hi, r.y.hi, r.z.hi};
+}
+
+inline Row<WithTail> firstOrder(const Row<TwoDoubles>& r)
+{
+	return {{r.x.hi, r.x.lo}, {r.y.hi, r.y.lo}, {r.z.hi, r.z.lo}};
+}
+
+template <std::size_t N>
+bool haveNoTails(const ExactRows<N>& rows)
+{
+	return std::all_of(rows.begin(), rows.end(),
+	    [](const Row<TwoDoubles>& r) { return r.x.lo == 0.0 && r.y.lo == 0.0 && r.z.lo == 0.0; });
+}
+
+/// C: detB with the first order of the tails, and a bound that grows with the rounding of detB.
+inline StageResult corrected(const MachineConstants& constants, double errboundC, double permanent,
+    double detB, double correction)
+{
+	const double det = detB + correction;
+	return {
+	    det, std::abs(det) >= errboundC * permanent + constants.resulterrbound * std::abs(detB)};
+}
 
 } // namespace TULO3D

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The determinants in exact integers: all coordinates as multiples of their smallest common bit.
 #include "predicates/Underflow.h"
-#include "predicates/SphereDeterminant.h"
+#include "predicates/Determinants.h"
 
 #include <algorithm>
 #include <cmath>
@@ -120,7 +120,8 @@ private:
 /// axis may have a unit of its own: what is small on one axis only does not make the others long.
 struct Units
 {
-	explicit Units(std::initializer_list<const Point3*> vPoints)
+	explicit Units(int all) : x(all), y(all), z(all) {}
+	explicit Units(std::initializer_list<const Point3*> vPoints) : Units(0)
 	{
 		const auto note = [](double v, int& exponent) {
 			if (v != 0.0) exponent = std::min(exponent, std::max(std::ilogb(v) - 52, -1074));
@@ -131,7 +132,7 @@ struct Units
 			note(p->z(), z);
 		}
 	}
-	int x = 0, y = 0, z = 0;
+	int x, y, z;
 };
 
 Whole difference(double v, double w, int exponent)
@@ -139,18 +140,11 @@ Whole difference(double v, double w, int exponent)
 	return Whole(v, exponent) - Whole(w, exponent);
 }
 
-/// p seen from the origin; the lift is a column with a unit of its own, too.
-SphereRow<Whole> rowFrom(const Point3& p, const Point3& origin, const Units& unit, bool bLift)
+/// p seen from the origin.
+Row<Whole> rowFrom(const Point3& p, const Point3& origin, const Units& unit)
 {
-	const int least = std::min({unit.x, unit.y, unit.z});
-	const auto square = [least](double v, double w) {
-		const Whole d = difference(v, w, least);
-		return d * d;
-	};
 	return {difference(p.x(), origin.x(), unit.x), difference(p.y(), origin.y(), unit.y),
-	    difference(p.z(), origin.z(), unit.z),
-	    bLift ? square(p.x(), origin.x()) + square(p.y(), origin.y()) + square(p.z(), origin.z())
-	          : Whole()};
+	    difference(p.z(), origin.z(), unit.z)};
 }
 
 } // namespace
@@ -158,17 +152,19 @@ SphereRow<Whole> rowFrom(const Point3& p, const Point3& origin, const Units& uni
 int orient3dSignDespiteUnderflow(const Point3& a, const Point3& b, const Point3& c, const Point3& d)
 {
 	const Units unit({&a, &b, &c, &d});
-	const auto p = rowFrom(a, d, unit, false), q = rowFrom(b, d, unit, false),
-	           r = rowFrom(c, d, unit, false);
-	const Whole yz = q.y * r.z - r.y * q.z, xz = q.x * r.z - r.x * q.z, xy = q.x * r.y - r.x * q.y;
-	return (p.x * yz - p.y * xz + p.z * xy).sign();
+	return orientationDeterminant(rowFrom(a, d, unit), rowFrom(b, d, unit), rowFrom(c, d, unit))
+	    .sign();
 }
 
 int insphereSignDespiteUnderflow(
     const Point3& a, const Point3& b, const Point3& c, const Point3& d, const Point3& e)
 {
 	const Units unit({&a, &b, &c, &d, &e});
-	const auto row = [&](const Point3& p) { return rowFrom(p, e, unit, true); };
+	const Units common(std::min({unit.x, unit.y, unit.z})); // of the lift, which adds all axes
+	const auto row = [&](const Point3& p) {
+		const Row<Whole> r = rowFrom(p, e, unit);
+		return SphereRow<Whole>{r.x, r.y, r.z, lifted(rowFrom(p, e, common)).l};
+	};
 	return sphereDeterminant(row(a), row(b), row(c), row(d)).det.sign();
 }
 

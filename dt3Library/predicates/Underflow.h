@@ -6,20 +6,11 @@
 #pragma once
 
 #include "Point3.h"
+#include "predicates/Bounds.h"
 
 #include <cmath>
 
 namespace TULO3D {
-
-// Allowances of the filters for underflow: each product loses less than 2^-1022 (the host may have set the
-// processor to flush denormal numbers to zero), times the factors that it is multiplied by afterwards.
-// Differences of coordinates are at most 2e60. In orient3d there are some 16 products, with one more
-// difference each; in insphere less than 256, with three.
-constexpr double kLostInOrient3d = 1e-244;
-constexpr double kLostInInsphere = 1e-122;
-
-constexpr double kLeastSafe =
-    1e-45; // nonzero coordinates from here on: no term of a test underflows
 
 /// True when products of the coordinates may underflow in an exact test.
 inline bool mayUnderflow(const Point3& p)
