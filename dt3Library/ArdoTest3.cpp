@@ -42,7 +42,7 @@ Orientation3 ArdoTest3::exactOrientation(
     const Point3& a, const Point3& b, const Point3& c, const Point3& d, double permanent) const
 {
 	const bool bTiny = mayUnderflow(a, b, c, d);
-	if (!bTiny && permanent == 0.0) return ORIENTATION3_COPLANAR; // every product is zero
+	if (!bTiny && permanent == 0.0) return ORIENTATION3_COPLANAR; // T3: every product is zero
 	const double det = bTiny ? orient3dSignDespiteUnderflow(a, b, c, d)
 	                         : orient3dAdapt(*this, a, b, c, d, permanent);
 	if (det < 0.0) return ORIENTATION3_POSITIVE;
@@ -55,10 +55,10 @@ SphereInclusion ArdoTest3::inclusionInDoubt(
 	const Point3 &a = *tet.getCorner(0), &b = *tet.getCorner(1), &c = *tet.getCorner(2),
 	             &d = *tet.getCorner(3);
 	const bool bTiny = mayUnderflow(a, b, c, d, q);
-	// With the coordinates of a corner every product is zero, and the test counts such a point as inside.
+	// S3: with the coordinates of a corner every product is zero.
 	if (bTiny ? tet.hasVertex(q) : permanent == 0.0) return SIC_INSIDE;
 	if (bTiny) return insphereSignDespiteUnderflow(a, b, c, d, q) < 0 ? SIC_INSIDE : SIC_OUTSIDE;
-	// Deliberate: the code 2 of an exact zero counts as outside, so cospherical points never conflict.
+	// Deliberate, S2: the code 2 of an exact zero counts as outside.
 	return insphereAdapt(*this, a, b, c, d, q, permanent) > 0 ? SIC_OUTSIDE : SIC_INSIDE;
 }
 

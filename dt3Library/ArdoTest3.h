@@ -1,5 +1,43 @@
 // SPDX-License-Identifier: MIT
 // The two geometric predicates: on which side of a plane (orientation), and inside the sphere or not.
+//
+// J. R. Shewchuk: Adaptive Precision Floating-Point Arithmetic and Fast Robust Geometric
+// Predicates, Discrete & Computational Geometry 18, 1997. Each predicate is the sign of a determinant, found
+// by a filtered cascade: a determinant in doubles with an error bound, and only when the bound leaves
+// the sign undecided, stages of growing precision, the last of them exact. The same predicates for four facets at once
+// are in predicates/BatchTests.h. These are their laws; tests name them by their numbers.
+//
+// Orientation of a, b, c, d, with D = ((b - a) x (c - a)) . (d - a) of the coordinates as they are
+//   O1  POSITIVE if and only if D > 0: a, b, c run counter-clockwise seen from d. NEGATIVE if and only if D < 0.
+//   O2  COPLANAR if and only if D is exactly zero.
+//   O3  Swapping two of the points exchanges POSITIVE and NEGATIVE; an even permutation changes nothing.
+//   O4  Of facet i of a positive tetrahedron, corner i is on the POSITIVE side and neighbour i on the NEGATIVE one.
+//
+// In-sphere test of q, with the sphere through the corners of a positive tetrahedron
+//   S1  Strictly inside is INSIDE, strictly outside is OUTSIDE.
+//   S2  Exactly on the sphere is OUTSIDE: cospherical points are never in conflict, so that a search for
+//       tetrahedra in conflict ends at them, whatever the order of insertion.
+//   S3  With exactly the coordinates of a corner, however, q is INSIDE: so a duplicate is in conflict with
+//       every tetrahedron at its vertex.
+//   S4  The order of the corners does not matter while it is positive; where it is negative, inside and
+//       outside are exchanged.
+//
+// Stages
+//   T1  A stage answers with the exact sign or leaves the test undecided. Which stages there are, which CPU runs
+//       them and in what order they come is therefore not to be seen in any mesh.
+//   T2  A filter decides where the determinant is beyond its bound. Bounds are positive, so that no filter decides
+//       a zero.
+//   T3  Only a computation without any rounding error decides a zero: differences without tails in stage B,
+//       batches of doubles that are proved to be exact, stage D, big integers. Two cases need no
+//       computation: all points have one coordinate in common, or every product is zero.
+//   T4  The last stage decides everything. It is D; where a nonzero coordinate is below kLeastSafe,
+//       it is the one in big integers.
+//   T5  A filter that may meet products that underflow has an allowance for that in its bound. The other stages
+//       have none and are not entered when a nonzero coordinate of the test is below kLeastSafe.
+//   T6  For coordinates of at most kMaxCoordinate in magnitude nothing overflows.
+//   T7  Variants of the batched tests never differ in a sign, and those for SSE2 and AVX2 decide the same facets.
+//
+// Bounds and limits: predicates/Bounds.h, one table with derivations.
 #pragma once
 
 #include "Point3.h"
@@ -25,15 +63,7 @@ enum Orientation3 {
 /// SIC_VERTEX is reserved: a query that is a corner makes all products zero, so the fast stage is certain.
 enum SphereInclusion { SIC_INSIDE = 0, SIC_OUTSIDE = 1, SIC_VERTEX = 2 };
 
-/// Exact orientation and in-sphere tests.
-///
-/// J. R. Shewchuk: Adaptive Precision Floating-Point Arithmetic and Fast Robust Geometric
-/// Predicates, Discrete & Computational Geometry 18, 1997. The first stage is a floating-point filter: a
-/// determinant in doubles with an error bound. Only when the bound leaves the sign undecided do stages of
-/// growing precision follow, the last of them exact. The results are the signs of the exact determinants.
-///
-/// Exact for all coordinates up to 1e60, however small: the filters allow for products that underflow, and
-/// the later stages give way to exact integers where products may (see Underflow.h).
+/// Exact orientation and in-sphere tests, by the laws above. The object carries the machine constants.
 class ArdoTest3 : public MachineConstants
 {
 public:
@@ -46,9 +76,7 @@ public:
 	Orientation3 getOrientation3(const Tet3* pC, int ith, const Point3* pVtx) const;
 
 	/// Where `pVtx` lies with respect to the sphere through the corners of the positive `pT`.
-	///
-	/// Deliberate: a point exactly on the sphere is SIC_OUTSIDE, so cospherical points are never in
-	/// conflict; a point with exactly the coordinates of a corner is SIC_INSIDE.
+	/// Deliberate: on the sphere is SIC_OUTSIDE (S2), the coordinates of a corner are SIC_INSIDE (S3).
 	SphereInclusion sphereInclusionTest(const Tet3* pT, const Point3* pVtx) const;
 
 	/// The name of an orientation as the tetrahedron's print has it.

@@ -14,9 +14,6 @@ namespace TULO3D {
 
 namespace {
 
-/// The largest magnitude for which no product of an exact test can overflow: five factors and a few
-/// sums stay below 1e308.
-constexpr double kMaxCoordinate = 1e60;
 constexpr const char* kRangeText = "coordinates are finite and at most 1e60 in magnitude";
 
 /// Vertices are numbered by integers of 32 bits.

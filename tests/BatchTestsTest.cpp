@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Every variant of the batched predicates against the oracle: decided signs are exact, and all variants
-// decide the same ones.
+// decide the same ones. T numbers the laws of ArdoTest3.h.
 #include "predicates/BatchTests.h"
 #include "Dt3.h"
 #include "geometry/TetIndices.h"
@@ -48,13 +48,14 @@ TEST(BatchTests, NoVariantDecidesAWrongSign)
 				const NeighbourVerdicts v = pTests->neighbours(batch, p[8]);
 				ASSERT_TRUE(bUnderflow ||
 				    (v.inside == first.inside && v.outside == first.outside &&
-				        v.positive == first.positive));
+				        v.positive == first.positive))
+				    << "T7";
 				const FacetSides s = pTests->facets(batch.corner, p[8]);
-				ASSERT_TRUE(s.positive == sides.positive && s.negative == sides.negative);
+				ASSERT_TRUE(s.positive == sides.positive && s.negative == sides.negative) << "T7";
 			}
 			for (int i = 0; i < 4; ++i) {
 				const Point3 &a = p[kOutside[i][0]], &b = p[kOutside[i][1]], &c = p[kOutside[i][2]];
-				// Beyond the facet is where it is seen counter-clockwise.
+				// T1. Beyond the facet is where it is seen counter-clockwise.
 				const int sphere = oracle::quickInSphere(a, b, c, p[4 + i], p[8]);
 				const bool bInside = first.inside >> i & 1, bOutside = first.outside >> i & 1,
 				           bPositive = first.positive >> i & 1;

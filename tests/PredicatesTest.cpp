@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Both predicates against the oracle on degenerate and nearly degenerate cases, stage by stage.
+// Both predicates against the oracle on degenerate and nearly degenerate cases, stage by stage. O, S and T
+// number the laws of ArdoTest3.h.
 #include "ArdoTest3.h"
 #include "oracle.h"
 #include "predicates/ShewchukStages.h"
@@ -30,8 +31,8 @@ void addScaled(std::vector<Case>& cases, const Case& c)
 			largest = std::max(largest, v);
 		}
 	}
-	const double low = std::ceil(std::log2(1e-45 / least)),
-	             high = std::floor(std::log2(1e60 / largest));
+	const double low = std::ceil(std::log2(kLeastSafe / least)),
+	             high = std::floor(std::log2(kMaxCoordinate / largest)); // T6
 	for (const double exponent : {0.0, low, high}) {
 		if (low > high) continue; // already as wide as the range
 		cases.push_back(c);
@@ -92,10 +93,11 @@ struct Stages
 	void expect(int truth, const ArdoTest3::FastStage& fast, const StageResult& b,
 	    const StageResult& c, double exact)
 	{
-		EXPECT_EQ(fast.bCertain() ? signOf(fast.det) : truth, truth) << "fast stage";
-		EXPECT_EQ(b.bDecided ? signOf(b.det) : truth, truth) << "stage B";
-		EXPECT_EQ(c.bDecided ? signOf(c.det) : truth, truth) << "stage C";
-		EXPECT_EQ(signOf(exact), truth) << "stage D";
+		EXPECT_EQ(fast.bCertain() ? signOf(fast.det) : truth, truth) << "T1, filter";
+		EXPECT_FALSE(fast.bCertain() && truth == 0) << "T2";
+		EXPECT_EQ(b.bDecided ? signOf(b.det) : truth, truth) << "T1, stage B";
+		EXPECT_EQ(c.bDecided ? signOf(c.det) : truth, truth) << "T1, stage C";
+		EXPECT_EQ(signOf(exact), truth) << "T4, stage D";
 		++numDecided[fast.bCertain() ? 0 : b.bDecided ? 1 : c.bDecided ? 2 : 3];
 	}
 	/// Every stage sees all orders of some cases, and one order, another one each time, of the others.
@@ -141,7 +143,7 @@ TEST(Predicates, NoProductIsFused)
 
 TEST(Predicates, ConstantsAreThePublishedOnes)
 {
-	// (a + b e) e^power with e = 2^-53, by Shewchuk's analysis. None of them needs rounding.
+	// (a + b e) e^power with e = 2^-53, as in the table of Bounds.h. None of them needs rounding.
 	const struct
 	{
 		double ArdoTest3::*pMember;
@@ -177,7 +179,7 @@ TEST(Predicates, OrientationIsExactInEveryStage)
 			const int sign = truth * parity(o);
 			const Orientation3 expected[] = {
 			    ORIENTATION3_NEGATIVE, ORIENTATION3_COPLANAR, ORIENTATION3_POSITIVE};
-			ASSERT_EQ(test.getOrientation3(&a, &b, &c, &d), expected[1 + sign]);
+			ASSERT_EQ(test.getOrientation3(&a, &b, &c, &d), expected[1 + sign]) << "O1 to O3";
 			if (!Stages::sees(numCase, numOrder++)) continue;
 			const auto fast = test.orient3dFast(a, b, c, d);
 			const Orient3dRows rows = orient3dRows(a, b, c, d);
@@ -199,7 +201,7 @@ TEST(Predicates, InSphereIsExactInEveryStage)
 		if (orientation == 0) continue;
 		if (orientation < 0) std::swap(p[0], p[1]);
 		const int truth = oracle::inSphere(p[0], p[1], p[2], p[3], p[4]);
-		// Deliberate: on the sphere is outside, but the coordinates of a corner are inside.
+		// Deliberate: on the sphere is outside (S2), but the coordinates of a corner are inside (S3).
 		Loose t({p[0], p[1], p[2], p[3]});
 		const bool bCorner = t.tet.hasVertex(p[4]);
 		Order o{0, 1, 2, 3};
@@ -209,7 +211,8 @@ TEST(Predicates, InSphereIsExactInEveryStage)
 			for (std::size_t i = 0; i < 4; ++i)
 				t.tet.setCorner(static_cast<int>(i), &t.corners[o[i]]);
 			ASSERT_EQ(test.sphereInclusionTest(&t.tet, &p[4]),
-			    sign > 0 || bCorner ? SIC_INSIDE : SIC_OUTSIDE);
+			    sign > 0 || bCorner ? SIC_INSIDE : SIC_OUTSIDE)
+			    << "S1 to S4";
 			if (!Stages::sees(numCase, numOrder++)) continue;
 			const Point3 &a = p[o[0]], &b = p[o[1]], &c = p[o[2]], &d = p[o[3]], &e = p[4];
 			const auto fast = test.insphereFast(a, b, c, d, e);
@@ -219,7 +222,7 @@ TEST(Predicates, InSphereIsExactInEveryStage)
 			    insphereStageC(test, rows, fast.permanent, stageB.det),
 			    insphereExact(test, a, b, c, d, e));
 			const auto twice = insphereDoubleDouble(rows, fast.permanent);
-			EXPECT_EQ(twice.bDecided ? signOf(twice.det) : sign, sign) << "double-doubles";
+			EXPECT_EQ(twice.bDecided ? signOf(twice.det) : sign, sign) << "T1, double-doubles";
 			numDoubleDouble += twice.bDecided && !fast.bCertain();
 		} while (std::next_permutation(o.begin(), o.end()));
 		++numCase;
@@ -241,14 +244,15 @@ TEST(Predicates, SignsAreExactWhateverUnderflows)
 		const int truth = oracle::orientation(p[0], p[1], p[2], p[3]);
 		const Orientation3 expected[] = {
 		    ORIENTATION3_NEGATIVE, ORIENTATION3_COPLANAR, ORIENTATION3_POSITIVE};
-		ASSERT_EQ(test.getOrientation3(&p[0], &p[1], &p[2], &p[3]), expected[1 + truth]);
+		ASSERT_EQ(test.getOrientation3(&p[0], &p[1], &p[2], &p[3]), expected[1 + truth]) << "T5";
 		++numOf[1 + truth];
 		if (truth == 0) continue;
 		if (truth < 0) std::swap(p[0], p[1]);
 		const Loose t({p[0], p[1], p[2], p[3]});
 		const bool bInside = oracle::inSphere(p[0], p[1], p[2], p[3], p[4]) > 0;
 		ASSERT_EQ(test.sphereInclusionTest(&t.tet, &p[4]),
-		    bInside || t.tet.hasVertex(p[4]) ? SIC_INSIDE : SIC_OUTSIDE);
+		    bInside || t.tet.hasVertex(p[4]) ? SIC_INSIDE : SIC_OUTSIDE)
+		    << "T5";
 	}
 	EXPECT_TRUE(numOf[0] > 200 && numOf[1] > 200 && numOf[2] > 200);
 }
@@ -259,7 +263,7 @@ TEST(Predicates, SignsFollowTheStatedConventions)
 	const Loose t({Point3(0, 0, 0), Point3(1, 0, 0), Point3(0, 1, 0), Point3(0, 0, 1)});
 	const Point3 beyond[] = {{1, 1, 1}, {-1, 0, 0}, {0, -1, 0}, {0, 0, -1}},
 	             inside(0.25, 0.25, 0.25);
-	for (int i = 0; i < 4; ++i) {
+	for (int i = 0; i < 4; ++i) { // O4
 		EXPECT_EQ(test.getOrientation3(&t.tet, i, t.tet.getCorner(i)), ORIENTATION3_POSITIVE);
 		EXPECT_EQ(test.getOrientation3(&t.tet, i, &inside), ORIENTATION3_POSITIVE);
 		EXPECT_EQ(test.getOrientation3(&t.tet, i, &beyond[i]), ORIENTATION3_NEGATIVE);

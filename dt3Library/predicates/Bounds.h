@@ -71,6 +71,9 @@ constexpr double kLostInQuickStage = 1e-300;
 
 /// Nonzero coordinates from here on: no term of a test underflows.
 constexpr double kLeastSafe = 1e-45;
+/// Magnitudes up to here: nothing overflows. A term has five factors of at most 2e60, and no determinant and no
+/// bound is larger than a thousand such terms, below 1e305.
+constexpr double kMaxCoordinate = 1e60;
 
 /// The constants of Shewchuk's analysis, which every stage of his is given.
 struct MachineConstants
