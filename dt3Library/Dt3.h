@@ -281,11 +281,8 @@ private:
 	/// The order in which the facets of a tetrahedron of the cavity are visited.
 	enum class FacetOrder { kAscending, kDescending };
 	/// Finds the tetrahedra in conflict with vtx, which are connected with those that have joined the cavity.
-	void carve(const Point3& vtx, FacetOrder order);
 	template <FacetOrder order>
-	void carvePortable(const Point3& vtx);
-	template <FacetOrder order>
-	void carveAvx2(const Point3& vtx);
+	void carve(const Point3& vtx);
 	/// The search itself. `classify` maps a CavityTet to its Surroundings. Fills vDeadTets and vCavityFacets.
 	template <FacetOrder order, typename Classify>
 	void growCavity(Classify classify);

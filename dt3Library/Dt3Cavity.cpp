@@ -95,46 +95,23 @@ TULO3D_ALWAYS_INLINE void Dt3::growCavity(Classify classify)
 }
 
 template <Dt3::FacetOrder order>
-void Dt3::carvePortable(const Point3& vtx)
+void Dt3::carve(const Point3& vtx)
 {
-	growCavity<order>([&](const CavityTet& tet) TULO3D_INLINE_LAMBDA {
-		star.vCorners.add(tet.pApex);
-		return classifyNeighbours<HalfBatches>(tet.pTet, vtx, batchTests, predicates);
+	runLoop(batchTests, [this, &vtx](auto batch) TULO3D_INLINE_LAMBDA {
+		growCavity<order>([this, &vtx](const CavityTet& tet) TULO3D_INLINE_LAMBDA {
+			star.vCorners.add(tet.pApex);
+			return classifyNeighbours<decltype(batch)>(tet.pTet, vtx, batchTests, predicates);
+		});
 	});
 }
 
-#if defined(TULO3D_AVX2)
-template <Dt3::FacetOrder order>
-TULO3D_AVX2 void Dt3::carveAvx2(const Point3& vtx)
-{
-	growCavity<order>([&](const CavityTet& tet) TULO3D_INLINE_LAMBDA {
-		star.vCorners.add(tet.pApex);
-		return classifyNeighbours<WholeBatch>(tet.pTet, vtx, batchTests, predicates);
-	});
-}
-#else
-template <Dt3::FacetOrder order>
-void Dt3::carveAvx2(const Point3& vtx)
-{
-	carvePortable<order>(vtx);
-}
-#endif
-
-void Dt3::carve(const Point3& vtx, FacetOrder order)
-{
-	constexpr auto kUp = FacetOrder::kAscending, kDown = FacetOrder::kDescending;
-	if (batchTests.bAvx2) {
-		order == kUp ? carveAvx2<kUp>(vtx) : carveAvx2<kDown>(vtx);
-	} else {
-		order == kUp ? carvePortable<kUp>(vtx) : carvePortable<kDown>(vtx);
-	}
-}
+template void Dt3::carve<Dt3::FacetOrder::kAscending>(const Point3&); // for insertAtHull
 
 Tet3* Dt3::replaceCavity(Point3* pVtx, Tet3* pStartTet)
 {
 	beginCavity();
 	joinCavity(pStartTet); // the walk ended inside it, so it is in conflict without a test
-	carve(*pVtx, FacetOrder::kDescending);
+	carve<FacetOrder::kDescending>(*pVtx);
 	return fillCavity(pVtx);
 }
 

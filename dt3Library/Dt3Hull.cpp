@@ -47,7 +47,7 @@ Tet3* Dt3::insertAtHull(Point3** ppVtx, Tet3* pCurTet, int outIndex)
 	beginCavity();
 	const std::size_t numDead = vDeadTets.size();
 	for (Tet3* pTet : vInConflict) joinCavity(pTet);
-	carve(*pVtx, FacetOrder::kAscending);
+	carve<FacetOrder::kAscending>(*pVtx);
 	// Not by vCavityFacets: the new tetrahedra come in the order in which the doomed ones were found.
 	const std::vector<Tet3*> vDoomedTets(vDeadTets.begin() + numDead, vDeadTets.end());
 	Tet3* pNewTet1 = createConeTets(vCHTets, pVtx);

@@ -13,7 +13,22 @@
 #  define TULO3D_INLINE_LAMBDA
 #endif
 
-// A function for CPUs that have AVX2; its callers must check `__builtin_cpu_supports`.
+// A function for CPUs that have AVX2; its callers must ask cpuHasAvx2.
 #if defined(__GNUC__) && defined(__x86_64__)
-#  define TULO3D_AVX2 __attribute__((target("avx2")))
+#  define TULO3D_AVX2 __attribute__((target("avx2"), noinline))
+#else
+#  define TULO3D_AVX2
 #endif
+
+namespace TULO3D {
+
+inline bool cpuHasAvx2()
+{
+#if defined(__GNUC__) && defined(__x86_64__)
+	return __builtin_cpu_supports("avx2") != 0;
+#else
+	return false;
+#endif
+}
+
+} // namespace TULO3D

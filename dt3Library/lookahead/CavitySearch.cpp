@@ -25,34 +25,14 @@ void prefetchApices(const Tet3& tet)
 
 } // namespace
 
-void CavitySearch::run(
-    Reservation* pFirst, std::size_t count, const BatchTests& tests, const ArdoTest3& predicates)
-{
-	vNew.clear();
-	for (Reservation* pReservation = pFirst; pReservation != pFirst + count; ++pReservation) {
-		if (pReservation->bValid) vNew.add({pReservation, pReservation->vCavity.begin()->pTet});
-	}
-	while (!vNew.empty()) {
-		for (const Member& member : vNew) prefetchNeighbours<Cache::kSecond>(*member.pTet);
-		for (const Member& member : vNew) prefetchApices(*member.pTet);
-		vJoining.clear();
-		if (tests.bAvx2) {
-			testNeighboursAvx2(tests, predicates);
-		} else {
-			testNeighboursPortable(tests, predicates);
-		}
-		std::swap(vNew, vJoining);
-	}
-}
-
-template <typename Lanes>
+template <typename Batch>
 TULO3D_ALWAYS_INLINE void CavitySearch::testNeighbours(
     const BatchTests& tests, const ArdoTest3& predicates)
 {
 	for (const auto& [pReservation, pTet] : vNew) {
 		if (!pReservation->bValid) continue; // aborted in this round
 		const Surroundings border =
-		    classifyNeighbours<Lanes>(pTet, *pReservation->pVtx, tests, predicates);
+		    classifyNeighbours<Batch>(pTet, *pReservation->pVtx, tests, predicates);
 		// At the hull, the insertion of a vertex beyond it could add a tetrahedron to this cavity without
 		// removing a reserved one. Once all neighbours exist, no facet of the cavity can become a hull
 		// facet: points are never removed.
@@ -76,22 +56,22 @@ TULO3D_ALWAYS_INLINE void CavitySearch::testNeighbours(
 	}
 }
 
-void CavitySearch::testNeighboursPortable(const BatchTests& tests, const ArdoTest3& predicates)
+void CavitySearch::run(
+    Reservation* pFirst, std::size_t count, const BatchTests& tests, const ArdoTest3& predicates)
 {
-	testNeighbours<HalfBatches>(tests, predicates);
+	vNew.clear();
+	for (Reservation* pReservation = pFirst; pReservation != pFirst + count; ++pReservation) {
+		if (pReservation->bValid) vNew.add({pReservation, pReservation->vCavity.begin()->pTet});
+	}
+	while (!vNew.empty()) {
+		for (const Member& member : vNew) prefetchNeighbours<Cache::kSecond>(*member.pTet);
+		for (const Member& member : vNew) prefetchApices(*member.pTet);
+		vJoining.clear();
+		runLoop(tests, [this, &tests, &predicates](auto batch) TULO3D_INLINE_LAMBDA {
+			testNeighbours<decltype(batch)>(tests, predicates);
+		});
+		std::swap(vNew, vJoining);
+	}
 }
-
-#if defined(TULO3D_AVX2)
-TULO3D_AVX2 void CavitySearch::testNeighboursAvx2(
-    const BatchTests& tests, const ArdoTest3& predicates)
-{
-	testNeighbours<WholeBatch>(tests, predicates);
-}
-#else
-void CavitySearch::testNeighboursAvx2(const BatchTests& tests, const ArdoTest3& predicates)
-{
-	testNeighboursPortable(tests, predicates);
-}
-#endif
 
 } // namespace TULO3D

@@ -33,10 +33,8 @@ private:
 		Tet3* pTet;
 	};
 
-	template <typename Lanes>
+	template <typename Batch>
 	void testNeighbours(const BatchTests& tests, const ArdoTest3& predicates);
-	void testNeighboursPortable(const BatchTests& tests, const ArdoTest3& predicates);
-	void testNeighboursAvx2(const BatchTests& tests, const ArdoTest3& predicates);
 
 	ScratchArray<Member> vNew;
 	ScratchArray<Member> vJoining; // the new ones of the next round

@@ -6,7 +6,7 @@ namespace TULO3D {
 
 void Reservation::begin(Bits mine, const Point3& vtx, Tet3* pTet)
 {
-	abort();           // a reservation that an exception has left
+	abort();                                 // a reservation that an exception has left
 	vCavity.add({pTet, pTet->getCorner(0)}); // before the bit is set: this may throw std::bad_alloc
 	myBit = mine;
 	reserve(*pTet, mine);

@@ -107,15 +107,15 @@ TULO3D_ALWAYS_INLINE NeighbourBatch batchOf(const Tet3& tet, const Surroundings&
 NeighbourVerdicts decideRest(Tet3* pTet, unsigned undecided, const Point3& vtx,
     const BatchTests& tests, const ArdoTest3& predicates);
 
-/// Gathers the neighbours of pTet and tests them together, exactly. The first stage is that of Lanes, inlined,
+/// Gathers the neighbours of pTet and tests them together, exactly. The first stage is that of Batch, inlined,
 /// which nearly always decides all four. It is evaluated for all of them, also where there is none or it is in
 /// the cavity already: that is cheaper than a misprediction.
-template <typename Lanes>
+template <typename Batch>
 TULO3D_ALWAYS_INLINE Surroundings classifyNeighbours(
     Tet3* pTet, const Point3& vtx, const BatchTests& tests, const ArdoTest3& predicates)
 {
 	Surroundings border = gatherNeighbours(pTet);
-	NeighbourVerdicts verdicts = Lanes::verdicts(batchOf(*pTet, border), vtx);
+	NeighbourVerdicts verdicts = Batch::verdicts(batchOf(*pTet, border), vtx);
 	const unsigned undecided = border.toTest() & ~(verdicts.inside | verdicts.outside);
 	if (undecided != 0) {
 		// Not given `border`: it stays in registers as long as no other function can see it.

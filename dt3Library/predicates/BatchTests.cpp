@@ -25,28 +25,13 @@ TULO3D_ALWAYS_INLINE Lanes magnitude(const Lanes& v)
 	return maskedWith(v, 0x7fffffffffffffff);
 }
 
-/// The facets of a batch that are tested side by side: their own corners, those of the other half of
+/// The points of the facets that are tested side by side: their own corners, those of the other half of
 /// the tetrahedron, and the corners beyond.
 template <typename Lanes>
 struct Group
 {
 	Points<Lanes> own, other, beyond;
 };
-
-TULO3D_ALWAYS_INLINE Group<Lanes4> wholeBatch(const NeighbourBatch& batch)
-{
-	const Points<Lanes4> own = gather(batch.corner);
-	return {own, {swapHalves(own.x), swapHalves(own.y), swapHalves(own.z)}, gather(batch.opposite)};
-}
-
-/// Facets 0 and 1, or 2 and 3.
-TULO3D_ALWAYS_INLINE Group<Lanes2> halfBatch(const NeighbourBatch& batch, std::size_t half)
-{
-	const Point3* const* own = batch.corner + 2 * half;
-	const Point3* const* other = batch.corner + 2 - 2 * half;
-	Point3* const* beyond = batch.opposite + 2 * half;
-	return {gather(own[0], own[1]), gather(other[0], other[1]), gather(beyond[0], beyond[1])};
-}
 
 TULO3D_ALWAYS_INLINE bool allOf(const Flags2& flags)
 {
@@ -153,11 +138,11 @@ TULO3D_ALWAYS_INLINE void doubleDoubleStage(const Group<Lanes>& group, const Poi
 	verdicts.outside |= (Flags<Lanes>)(det > bound);
 }
 
-/// The other stages, for a group with an undecided lane.
 template <typename Lanes>
-TULO3D_ALWAYS_INLINE LaneVerdicts<Lanes> decideSlowly(
-    const Group<Lanes>& group, const Point3& query)
+TULO3D_ALWAYS_INLINE LaneVerdicts<Lanes> slowStages(const Points<Lanes>& own,
+    const Points<Lanes>& other, const Points<Lanes>& beyond, const Point3& query)
 {
+	const Group<Lanes> group{own, other, beyond};
 	const LaneStage<Lanes> stage = laneStage(group, query);
 	LaneVerdicts<Lanes> verdicts = fastStage(stage);
 	exactStage(group, query, stage, verdicts);
@@ -166,56 +151,51 @@ TULO3D_ALWAYS_INLINE LaneVerdicts<Lanes> decideSlowly(
 	return verdicts;
 }
 
-// Out of line (noinline): inlined, the slow stages would cost the hot path registers (spills).
-
-__attribute__((noinline)) NeighbourVerdicts decideSlowlyPortable(
+/// The other stages, for a batch with an undecided facet. Out of line: inlined, they would cost the hot path
+/// registers (spills).
+template <typename Batch>
+TULO3D_ALWAYS_INLINE NeighbourVerdicts slowVerdicts(
     const NeighbourBatch& batch, const Point3& query)
 {
-	return unpacked(
-	    decideSlowly(halfBatch(batch, 0), query), decideSlowly(halfBatch(batch, 1), query));
+	return Batch::compiled([&batch, &query]() TULO3D_INLINE_LAMBDA {
+		return Batch::decide(
+		    batch, [](const auto& points) TULO3D_INLINE_LAMBDA { return points; },
+		    [&query](const auto& own, const auto& other, const auto& beyond)
+		        TULO3D_INLINE_LAMBDA { return slowStages(own, other, beyond, query); });
+	});
 }
-
-#  if defined(TULO3D_AVX2)
-
-TULO3D_AVX2 __attribute__((noinline)) NeighbourVerdicts decideSlowlyAvx2(
-    const NeighbourBatch& batch, const Point3& query)
-{
-	return unpacked(decideSlowly(wholeBatch(batch), query));
-}
-
-TULO3D_AVX2 NeighbourVerdicts testNeighboursAvx2(const NeighbourBatch& batch, const Point3& query)
-{
-	const NeighbourVerdicts verdicts = WholeBatch::verdicts(batch, query);
-	if ((verdicts.inside | verdicts.outside) == 0xFU) return verdicts;
-	return decideSlowlyAvx2(batch, query);
-}
-
-TULO3D_AVX2 FacetSides testFacetsAvx2(const Point3* const (&corner)[4], const Point3& query)
-{
-	return WholeBatch::sides(corner, query);
-}
-
-#  endif
 
 #else
 
-NeighbourVerdicts decideSlowlyPortable(const NeighbourBatch&, const Point3&)
+template <typename Batch>
+NeighbourVerdicts slowVerdicts(const NeighbourBatch&, const Point3&)
 {
 	return {0, 0, 0};
 }
 
 #endif
 
-NeighbourVerdicts testNeighboursPortable(const NeighbourBatch& batch, const Point3& query)
+template <typename Batch>
+NeighbourVerdicts testNeighbours(const NeighbourBatch& batch, const Point3& query)
 {
-	const NeighbourVerdicts verdicts = HalfBatches::verdicts(batch, query);
-	if ((verdicts.inside | verdicts.outside) == 0xFU) return verdicts;
-	return decideSlowlyPortable(batch, query);
+	return Batch::compiled([&batch, &query]() TULO3D_INLINE_LAMBDA {
+		const NeighbourVerdicts verdicts = Batch::verdicts(batch, query);
+		if ((verdicts.inside | verdicts.outside) == 0xFU) return verdicts;
+		return slowVerdicts<Batch>(batch, query);
+	});
 }
 
-FacetSides testFacetsPortable(const Point3* const (&corner)[4], const Point3& query)
+template <typename Batch>
+FacetSides testFacets(const Point3* const (&corner)[4], const Point3& query)
 {
-	return HalfBatches::sides(corner, query);
+	return Batch::compiled(
+	    [&corner, &query]() TULO3D_INLINE_LAMBDA { return Batch::sides(corner, query); });
+}
+
+template <typename Batch>
+constexpr BatchTests testsOf()
+{
+	return {testNeighbours<Batch>, testFacets<Batch>, Batch::bAvx2};
 }
 
 } // namespace
@@ -225,15 +205,12 @@ NeighbourVerdicts decideNothing(const NeighbourBatch& /*batch*/, const Point3& /
 	return {0, 0, 0};
 }
 
-const BatchTests kPortableTests = {testNeighboursPortable, testFacetsPortable, false};
+const BatchTests kPortableTests = testsOf<HalfBatches>();
 
 const BatchTests* avx2Tests()
 {
-#if defined(TULO3D_AVX2)
-	static const BatchTests tests = {testNeighboursAvx2, testFacetsAvx2, true};
-	if (__builtin_cpu_supports("avx2")) return &tests;
-#endif
-	return nullptr;
+	static constexpr BatchTests tests = testsOf<WholeBatch>();
+	return cpuHasAvx2() ? &tests : nullptr;
 }
 
 const BatchTests& bestTests()

@@ -15,8 +15,8 @@ struct NeighbourBatch
 	Point3* opposite[4];
 };
 
-/// What the test has decided, one bit for each facet. A set bit is the exact sign; where neither `inside`
-/// nor `outside` is set, the adaptive test has to decide.
+/// What the test has decided, one bit for each facet. A set bit is the exact sign (T1); where neither
+/// `inside` nor `outside` is set, the adaptive test has to decide.
 struct NeighbourVerdicts
 {
 	unsigned inside;   ///< the query point lies strictly inside the sphere of the neighbour
@@ -24,7 +24,7 @@ struct NeighbourVerdicts
 	unsigned positive; ///< strictly on the tetrahedron's own side of the facet
 };
 
-/// A variant of the test. Variants may differ in what they leave undecided, never in a sign.
+/// A variant of the test. Variants may differ in what they leave undecided, never in a sign (T7).
 using NeighbourTest = NeighbourVerdicts (*)(const NeighbourBatch& batch, const Point3& query);
 
 /// On which sides of a tetrahedron's facets a point lies, one bit for each facet; exact where set.
@@ -42,11 +42,11 @@ struct BatchTests
 {
 	NeighbourTest neighbours; ///< all stages
 	FacetTest facets;
-	bool bAvx2; ///< loops with an inlined first stage: call those for AVX2
+	bool bAvx2; ///< which copy runLoop runs of a loop with an inlined first stage
 };
 
 /// Leaves everything undecided. The stages behind the first one have no allowance for products that
-/// underflow; once a coordinate below 1e-45 is stored, this function replaces them.
+/// underflow (T5); once a nonzero coordinate below kLeastSafe is stored, this function replaces them.
 NeighbourVerdicts decideNothing(const NeighbourBatch& batch, const Point3& query);
 
 /// For any CPU.

@@ -31,33 +31,24 @@ constexpr bool columnsAreTheFacets()
 static_assert(columnsAreTheFacets(), "a lane would test another facet");
 
 #if defined(__GNUC__)
+
 // A register holds the facets of a batch side by side: all four, or the two of one half. A CPU whose
 // registers are shorter than the type would be slowed down rather than helped.
 typedef double Lanes2 __attribute__((vector_size(16)));
 typedef double Lanes4 __attribute__((vector_size(32)));
-typedef std::int64_t Flags2 __attribute__((vector_size(16))); // all ones or all zeros
-typedef std::int64_t Flags4 __attribute__((vector_size(32)));
-typedef std::uint64_t Words2 __attribute__((vector_size(16))); // the bits of numbers
-typedef std::uint64_t Words4 __attribute__((vector_size(32)));
 
 template <typename Lanes>
-struct IntegersOf;
-template <>
-struct IntegersOf<Lanes2>
+struct IntegersOf
 {
-	using Flags = Flags2;
-	using Words = Words2;
-};
-template <>
-struct IntegersOf<Lanes4>
-{
-	using Flags = Flags4;
-	using Words = Words4;
+	typedef std::int64_t Flags __attribute__((vector_size(sizeof(Lanes)))); // all ones or all zeros
+	typedef std::uint64_t Words __attribute__((vector_size(sizeof(Lanes)))); // the bits of numbers
 };
 template <typename Lanes>
 using Flags = typename IntegersOf<Lanes>::Flags;
 template <typename Lanes>
 using Words = typename IntegersOf<Lanes>::Words;
+using Flags2 = Flags<Lanes2>;
+using Flags4 = Flags<Lanes4>;
 
 TULO3D_ALWAYS_INLINE Lanes2 swapPairs(const Lanes2& v)
 {
@@ -81,14 +72,25 @@ TULO3D_ALWAYS_INLINE DoubleDouble<Lanes> swapPairs(const DoubleDouble<Lanes>& v)
 }
 
 template <typename N>
+TULO3D_ALWAYS_INLINE Row<N> swapPairs(const Row<N>& r)
+{
+	return {swapPairs(r.x), swapPairs(r.y), swapPairs(r.z)};
+}
+
+template <typename N>
 TULO3D_ALWAYS_INLINE SphereRow<N> swapPairs(const SphereRow<N>& r)
 {
-	return {swapPairs(r.x), swapPairs(r.y), swapPairs(r.z), swapPairs(r.l)};
+	return {swapPairs(Row<N>(r)), swapPairs(r.l)};
+}
+
+TULO3D_ALWAYS_INLINE Row<Lanes4> swapHalves(const Row<Lanes4>& r)
+{
+	return {swapHalves(r.x), swapHalves(r.y), swapHalves(r.z)};
 }
 
 TULO3D_ALWAYS_INLINE SphereRow<Lanes4> swapHalves(const SphereRow<Lanes4>& r)
 {
-	return {swapHalves(r.x), swapHalves(r.y), swapHalves(r.z), swapHalves(r.l)};
+	return {swapHalves(Row<Lanes4>(r)), swapHalves(r.l)};
 }
 
 /// At least the square roots but for their last bit, at most a sixteenth more. Halving exponent and significand as one
@@ -106,12 +108,6 @@ using Points = Row<Lanes>;
 TULO3D_ALWAYS_INLINE Points<Lanes2> gather(const Point3* pP, const Point3* pQ)
 {
 	return {Lanes2{pP->x(), pQ->x()}, Lanes2{pP->y(), pQ->y()}, Lanes2{pP->z(), pQ->z()}};
-}
-
-template <typename Lanes>
-TULO3D_ALWAYS_INLINE Points<Lanes> swapPairs(const Points<Lanes>& p)
-{
-	return {swapPairs(p.x), swapPairs(p.y), swapPairs(p.z)};
 }
 
 /// A register of pairs: x and y of two points are loaded together and sorted out afterwards.
@@ -215,15 +211,46 @@ TULO3D_ALWAYS_INLINE NeighbourVerdicts unpacked(
 	    bitsOf(low.positive) | bitsOf(high.positive) << 2U};
 }
 
-/// All four facets in one register.
-struct WholeBatch
+// A variant of the tests holds its facets in registers of one length. It offers
+//
+//   compiled   calls a function that was compiled for the CPUs that have these registers; what is to run on them
+//              must be inlined into it
+//   decide     gathers the points, maps each group of them to rows, and calls a stage for each register
+//   verdicts   the first stage of the neighbour test
+//   sides      the first stage of the facet test, which has no other
+
+/// The first stage of a variant, alone.
+template <typename Batch>
+struct FirstStage
 {
 	static TULO3D_ALWAYS_INLINE NeighbourVerdicts verdicts(
 	    const NeighbourBatch& batch, const Point3& query)
 	{
-		const SphereRow<Lanes4> own = rowsOf(gather(batch.corner), query);
-		const SphereRow<Lanes4> beyond = rowsOf(gather(batch.opposite), query);
-		return unpacked(quickStage(own, swapHalves(own), beyond));
+		return Batch::decide(
+		    batch,
+		    [&query](const auto& points) TULO3D_INLINE_LAMBDA { return rowsOf(points, query); },
+		    [](const auto& own, const auto& other, const auto& beyond)
+		        TULO3D_INLINE_LAMBDA { return quickStage(own, other, beyond); });
+	}
+};
+
+/// All four facets in one register, for AVX2.
+struct WholeBatch : FirstStage<WholeBatch>
+{
+	static constexpr bool bAvx2 = true;
+
+	template <typename Function>
+	static TULO3D_AVX2 auto compiled(Function function)
+	{
+		return function();
+	}
+
+	template <typename ToRow, typename Stage>
+	static TULO3D_ALWAYS_INLINE NeighbourVerdicts decide(
+	    const NeighbourBatch& batch, ToRow toRow, Stage stage)
+	{
+		const auto own = toRow(gather(batch.corner));
+		return unpacked(stage(own, swapHalves(own), toRow(gather(batch.opposite))));
 	}
 
 	static TULO3D_ALWAYS_INLINE FacetSides sides(
@@ -236,19 +263,25 @@ struct WholeBatch
 	}
 };
 
-/// Facets 0 and 1 in one register, 2 and 3 in the other.
-struct HalfBatches
+/// Facets 0 and 1 in one register, 2 and 3 in the other, for any CPU.
+struct HalfBatches : FirstStage<HalfBatches>
 {
-	static TULO3D_ALWAYS_INLINE NeighbourVerdicts verdicts(
-	    const NeighbourBatch& batch, const Point3& query)
+	static constexpr bool bAvx2 = false;
+
+	template <typename Function>
+	static __attribute__((noinline)) auto compiled(Function function)
 	{
-		const SphereRow<Lanes2> rows01 = rowsOf(gather(batch.corner[0], batch.corner[1]), query);
-		const SphereRow<Lanes2> rows23 = rowsOf(gather(batch.corner[2], batch.corner[3]), query);
-		const LaneVerdicts<Lanes2> first =
-		    quickStage(rows01, rows23, rowsOf(gather(batch.opposite[0], batch.opposite[1]), query));
-		const LaneVerdicts<Lanes2> second =
-		    quickStage(rows23, rows01, rowsOf(gather(batch.opposite[2], batch.opposite[3]), query));
-		return unpacked(first, second);
+		return function();
+	}
+
+	template <typename ToRow, typename Stage>
+	static TULO3D_ALWAYS_INLINE NeighbourVerdicts decide(
+	    const NeighbourBatch& batch, ToRow toRow, Stage stage)
+	{
+		const auto rows01 = toRow(gather(batch.corner[0], batch.corner[1]));
+		const auto rows23 = toRow(gather(batch.corner[2], batch.corner[3]));
+		return unpacked(stage(rows01, rows23, toRow(gather(batch.opposite[0], batch.opposite[1]))),
+		    stage(rows23, rows01, toRow(gather(batch.opposite[2], batch.opposite[3]))));
 	}
 
 	static TULO3D_ALWAYS_INLINE FacetSides sides(
@@ -268,10 +301,31 @@ struct HalfBatches
 /// Without vector types this stage decides nothing; the adaptive tests do.
 struct HalfBatches
 {
+	static constexpr bool bAvx2 = false;
+
+	template <typename Function>
+	static auto compiled(Function function)
+	{
+		return function();
+	}
 	static NeighbourVerdicts verdicts(const NeighbourBatch&, const Point3&) { return {0, 0, 0}; }
 	static FacetSides sides(const Point3* const (&)[4], const Point3&) { return {0, 0}; }
 };
+using WholeBatch = HalfBatches;
 
 #endif
+
+/// Runs a loop that tests one batch after another, in the variant of `tests`. The loop exists once in the sources
+/// and is compiled once for each variant, with the first stage inlined: called out of line instead, it
+/// makes building a mesh up to 8 % slower.
+template <typename Loop>
+TULO3D_ALWAYS_INLINE void runLoop(const BatchTests& tests, const Loop& loop)
+{
+	if (tests.bAvx2) {
+		WholeBatch::compiled([&loop]() TULO3D_INLINE_LAMBDA { loop(WholeBatch()); });
+	} else {
+		HalfBatches::compiled([&loop]() TULO3D_INLINE_LAMBDA { loop(HalfBatches()); });
+	}
+}
 
 } // namespace TULO3D

@@ -9,9 +9,8 @@
 //                                                    | d.x d.y d.z d.l |
 //
 // The orientation is negative where a, b, c run counter-clockwise seen from the origin. For positive a, b, c, d
-// the in-sphere determinant is positive where the origin is outside the sphere. Both are expanded as by
-// Shewchuk: 2 x 2 minors of x and y, then 3 x 3 minors of z, then the lifts. The order of operations matters: the
-// bounds count the roundings of it (Bounds.h).
+// the in-sphere determinant is positive where the origin is outside the sphere. The order of operations
+// matters: the bounds count its roundings (Bounds.h).
 //
 // Numbers are doubles alone or side by side in registers, double-doubles, big integers, and doubles that
 // carry something along (Tracked.h). Expansions, whose types grow with their size, are in ShewchukStages.h.
@@ -30,9 +29,8 @@ struct Row
 
 /// The same with its lift.
 template <typename N, typename L = N>
-struct SphereRow
+struct SphereRow : Row<N>
 {
-	N x, y, z;
 	L l;
 };
 
@@ -40,23 +38,39 @@ template <typename N>
 TULO3D_ALWAYS_INLINE auto lifted(const Row<N>& r)
 {
 	using L = decltype(r.x * r.x);
-	return SphereRow<N, L>{r.x, r.y, r.z, r.x * r.x + r.y * r.y + r.z * r.z};
+	return SphereRow<N, L>{r, r.x * r.x + r.y * r.y + r.z * r.z};
 }
 
-/// The 2 x 2 minor of x and y.
-template <typename R>
-TULO3D_ALWAYS_INLINE auto minorXY(const R& p, const R& q)
+/// An entry of each of the rows a, b, c.
+template <typename N>
+struct Column
 {
-	return p.x * q.y - q.x * p.y;
-}
+	const N &a, &b, &c;
+};
 
-template <typename R>
-TULO3D_ALWAYS_INLINE auto orientationDeterminant(const R& a, const R& b, const R& c)
+/// The 2 x 2 minor of two columns in rows b and c.
+template <typename U, typename V>
+TULO3D_ALWAYS_INLINE auto minorBC(const Column<U>& u, const Column<V>& v)
 {
-	return a.z * minorXY(b, c) - b.z * minorXY(a, c) + c.z * minorXY(a, b);
+	return u.b * v.c - u.c * v.b;
 }
 
-/// The determinant, and its minor |xyz| of the first three rows, which is their orientation.
+/// The 3 x 3 determinant of three columns, expanded by row a.
+template <typename U, typename W, typename M>
+TULO3D_ALWAYS_INLINE M determinant3(const Column<U>& u, const Column<U>& v, const Column<W>& w,
+    const M& vw, const M& uw, const M& uv)
+{
+	return u.a * vw - v.a * uw + w.a * uv;
+}
+
+template <typename N>
+TULO3D_ALWAYS_INLINE auto orientationDeterminant(const Row<N>& a, const Row<N>& b, const Row<N>& c)
+{
+	const Column<N> x{a.x, b.x, c.x}, y{a.y, b.y, c.y}, z{a.z, b.z, c.z};
+	return determinant3(x, y, z, minorBC(y, z), minorBC(x, z), minorBC(x, y));
+}
+
+/// The determinant, and its minor |xyz|: the orientation of rows a, b, c.
 template <typename N>
 struct SphereDeterminant
 {
@@ -64,31 +78,19 @@ struct SphereDeterminant
 	N xyz;
 };
 
-/// The six 2 x 2 minors of x and y of four rows.
-template <typename N>
-struct SphereMinors
+/// Expanded by row d: in a search this is the corner that is least often in the cache, and most of the work
+/// does not wait for it.
+template <typename N, typename L>
+TULO3D_ALWAYS_INLINE SphereDeterminant<L> sphereDeterminant(const SphereRow<N, L>& a,
+    const SphereRow<N, L>& b, const SphereRow<N, L>& c, const SphereRow<N, L>& d)
 {
-	N ab, bc, cd, da, ac, bd;
-};
-
-template <typename R, typename N>
-TULO3D_ALWAYS_INLINE SphereDeterminant<N> sphereDeterminant(
-    const R& a, const R& b, const R& c, const R& d, const SphereMinors<N>& m)
-{
-	const N abc = a.z * m.bc - b.z * m.ac + c.z * m.ab;
-	const N bcd = b.z * m.cd - c.z * m.bd + d.z * m.bc;
-	const N cda = c.z * m.da + d.z * m.ac + a.z * m.cd;
-	const N dab = d.z * m.ab + a.z * m.bd + b.z * m.da;
-	return {(d.l * abc - c.l * dab) + (b.l * cda - a.l * bcd), abc};
-}
-
-template <typename R>
-TULO3D_ALWAYS_INLINE auto sphereDeterminant(const R& a, const R& b, const R& c, const R& d)
-{
-	using N = decltype(minorXY(a, b));
-	return sphereDeterminant(a, b, c, d,
-	    SphereMinors<N>{minorXY(a, b), minorXY(b, c), minorXY(c, d), minorXY(d, a), minorXY(a, c),
-	        minorXY(b, d)});
+	const Column<N> x{a.x, b.x, c.x}, y{a.y, b.y, c.y}, z{a.z, b.z, c.z};
+	const Column<L> l{a.l, b.l, c.l};
+	const L xy = minorBC(x, y), xz = minorBC(x, z), yz = minorBC(y, z);
+	const L xl = minorBC(x, l), yl = minorBC(y, l), zl = minorBC(z, l);
+	const L xyz = determinant3(x, y, z, yz, xz, xy), xyl = determinant3(x, y, l, yl, xl, xy);
+	const L xzl = determinant3(x, z, l, zl, xl, xz), yzl = determinant3(y, z, l, zl, yl, yz);
+	return {(d.l * xyz - d.z * xyl) + (d.y * xzl - d.x * yzl), xyz};
 }
 
 } // namespace TULO3D

@@ -60,18 +60,23 @@ StageResult insphereStageB(
 StageResult insphereStageC(
     const MachineConstants& constants, const InsphereRows& rows, double permanent, double detB)
 {
-	// The leading components of the exact minors: rounded products would cost more than the bound has.
+	// The 2 x 2 minors of x and y are the leading components of the exact ones: with rounded products, the
+	// bound would not hold. So the determinant is expanded by its lifts, then by z, as published.
 	const auto minor = [&](std::size_t i, std::size_t j) {
-		const auto& p = rows[i];
-		const auto& q = rows[j];
-		return WithTail{minorXY(constants.splitter, rounded(p), rounded(q)).mostSignificant(),
-		    minorXY(firstOrder(p), firstOrder(q)).tail};
+		const auto p = firstOrder(rows[i]), q = firstOrder(rows[j]);
+		return WithTail{
+		    minorXY(constants.splitter, rounded(rows[i]), rounded(rows[j])).mostSignificant(),
+		    (p.x * q.y - q.x * p.y).tail};
 	};
+	const WithTail ab = minor(0, 1), bc = minor(1, 2), cd = minor(2, 3), da = minor(3, 0),
+	               ac = minor(0, 2), bd = minor(1, 3);
 	const auto row = [&](std::size_t i) { return lifted(firstOrder(rows[i])); };
-	const WithTail det = sphereDeterminant(row(0), row(1), row(2), row(3),
-	    SphereMinors<WithTail>{
-	        minor(0, 1), minor(1, 2), minor(2, 3), minor(3, 0), minor(0, 2), minor(1, 3)})
-	                         .det;
+	const auto a = row(0), b = row(1), c = row(2), d = row(3);
+	const WithTail abc = a.z * bc - b.z * ac + c.z * ab;
+	const WithTail bcd = b.z * cd - c.z * bd + d.z * bc;
+	const WithTail cda = c.z * da + d.z * ac + a.z * cd;
+	const WithTail dab = d.z * ab + a.z * bd + b.z * da;
+	const WithTail det = (d.l * abc - c.l * dab) + (b.l * cda - a.l * bcd);
 	return corrected(constants, constants.isperrboundC, permanent, detB, det.tail);
 }
 

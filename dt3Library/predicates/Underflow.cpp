@@ -162,8 +162,7 @@ int insphereSignDespiteUnderflow(
 	const Units unit({&a, &b, &c, &d, &e});
 	const Units common(std::min({unit.x, unit.y, unit.z})); // of the lift, which adds all axes
 	const auto row = [&](const Point3& p) {
-		const Row<Whole> r = rowFrom(p, e, unit);
-		return SphereRow<Whole>{r.x, r.y, r.z, lifted(rowFrom(p, e, common)).l};
+		return SphereRow<Whole>{rowFrom(p, e, unit), lifted(rowFrom(p, e, common)).l};
 	};
 	return sphereDeterminant(row(a), row(b), row(c), row(d)).det.sign();
 }
