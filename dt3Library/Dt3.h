@@ -19,6 +19,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -223,6 +224,8 @@ public:
 	bool bLooksAhead = true;  ///< false: every vertex is inserted as if it were alone
 	bool bUnfinished = false; ///< storing and inserting has begun, and not ended
 	BatchTests batchTests;    ///< the variant for this CPU
+	/// Unless empty, told how many vertices of how many are in; false ends the batch.
+	std::function<bool(std::size_t, std::size_t)> progress;
 
 private:
 	// Dt3Insert.cpp
@@ -239,6 +242,8 @@ private:
 	    const std::vector<Point3>& vInputPoints, std::vector<Point3*>& vUserHandles);
 	/// Inserts the new vertices of a batch, and those that have waited for the first tetrahedron.
 	void insertStored(std::vector<Point3*>& vNewVertices, std::size_t numPoints);
+	/// Tells the host, if it wants to know; throws when the answer is to stop.
+	void reportProgress(std::size_t numInserted, std::size_t numVertices) const;
 	// Dt3Query.cpp
 	LiveTets liveTets() const;
 	// Dt3StartUp.cpp

@@ -20,6 +20,15 @@ constexpr const char* kRangeText = "coordinates are finite and at most 1e60 in m
 constexpr std::size_t kMaxPoints = std::numeric_limits<std::int32_t>::max();
 constexpr const char* kNumberText = "an engine takes at most 2147483647 points";
 
+/// How many tetrahedra are made between two calls of the progress handler. A vertex makes some 25: about
+/// 400 calls a batch, unless it is very short or very long.
+unsigned progressInterval(std::size_t numVertices)
+{
+	constexpr std::size_t kShortest = 4096;
+	constexpr std::size_t kLongest = 400000;
+	return static_cast<unsigned>(std::clamp(numVertices / 16, kShortest, kLongest));
+}
+
 } // namespace
 
 /// Counts the labels of a batch in a variable of its own, and adds their number to the process-wide
@@ -37,8 +46,11 @@ public:
 	~OwnLabels()
 	{
 		engine.pNextLabel = &Tet3::runningLabel;
-		Tet3::takeLabels(static_cast<unsigned>(next) - static_cast<unsigned>(first));
+		Tet3::takeLabels(numTaken());
 	}
+
+	/// The tetrahedra made so far; a very long run starts again from zero.
+	unsigned numTaken() const { return static_cast<unsigned>(next) - static_cast<unsigned>(first); }
 
 private:
 	Dt3& engine;
@@ -197,6 +209,10 @@ void Dt3::triangulate(std::vector<Point3*>& vVertices, Tet3* pLastTet)
 
 	const OwnLabels labels(*this);
 	LookAhead batch(vVertices, batchTests, predicates, bLooksAhead);
+	const unsigned interval =
+	    progress ? progressInterval(vVertices.size()) : std::numeric_limits<unsigned>::max();
+	unsigned numReported = 0;
+	std::size_t numInserted = 0;
 	numFacetTests = 0;
 	while (!batch.isAtEnd()) {
 		Point3* pVtx = batch.vertex();
@@ -208,7 +224,19 @@ void Dt3::triangulate(std::vector<Point3*>& vVertices, Tet3* pLastTet)
 		}
 		batch.advance(std::exchange(disturbed, Reservation::Bits{0}),
 		    std::exchange(numFacetTests, std::size_t{0}));
+
+		++numInserted;
+		if (labels.numTaken() - numReported < interval) continue;
+		reportProgress(numInserted, vVertices.size());
+		numReported = labels.numTaken();
 	}
+	reportProgress(numInserted, numInserted);
+}
+
+void Dt3::reportProgress(std::size_t numInserted, std::size_t numVertices) const
+{
+	if (!progress) return;
+	CONDITION_CHECK_AS(progress(numInserted, numVertices), "the progress handler lets it go on");
 }
 
 } // namespace TULO3D

@@ -3,6 +3,8 @@
 #include "Tulo_3D.h"
 #include "Dt3.h"
 
+#include <utility>
+
 namespace TULO3D {
 
 Tulo_3D::Tulo_3D() : pDt3(new Dt3(this))
@@ -111,6 +113,11 @@ bool Tulo_3D::is3D() const
 void Tulo_3D::setVerbosity(bool bVerbose)
 {
 	pDt3->setVerbosity(bVerbose);
+}
+
+void Tulo_3D::setProgress(ProgressHandler handler)
+{
+	pDt3->progress = std::move(handler);
 }
 
 namespace {

@@ -21,6 +21,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -28,6 +29,10 @@
 namespace TULO3D {
 
 class Dt3;
+
+/// Called during a batch: `numInserted` of its `numVertices` vertices are in the mesh. False ends the
+/// insertion.
+using ProgressHandler = std::function<bool(std::size_t numInserted, std::size_t numVertices)>;
 
 /// A 3D Delaunay tetrahedralization that grows by insertion.
 ///
@@ -155,6 +160,15 @@ public:
 
 	/// Makes the batch insert announce itself on standard output.
 	void setVerbosity(bool bVerbose);
+
+	/// Chooses what is called while a batch enters the mesh: some hundred times, in any case after each
+	/// 400,000 new tetrahedra (some 40 ms), and once all are in. An empty function, the default, stands for
+	/// none.
+	///
+	/// When the handler returns false, the insertion throws `TuloException`; what the handler throws leaves
+	/// the insertion as well. Either way this object can then only be destroyed. The handler runs in the
+	/// thread of the insertion and must not use this object.
+	void setProgress(ProgressHandler handler);
 
 private:
 	Dt3* pDt3;

@@ -156,6 +156,35 @@ TEST(Insert, KnownPointsGetTheirVerticesAndChangeNothing)
 	EXPECT_VALID(mesh);
 }
 
+TEST(Insert, ABatchTellsHowFarItIsAndEndsWhenTheHostSaysSo)
+{
+	const Cloud cloud = points::make("Uniform", 30000);
+	Recorded mesh;
+	std::vector<std::size_t> counts;
+	const auto count = [&counts](std::size_t numInserted, std::size_t numVertices) {
+		counts.push_back(numInserted);
+		return numVertices == 30000 || numVertices == 1;
+	};
+	mesh.mesh.setProgress(count);
+	mesh.insert(cloud);
+	EXPECT_TRUE(std::is_sorted(counts.begin(), counts.end()) && counts.back() == 30000);
+	EXPECT_TRUE(counts.size() > 100 && counts.size() < 1000) << counts.size();
+	counts.clear();
+	mesh.insert(cloud);
+	mesh.mesh.insert(Cloud{Point3(5, 5, 5)});
+	EXPECT_EQ(counts, std::vector<std::size_t>{1}) << "a batch of one vertex";
+	mesh.mesh.setProgress(nullptr);
+
+	Tulo_3D refused, thrown;
+	refused.setProgress([](std::size_t numInserted, std::size_t) { return numInserted < 5000; });
+	EXPECT_EQ(support::conditionFailedBy([&] { refused.insert(cloud); }),
+	    "the progress handler lets it go on");
+	thrown.setProgress([](std::size_t, std::size_t) -> bool { throw std::bad_alloc(); });
+	const support::Capture quiet;
+	EXPECT_THROW(thrown.insert(cloud), std::bad_alloc);
+	for (Tulo_3D* pCut : {&refused, &thrown}) EXPECT_THROW(pCut->is3D(), TuloException);
+}
+
 TEST(Insert, VerticesWithEqualKeysAreWalkedToWithoutTheWatchdog)
 {
 	// Their keys are equal: walks start at neighbours in Morton order, and cavities are searched ahead.
