@@ -1,0 +1,264 @@
+// SPDX-License-Identifier: MIT
+// The module tulo3d._core: the engine and the loops over arrays. Arrays for results are made by Python
+// and filled here; indices in arrays have been checked by Python.
+#include "Interpolation.h"
+#include "Library.h"
+#include "Measures.h"
+
+#include <nanobind/ndarray.h>
+#include <nanobind/stl/string.h>
+
+#include <algorithm>
+#include <memory>
+#include <utility>
+#include <vector>
+
+namespace nb = nanobind;
+using namespace nb::literals;
+
+namespace binding {
+
+namespace {
+
+template <typename T, nb::ssize_t... Extents>
+using Array = nb::ndarray<T, nb::shape<Extents...>, nb::c_contig, nb::device::cpu>;
+
+using Points = Array<const double, -1, 3>;
+using Tuples = Array<const std::int32_t, -1, 4>;
+using Indices = Array<const std::int32_t, -1>;
+using Offsets = Array<const std::int64_t, -1>;
+using Table = Array<const double, -1, -1>;
+using Results = Array<double, -1, -1>;
+
+template <typename AnyArray>
+void expectLength(const AnyArray& array, std::size_t length)
+{
+	if (array.shape(0) != length) throw nb::value_error("an array of the wrong length");
+}
+
+/// The arrays of a mesh. Their contents must not change while it lives.
+class Mesh : public FlatMesh
+{
+public:
+	Mesh(Points thePoints, Tuples theSimplices, Tuples theNeighbors)
+	    : FlatMesh{thePoints.data(), theSimplices.data(), theNeighbors.data(), thePoints.shape(0),
+	          theSimplices.shape(0)},
+	      points(std::move(thePoints)),
+	      simplices(std::move(theSimplices)),
+	      neighbors(std::move(theNeighbors))
+	{
+		expectLength(neighbors, numTets);
+	}
+
+private:
+	Points points;
+	Tuples simplices;
+	Tuples neighbors;
+};
+
+/// A mesh that grows; for one thread at a time.
+class Engine
+{
+public:
+	Engine() { makeMesh(); }
+
+	/// Inserts points and writes the numbers of their vertices.
+	void insert(const Points& points, const Array<std::int32_t, -1>& numbers, nb::handle progress)
+	{
+		expectLength(numbers, points.shape(0));
+		Watch watch(progress);
+		const nb::gil_scoped_release unlock;
+		LibraryScope scope;
+		pMesh->setProgress([&watch](std::size_t numInserted, std::size_t numVertices) {
+			watch.look(numInserted, numVertices);
+			return true;
+		});
+		try {
+			pMesh->insert(points.data(), points.shape(0), numbers.data());
+		} catch (const TULO3D::TuloException&) {
+			throw InternalError(scope.text());
+		}
+		pMesh->setProgress(nullptr);
+	}
+
+	bool is3D() const { return pMesh->is3D(); }
+	std::size_t numVertices() const { return pMesh->getNumVertices(); }
+	std::size_t numTets() const { return pMesh->getNumTetrahedra(); }
+
+	/// Writes a tetrahedron of each vertex, the corners and the neighbours.
+	void copyTo(const Array<std::int32_t, -1>& tetOfVertex,
+	    const Array<std::int32_t, -1, 4>& corners,
+	    const Array<std::int32_t, -1, 4>& neighbors) const
+	{
+		expectLength(tetOfVertex, numVertices());
+		expectLength(corners, numTets());
+		expectLength(neighbors, numTets());
+		const nb::gil_scoped_release unlock;
+		const LibraryScope scope;
+		pMesh->copyTo({nullptr, tetOfVertex.data(), corners.data(), neighbors.data()});
+	}
+
+private:
+	void makeMesh()
+	{
+		const LibraryScope scope;
+		pMesh = std::make_unique<TULO3D::Tulo_3D>();
+	}
+
+	std::unique_ptr<TULO3D::Tulo_3D> pMesh;
+};
+
+using IndexArray = nb::ndarray<nb::numpy, std::int32_t, nb::ndim<1>>;
+
+/// An array that takes over the elements of `v`.
+IndexArray toArray(std::vector<std::int32_t> v)
+{
+	auto pOwned = std::make_unique<std::vector<std::int32_t>>(std::move(v));
+	std::int32_t* const pData = pOwned->data();
+	const std::size_t size = pOwned->size();
+	const nb::capsule owner(
+	    pOwned.get(), [](void* p) noexcept { delete static_cast<std::vector<std::int32_t>*>(p); });
+	(void)pOwned.release();
+	return IndexArray(pData, {size}, owner);
+}
+
+/// Calls `work` without the interpreter's lock.
+template <typename Work>
+auto unlocked(Work work)
+{
+	const nb::gil_scoped_release unlock;
+	const LibraryScope scope;
+	return work();
+}
+
+void findSimplex(const Mesh& mesh, const Points& queries, const Array<std::int32_t, -1>& found)
+{
+	expectLength(found, queries.shape(0));
+	Watch watch;
+	unlocked([&] {
+		forEachLocated(
+		    mesh, queries.data(), queries.shape(0), [&watch] { watch.look(); },
+		    [&found](std::size_t i, const double*, std::int32_t t) { found.data()[i] = t; });
+	});
+}
+
+/// Runs one of the interpolations; `compute` gets the samples and a poll.
+template <typename Compute>
+void interpolate(const Mesh& mesh, const Table& values, const Points& queries,
+    const Results& results, std::size_t numPerColumn, Compute compute)
+{
+	const Samples samples{values.data(), values.shape(1), queries.data(), queries.shape(0)};
+	expectLength(values, mesh.numPoints);
+	expectLength(results, samples.numQueries);
+	if (results.shape(1) != numPerColumn * samples.numColumns) {
+		throw nb::value_error("an array of the wrong width");
+	}
+	Watch watch;
+	unlocked([&] { compute(samples, [&watch] { watch.look(); }); });
+}
+
+void linear(const Mesh& mesh, const Table& values, const Points& queries, double fill,
+    const Results& results)
+{
+	interpolate(mesh, values, queries, results, 1, [&](const Samples& samples, const Poll& poll) {
+		interpolateLinearly(mesh, samples, fill, results.data(), poll);
+	});
+}
+
+void natural(const Mesh& mesh, const Table& values, const Points& queries, double fill,
+    const Results& results)
+{
+	interpolate(mesh, values, queries, results, 1, [&](const Samples& samples, const Poll& poll) {
+		interpolateNaturally(mesh, samples, fill, results.data(), poll);
+	});
+}
+
+void gradients(const Mesh& mesh, const Table& values, const Points& queries, const Results& results)
+{
+	interpolate(mesh, values, queries, results, 3, [&](const Samples& samples, const Poll& poll) {
+		interpolateGradients(mesh, samples, results.data(), poll);
+	});
+}
+
+/// Writes one number, or several, for each tetrahedron.
+template <void (*Measure)(const FlatMesh&, double*), nb::ssize_t... Extents>
+void measure(const Mesh& mesh, const Array<double, -1, Extents...>& results)
+{
+	expectLength(results, mesh.numTets);
+	unlocked([&] { Measure(mesh, results.data()); });
+}
+
+void measureSpheres(
+    const Mesh& mesh, const Array<double, -1, 3>& centers, const Array<double, -1>& radii)
+{
+	expectLength(centers, mesh.numTets);
+	expectLength(radii, mesh.numTets);
+	unlocked([&] { circumspheres(mesh, centers.data(), radii.data()); });
+}
+
+void listStars(
+    const Mesh& mesh, const Array<std::int64_t, -1>& begins, const Array<std::int32_t, -1>& tets)
+{
+	expectLength(begins, mesh.numPoints + 1);
+	expectLength(tets, 4 * mesh.numTets);
+	unlocked([&] { stars(mesh, begins.data(), tets.data()); });
+}
+
+IndexArray listNeighbors(const Mesh& mesh, const Offsets& starBegins, const Indices& starTets,
+    const Array<std::int64_t, -1>& begins)
+{
+	expectLength(starBegins, mesh.numPoints + 1);
+	expectLength(starTets, 4 * mesh.numTets);
+	expectLength(begins, mesh.numPoints + 1);
+	return toArray(unlocked(
+	    [&] { return adjacency(mesh, starBegins.data(), starTets.data(), begins.data()); }));
+}
+
+bool checkMesh(const Mesh& mesh)
+{
+	return unlocked([&] { return isValid(mesh); });
+}
+
+} // namespace
+
+} // namespace binding
+
+NB_MODULE(_core, m)
+{
+	using namespace binding;
+
+	m.attr("version") = TULO3D_PYTHON_VERSION;
+
+	nb::exception<InternalError>(m, "InternalError", PyExc_RuntimeError);
+
+	// Arrays come as they are: a copy made on the way in would be filled in vain, or read in vain.
+	const auto array = [](const char* name) { return nb::arg(name).noconvert(); };
+
+	nb::class_<Engine>(m, "Engine")
+	    .def(nb::init<>())
+	    .def("insert", &Engine::insert, array("points"), array("numbers"), "progress"_a.none())
+	    .def("copy_to", &Engine::copyTo, array("tet_of_vertex"), array("corners"),
+	        array("neighbors"))
+	    .def_prop_ro("is_3d", &Engine::is3D)
+	    .def_prop_ro("num_vertices", &Engine::numVertices)
+	    .def_prop_ro("num_tets", &Engine::numTets);
+
+	nb::class_<Mesh>(m, "Mesh").def(nb::init<Points, Tuples, Tuples>(), array("points"),
+	    array("simplices"), array("neighbors"));
+
+	m.def("find_simplex", &findSimplex, "mesh"_a, array("queries"), array("found"));
+	m.def("interpolate_linearly", &linear, "mesh"_a, array("values"), array("queries"), "fill"_a,
+	    array("results"));
+	m.def("interpolate_naturally", &natural, "mesh"_a, array("values"), array("queries"), "fill"_a,
+	    array("results"));
+	m.def("interpolate_gradients", &gradients, "mesh"_a, array("values"), array("queries"),
+	    array("results"));
+	m.def("volumes", &measure<&volumes>, "mesh"_a, array("results"));
+	m.def("qualities", &measure<&qualities>, "mesh"_a, array("results"));
+	m.def("transforms", &measure<&transforms, 4, 3>, "mesh"_a, array("results"));
+	m.def("circumspheres", &measureSpheres, "mesh"_a, array("centers"), array("radii"));
+	m.def("stars", &listStars, "mesh"_a, array("begins"), array("tets"));
+	m.def("adjacency", &listNeighbors, "mesh"_a, array("star_begins"), array("star_tets"),
+	    array("begins"));
+	m.def("is_valid", &checkMesh, "mesh"_a);
+}
