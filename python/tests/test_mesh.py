@@ -1,0 +1,149 @@
+# SPDX-License-Identifier: MIT
+"""The mesh: its laws, on inputs that are hard and on such as hypothesis finds; its arrays beside SciPy's."""
+
+import numpy as np
+import pytest
+import scipy.spatial
+import tulo3d
+from families import FAMILIES, check_laws, sorted_rows
+from hypothesis import assume, given
+from hypothesis import strategies as st
+from hypothesis.extra.numpy import arrays
+
+# Few different coordinates: most points are coplanar, cospherical or equal to others.
+small_numbers = st.integers(-4, 4)
+degenerate_points = st.integers(4, 40).flatmap(lambda n: arrays(np.int64, (n, 3), elements=small_numbers))
+
+
+@pytest.mark.parametrize("family", FAMILIES)
+def test_hard_inputs_keep_the_laws(family):
+    points = FAMILIES[family](2000)
+    mesh = tulo3d.Delaunay(points)
+    check_laws(mesh)
+    assert (mesh.find_simplex(points) >= 0).all()
+    half = tulo3d.Delaunay(points[::2]) if family != "flat then apex" else mesh
+    half.add_points(points[1::2])
+    check_laws(half)
+
+
+@given(degenerate_points, st.randoms(use_true_random=False))
+def test_no_sphere_contains_a_point(points, random):
+    assume(np.linalg.matrix_rank(points - points[0]) == 3)
+    cut = random.randrange(4, len(points) + 1)
+    try:
+        mesh = tulo3d.Delaunay(points[:cut])
+    except tulo3d.FlatError:
+        mesh = tulo3d.Delaunay(points)
+    else:
+        mesh.add_points(points[cut:])
+    check_laws(mesh)
+    # In integers: the sign of the determinant of arms and their squares, for all tetrahedra and points.
+    arms = points[mesh.simplices][:, np.newaxis] - points[np.newaxis, :, np.newaxis]
+    a, b, c, d = np.moveaxis(arms, 2, 0)
+
+    def det(u, v, w):
+        return (u * np.cross(v, w)).sum(axis=-1)
+
+    def squared(u):
+        return (u * u).sum(axis=-1)
+
+    sphere = -squared(a) * det(b, c, d) + squared(b) * det(a, c, d)
+    sphere += -squared(c) * det(a, b, d) + squared(d) * det(a, b, c)
+    orientation = det(b - a, c - a, d - a)
+    assert (orientation > 0).all()
+    assert (sphere <= 0).all() or (sphere >= 0).all()
+    assert not (sphere * np.sign(sphere.sum())).min() < 0
+
+
+def test_where_the_mesh_is_unique_it_is_that_of_scipy_whatever_the_order():
+    points = np.random.default_rng(3).random((1500, 3))
+    theirs = scipy.spatial.Delaunay(points)
+    ours = tulo3d.Delaunay(points)
+    assert sorted_rows(ours.simplices) == sorted_rows(theirs.simplices)
+    assert sorted_rows(ours.convex_hull) == sorted_rows(theirs.convex_hull)
+    np.testing.assert_array_equal(ours.min_bound, theirs.min_bound)
+    np.testing.assert_array_equal(ours.max_bound, theirs.max_bound)
+    assert (ours.npoints, ours.nsimplex, ours.ndim) == (theirs.npoints, theirs.nsimplex, theirs.ndim)
+    indptr, indices = ours.vertex_neighbor_vertices
+    their_indptr, their_indices = theirs.vertex_neighbor_vertices
+    for i in range(0, 1500, 50):
+        their_neighbors = np.sort(their_indices[their_indptr[i] : their_indptr[i + 1]])
+        np.testing.assert_array_equal(indices[indptr[i] : indptr[i + 1]], their_neighbors)
+
+    shuffled = np.random.default_rng(4).permutation(1500)
+    grown = tulo3d.Delaunay(points[shuffled[:10]])
+    for part in np.array_split(shuffled[10:], 7):
+        grown.add_points(points[part])
+    assert sorted_rows(shuffled[grown.simplices]) == sorted_rows(ours.simplices)
+    assert grown.npoints == 1500
+
+
+def test_derived_arrays_agree_with_their_definitions():
+    points = np.random.default_rng(5).random((300, 3))
+    mesh = tulo3d.Delaunay(points)
+    corners = points[mesh.simplices]
+    a, b, c = (corners[:, i] - corners[:, 0] for i in (1, 2, 3))
+    np.testing.assert_allclose(mesh.volumes, np.einsum("ij,ij->i", np.cross(a, b), c) / 6)
+    distances = np.linalg.norm(corners - mesh.circumcenters[:, np.newaxis], axis=2)
+    np.testing.assert_allclose(
+        distances, np.broadcast_to(mesh.circumradii[:, np.newaxis], (mesh.nsimplex, 4))
+    )
+    inverse = np.linalg.inv(np.moveaxis(corners[:, :3] - corners[:, 3:], 1, 2))
+    np.testing.assert_allclose(mesh.transform[:, :3], inverse, rtol=1e-6, atol=1e-6 * abs(inverse).max())
+    np.testing.assert_array_equal(mesh.transform[:, 3], corners[:, 3])
+    indptr, indices = mesh.stars
+    for i in range(0, 300, 10):
+        np.testing.assert_array_equal(indices[indptr[i] : indptr[i + 1]], np.nonzero(mesh.simplices == i)[0])
+    assert 0 < mesh.quality.min() and mesh.quality.max() <= 1
+    regular = tulo3d.Delaunay([[1, 1, 1], [1, -1, -1], [-1, 1, -1], [-1, -1, 1]])
+    assert regular.quality == pytest.approx([1]) and regular.volumes == pytest.approx([8 / 3])
+
+
+def test_repeated_points_are_told_apart_from_corners():
+    mesh = tulo3d.Delaunay([[0, 0, 0], [1, 0, 0], [0, 0, 0], [0, 1, 0], [0, 0, 1], [1, 0, -0.0]])
+    assert mesh.vertex_of_point.tolist() == [0, 1, 0, 3, 4, 1]
+    assert mesh.coplanar.tolist() == [[2, 0, 0], [5, 0, 1]]
+    assert mesh.vertex_to_simplex.tolist() == [0] * 6
+    assert np.diff(mesh.stars[0]).tolist() == [1, 1, 0, 1, 1, 0]
+    mesh.add_points([[1, 0, 0], [2, 2, 2], [2, 2, 2]])
+    assert mesh.vertex_of_point.tolist() == [0, 1, 0, 3, 4, 1, 1, 7, 7]
+    assert set(mesh.simplices.ravel().tolist()) == {0, 1, 3, 4, 7}
+
+
+def test_a_broken_mesh_is_not_valid():
+    mesh = tulo3d.Delaunay(np.random.default_rng(6).random((50, 3)))
+
+    def rebuilt(change):
+        incremental, arrays = mesh.__getstate__()
+        arrays = [array.copy() for array in arrays]
+        change(*arrays)
+        other = object.__new__(tulo3d.Delaunay)
+        other.__setstate__((incremental, tuple(arrays)))
+        return other
+
+    def move(points, *_):
+        points[17] = points[18] + 1e-3
+
+    def turn(points, simplices, *_):
+        simplices[5, :2] = simplices[5, 1::-1]
+
+    def unlink(points, simplices, neighbors, *_):
+        neighbors[5, neighbors[5].argmax()] = -1
+
+    def mislink(points, simplices, neighbors, *_):
+        neighbors[5, neighbors[5].argmax()] = 5
+
+    def dent(points, simplices, neighbors, vertex_of_point, vertex_to_simplex):
+        # Without one tetrahedron at the hull.
+        gone = np.flatnonzero((neighbors < 0).sum(axis=1) == 1)[0]
+        neighbors[neighbors == gone] = -1
+        last = len(simplices) - 1
+        neighbors[neighbors == last] = gone
+        simplices[gone], neighbors[gone] = simplices[last], neighbors[last]
+        simplices.resize((last, 4), refcheck=False)
+        neighbors.resize((last, 4), refcheck=False)
+        vertex_to_simplex %= last
+
+    assert rebuilt(lambda *_: None).is_valid()
+    for change in move, turn, unlink, mislink, dent:
+        assert not rebuilt(change).is_valid(), change.__name__
