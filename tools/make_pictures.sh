@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
 # Makes the pictures in docs/ anew. Usage: tools/make_pictures.sh BUILD_FOLDER
+# Those by PyVista are made where the Python package is installed with its extra `plot`.
 set -euo pipefail
 
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
@@ -23,3 +24,10 @@ library=$build/dt3Library/libTulo3D.so
 "$root/tools/render_list.sh" --size 600x500 --turn 25,-70 \
 	--gcl '(merge-ap World appearance { material { edgecolor 0.6 0.6 0.6 } }) (zoom c0 1.1)' \
 	./*_sphereIncBug.list "$root/docs/failed-check.png"
+
+if python3 -c "import tulo3d, pyvista"; then
+	python3 "$root/tools/draw_scan.py" "$root/docs/scan-tetrahedra.png"
+	for example in "$root"/python/examples/*.py; do
+		python3 "$example" "$root/docs/gallery"
+	done
+fi

@@ -85,11 +85,11 @@ class LinearInterpolator(_Interpolator):
     --------
     >>> import tulo3d
     >>> corners = [[0, 0, 0], [1, 0, 0], [0, 1, 0], [0, 0, 1]]
-    >>> temperature = tulo3d.LinearInterpolator(corners, [10, 20, 10, 10])
+    >>> temperature = tulo3d.LinearInterpolator(corners, [10, 20, 30, 40])
     >>> float(temperature([0.5, 0.1, 0.1]))
-    15.0
+    20.0
     >>> temperature.gradient([0.5, 0.1, 0.1])
-    array([10.,  0.,  0.])
+    array([10., 20., 30.])
     """
 
     _compute = staticmethod(_core.interpolate_linearly)
