@@ -6,14 +6,17 @@
 # By Debian's names: to build the library and the program; in addition, to run all the tests.
 packages_build=(g++ cmake ninja-build libcli11-dev)
 packages_test=(clang libclang-rt-dev libgtest-dev libgmp-dev pkg-config binutils python3)
-# Without these a few tests skip: valgrind, the meshes on 64-bit Arm, pictures, packages for Python;
+# Without these a few tests skip: valgrind, the meshes on 64-bit Arm, pictures, Python packages and ours;
 # the documents, the sources as they are read by tools, the packages.
 packages_test_optional=(valgrind qemu-user g++-aarch64-linux-gnu geomview xvfb netpbm python3-venv
+	python3-dev
 	doxygen clang-format clang-tidy codespell shellcheck lintian dpkg-dev)
 # By the names of the Python package index, for a virtual environment that the tests use: the system
 # stays as it is, whichever Python it has. Without meshio the test of what it reads skips.
 venv=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)/build/venv
 python_packages_test=(meshio)
+# To build the Python package; what its tests need is listed in pyproject.toml.
+python_packages_build=(scikit-build-core nanobind auditwheel)
 
 # Where a package may have come from elsewhere: the command or the header that it is for.
 declare -A package_command=([g++]=g++ [cmake]=cmake [ninja-build]=ninja [clang]=clang++
@@ -35,6 +38,8 @@ has_package() {
 		echo "#include <${package_header[$name]}>" | "${CXX:-c++}" -E -x c++ - &>/dev/null
 	elif [[ $name == libclang-rt-dev ]]; then
 		compgen -G "$(clang++ -print-resource-dir 2>/dev/null)/lib/*/libclang_rt.fuzzer*" >/dev/null
+	elif [[ $name == python3-dev ]]; then
+		[[ -f $(python3 -c "import sysconfig; print(sysconfig.get_path('include'))")/Python.h ]]
 	elif [[ $name == python3-venv ]]; then
 		python3 -c "import ensurepip, venv" &>/dev/null
 	else

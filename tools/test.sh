@@ -3,9 +3,9 @@
 # Sets everything up, reads the sources with tools, then builds and tests with g++ and clang, with
 # sanitizers (the one for threads runs their tests only) and with fused multiply-add allowed, fuzzes
 # for a moment, compares meshes between compilers and CPUs, makes the Debian packages and tries them,
-# and tests for Windows where that can be done. The last line sums up all runs; the exit status is 0
-# only if all went well.
-# Usage: tools/test.sh [lint|PRESET|same_mesh|packages|mingw]...
+# builds and tests the Python package, and tests for Windows where that can be done. The last line sums
+# up all runs; the exit status is 0 only if all went well.
+# Usage: tools/test.sh [lint|PRESET|same_mesh|packages|python|mingw]...
 set -uo pipefail
 
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
@@ -16,13 +16,28 @@ require_packages "${packages_build[@]}" "${packages_test[@]}" || exit 1
 try_packages "${packages_test_optional[@]}"
 try_python_packages "${python_packages_test[@]}"
 
-(($#)) || set -- lint release sanitize thread clang fma fuzz same_mesh packages mingw
+(($#)) || set -- lint release sanitize thread clang fma fuzz same_mesh packages python mingw
 jobs=$(nproc)
 passed=0 failed=0 skipped=0 broken=() left_out=()
 
-# Reads one number of the <testsuite> line of a test report.
+# Reads one number of the <testsuite> line of a test report; 0 where there is none by that name.
 report_number() {
-	sed -n "/<testsuite/,/>/s/.*[[:space:]]$1=\"\([0-9]*\)\".*/\1/p" "$2" | head -n 1
+	local number
+	number=$(sed -n "/<testsuite/,/>/s/.*[[:space:]]$1=\"\([0-9]*\)\".*/\1/p" "$2" | head -n 1)
+	echo "${number:-0}"
+}
+
+# Adds a test report to the sums. False when no test ran: that shows nothing.
+count_tests() {
+	[[ -s $1 ]] || return 1
+	local tests failures notRun
+	tests=$(report_number tests "$1")
+	failures=$(($(report_number failures "$1") + $(report_number errors "$1")))
+	notRun=$(($(report_number skipped "$1") + $(report_number disabled "$1")))
+	passed=$((passed + tests - failures - notRun))
+	failed=$((failed + failures))
+	skipped=$((skipped + notRun))
+	((tests > notRun))
 }
 
 test_preset() {
@@ -35,16 +50,37 @@ test_preset() {
 	local status=0
 	rm -f "$report"
 	ctest --preset "$preset" --parallel "$jobs" --output-junit "$report" || status=1
-	[[ -s $report ]] || return 1
+	count_tests "$report" || status=1
+	return "$status"
+}
 
-	local tests failures notRun
-	tests=$(report_number tests "$report")
-	failures=$(report_number failures "$report")
-	notRun=$(($(report_number skipped "$report") + $(report_number disabled "$report")))
-	passed=$((passed + tests - failures - notRun))
-	failed=$((failed + failures))
-	skipped=$((skipped + notRun))
-	((tests > notRun)) || status=1 # a run without a test shows nothing
+# Builds the wheel as a user does, installs it and tests it there.
+test_python() {
+	local venv=$root/build/python-venv wheels=$root/build/wheels status=0
+	if ! has_package python3-dev || ! python3 -c "import sys; sys.exit(sys.version_info < (3, 10))"; then
+		echo "The Python package needs Python 3.10 or newer with its headers (Debian package python3-dev)."
+		return 77
+	fi
+	"$venv/bin/python" -m pip --version &>/dev/null || python3 -m venv --clear "$venv" || return 77
+	local pip=("$venv/bin/python" -m pip --quiet --disable-pip-version-check --retries 1)
+	if ! "${pip[@]}" install "${python_packages_build[@]}"; then
+		echo "The Python package index cannot be reached."
+		return 77
+	fi
+
+	echo "== python: build"
+	rm -rf "$wheels"
+	"${pip[@]}" wheel --no-deps --wheel-dir "$wheels" . || return 1
+	"${pip[@]}" uninstall --yes tulo3d
+	"${pip[@]}" install "$(echo "$wheels"/*.whl)[test]" || return 1
+	[[ $(uname) != Linux ]] || "$venv/bin/auditwheel" show "$wheels"/*.whl || status=1
+
+	echo "== python: test"
+	local report=$venv/test-report.xml
+	rm -f "$report"
+	"$venv/bin/python" -m mypy -p tulo3d || status=1
+	"$venv/bin/python" -m pytest --quiet --junitxml "$report" || status=1
+	count_tests "$report" || status=1
 	return "$status"
 }
 
@@ -69,6 +105,7 @@ for step in "$@"; do
 	lint) tools/lint.sh || status=$? ;;
 	same_mesh) tools/same_mesh.sh || status=$? ;;
 	packages) tools/test_packages.sh || status=$? ;;
+	python) test_python || status=$? ;;
 	thread)
 		if has_thread_sanitizer; then
 			test_preset thread || status=$?
