@@ -159,7 +159,8 @@ std::vector<Point3*> Dt3::store(
 	std::vector<Point3*> vNewVertices;
 	if (vInputPoints.empty()) return vNewVertices;
 	beginStoring(vInputPoints.data(), vInputPoints.size());
-	hc3.insertPoints(vInputPoints, vUserHandles, vNewVertices);
+	const auto poll = [this, &vInputPoints] { reportProgress(0, vInputPoints.size()); };
+	hc3.insertPoints(vInputPoints, vUserHandles, vNewVertices, poll);
 	return vNewVertices;
 }
 

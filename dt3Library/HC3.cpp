@@ -12,6 +12,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <functional>
 #include <new>
 #include <utility>
 
@@ -87,6 +88,24 @@ double takeBatchMargin()
 	static std::atomic<bool> bFirst{true};
 	return bFirst.exchange(false) ? 0.1 : 1.0;
 }
+
+/// Calls a function, if there is one, each time that so many more points are done.
+class Poller
+{
+public:
+	explicit Poller(const std::function<void()>& thePoll) : poll(thePoll) {}
+	void reach(std::size_t numDone)
+	{
+		if (numDone < next) return;
+		next = numDone + kInterval;
+		if (poll) poll();
+	}
+
+private:
+	static constexpr std::size_t kInterval = std::size_t{1} << 16U; // some 10 ms
+	const std::function<void()>& poll;
+	std::size_t next = kInterval;
+};
 
 } // namespace
 
@@ -180,7 +199,7 @@ Point3* HC3::insertPoint(const Point3& point, Tet3*& pStartTet)
 }
 
 void HC3::insertPoints(const std::vector<Point3>& vPoints, std::vector<Point3*>& vUserHandles,
-    std::vector<Point3*>& vNewVertices)
+    std::vector<Point3*>& vNewVertices, const std::function<void()>& poll)
 {
 	CONDITION_CHECK(vUserHandles.empty());
 	const std::size_t siz = vPoints.size();
@@ -191,9 +210,11 @@ void HC3::insertPoints(const std::vector<Point3>& vPoints, std::vector<Point3*>&
 
 	std::vector<KeyedInput> vHIndexIndexPair;
 	vHIndexIndexPair.reserve(siz);
+	Poller keyed(poll);
 	for (const Point3& point : vPoints) {
 		const auto position = static_cast<std::uint32_t>(vHIndexIndexPair.size());
 		vHIndexIndexPair.push_back({hilbertIndex(point), position});
+		keyed.reach(position);
 	}
 	sortByKey(vHIndexIndexPair, numBits);
 	assert(vHIndexIndexPair.size()==siz);
@@ -202,6 +223,7 @@ void HC3::insertPoints(const std::vector<Point3>& vPoints, std::vector<Point3*>&
 	vNewVertices.reserve(vNewVertices.size() + siz);
 	const auto firstNumber = static_cast<std::int32_t>(size());
 	Batch batch{vPoints, vUserHandles, vNewVertices, firstNumber, {}, {}, {}, {}, {}};
+	Poller stored(poll);
 	for (std::size_t i = 0; i < siz;) {
 		const std::uint32_t key = vHIndexIndexPair[i].key;
 		batch.vCell.clear();
@@ -213,6 +235,7 @@ void HC3::insertPoints(const std::vector<Point3>& vPoints, std::vector<Point3*>&
 			batch.vCell.push_back(vHIndexIndexPair[i].position);
 		}
 		insertCell(key, batch);
+		stored.reach(i);
 	}
 	if (batch.newItems.size() < siz) closeNumberGaps(vUserHandles, firstNumber);
 	items.merge(std::move(batch.newItems));

@@ -10,6 +10,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <vector>
 
 namespace TULO3D {
@@ -34,9 +35,10 @@ public:
 	Point3* insertPoint(const Point3& point, Tet3*& pStartTet);
 
 	/// vUserHandles[i] becomes the vertex of vPoints[i]; the vertices that this call has made follow
-	/// one another along the curve in `vNewVertices`, input order within one cell.
+	/// one another along the curve in `vNewVertices`, input order within one cell. A long batch calls `poll`
+	/// now and then; what it throws leaves the store good for nothing but destruction.
 	void insertPoints(const std::vector<Point3>& vPoints, std::vector<Point3*>& vUserHandles,
-	    std::vector<Point3*>& vNewVertices);
+	    std::vector<Point3*>& vNewVertices, const std::function<void()>& poll = nullptr);
 
 	/// The tetrahedron of the first vertex from `point` on along the curve that is in the mesh, else of the
 	/// last one before; null when no vertex is in the mesh.

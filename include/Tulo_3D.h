@@ -30,8 +30,8 @@ namespace TULO3D {
 
 class Dt3;
 
-/// Called during a batch: `numInserted` of its `numVertices` vertices are in the mesh. False ends the
-/// insertion.
+/// Called during a batch: `numInserted` of its `numVertices` vertices are in the mesh. While the points of
+/// a long batch are still being sorted, 0 of as many as there are points. False ends the insertion.
 using ProgressHandler = std::function<bool(std::size_t numInserted, std::size_t numVertices)>;
 
 /// A 3D Delaunay tetrahedralization that grows by insertion.

@@ -182,7 +182,17 @@ TEST(Insert, ABatchTellsHowFarItIsAndEndsWhenTheHostSaysSo)
 	thrown.setProgress([](std::size_t, std::size_t) -> bool { throw std::bad_alloc(); });
 	const support::Capture quiet;
 	EXPECT_THROW(thrown.insert(cloud), std::bad_alloc);
-	for (Tulo_3D* pCut : {&refused, &thrown}) EXPECT_THROW(pCut->is3D(), TuloException);
+	// Ends while the points are sorted.
+	Cloud repeated;
+	for (int n = 0; n < 100; ++n) {
+		repeated.insert(repeated.end(), cloud.begin(), cloud.begin() + 1000);
+	}
+	Tulo_3D sorting;
+	sorting.setProgress([&repeated](std::size_t numInserted, std::size_t numVertices) {
+		return numInserted > 0 || numVertices != repeated.size();
+	});
+	EXPECT_THROW(sorting.insert(repeated), TuloException);
+	for (Tulo_3D* pCut : {&refused, &thrown, &sorting}) EXPECT_THROW(pCut->is3D(), TuloException);
 }
 
 TEST(Insert, VerticesWithEqualKeysAreWalkedToWithoutTheWatchdog)
