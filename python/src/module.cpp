@@ -7,9 +7,12 @@
 
 #include <nanobind/ndarray.h>
 #include <nanobind/stl/string.h>
+#include <nanobind/stl/tuple.h>
 
 #include <algorithm>
+#include <initializer_list>
 #include <memory>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -56,6 +59,24 @@ private:
 	Tuples neighbors;
 };
 
+using IndexArray = nb::ndarray<nb::numpy, std::int32_t, nb::ndim<1>>;
+using TupleArray = nb::ndarray<nb::numpy, std::int32_t, nb::shape<-1, 4>>;
+
+/// A new array, its elements not set.
+///
+/// Not made by numpy, which asks for large pages: for arrays that are written once, finding free ones takes
+/// several times as long as the writing.
+template <typename AnyArray>
+AnyArray makeIndices(std::initializer_list<std::size_t> shape)
+{
+	std::size_t size = 1;
+	for (const std::size_t extent : shape) size *= extent;
+	std::unique_ptr<std::int32_t[]> pOwned(new std::int32_t[size]); // no value-initialisation
+	const nb::capsule owner(
+	    pOwned.get(), [](void* p) noexcept { delete[] static_cast<std::int32_t*>(p); });
+	return AnyArray(pOwned.release(), shape, owner);
+}
+
 /// A mesh that grows; for one thread at a time.
 class Engine
 {
@@ -82,20 +103,25 @@ public:
 	}
 
 	bool is3D() const { return pMesh->is3D(); }
-	std::size_t numVertices() const { return pMesh->getNumVertices(); }
-	std::size_t numTets() const { return pMesh->getNumTetrahedra(); }
 
-	/// Writes a tetrahedron of each vertex, the corners and the neighbours.
-	void copyTo(const Array<std::int32_t, -1>& tetOfVertex,
-	    const Array<std::int32_t, -1, 4>& corners,
-	    const Array<std::int32_t, -1, 4>& neighbors) const
+	/// A tetrahedron of each vertex, the corners and the neighbours.
+	std::tuple<IndexArray, TupleArray, TupleArray> arrays() const
 	{
-		expectLength(tetOfVertex, numVertices());
-		expectLength(corners, numTets());
-		expectLength(neighbors, numTets());
+		constexpr std::size_t kPiece = std::size_t{1} << 19U; // tetrahedra, some 10 ms
+		const std::size_t numTets = pMesh->getNumTetrahedra();
+		const auto tetOfVertex = makeIndices<IndexArray>({pMesh->getNumVertices()});
+		const auto corners = makeIndices<TupleArray>({numTets, 4});
+		const auto neighbors = makeIndices<TupleArray>({numTets, 4});
+		Watch watch;
 		const nb::gil_scoped_release unlock;
 		const LibraryScope scope;
-		pMesh->copyTo({nullptr, tetOfVertex.data(), corners.data(), neighbors.data()});
+		pMesh->copyTo({nullptr, tetOfVertex.data(), nullptr, nullptr});
+		for (std::size_t first = 0; first < numTets; first += kPiece) {
+			watch.look();
+			pMesh->copyTo({nullptr, nullptr, corners.data() + 4 * first,
+			    neighbors.data() + 4 * first, first, kPiece});
+		}
+		return {tetOfVertex, corners, neighbors};
 	}
 
 private:
@@ -107,8 +133,6 @@ private:
 
 	std::unique_ptr<TULO3D::Tulo_3D> pMesh;
 };
-
-using IndexArray = nb::ndarray<nb::numpy, std::int32_t, nb::ndim<1>>;
 
 /// An array that takes over the elements of `v`.
 IndexArray toArray(std::vector<std::int32_t> v)
@@ -237,11 +261,8 @@ NB_MODULE(_core, m)
 	nb::class_<Engine>(m, "Engine")
 	    .def(nb::init<>())
 	    .def("insert", &Engine::insert, array("points"), array("numbers"), "progress"_a.none())
-	    .def("copy_to", &Engine::copyTo, array("tet_of_vertex"), array("corners"),
-	        array("neighbors"))
-	    .def_prop_ro("is_3d", &Engine::is3D)
-	    .def_prop_ro("num_vertices", &Engine::numVertices)
-	    .def_prop_ro("num_tets", &Engine::numTets);
+	    .def("arrays", &Engine::arrays)
+	    .def_prop_ro("is_3d", &Engine::is3D);
 
 	nb::class_<Mesh>(m, "Mesh").def(nb::init<Points, Tuples, Tuples>(), array("points"),
 	    array("simplices"), array("neighbors"));

@@ -6,20 +6,24 @@ from __future__ import annotations
 import threading
 from collections.abc import Callable, Iterator
 from contextlib import contextmanager
-from typing import TYPE_CHECKING, Any
+from typing import TYPE_CHECKING, Any, cast
 
 import numpy as np
 import numpy.typing as npt
 
 from . import _core, _pictures
 from ._input import FlatError, FloatArray, Int32Array, Int64Array, as_points, as_queries
-from ._mesh import Mesh
+from ._mesh import AnyArray, Mesh
 
 if TYPE_CHECKING:
     import meshio
     import pyvista
 
 Progress = Callable[[int, int], object]
+
+
+def _joined(parts: list[AnyArray]) -> AnyArray:
+    return parts[0] if len(parts) == 1 else cast(AnyArray, np.concatenate(parts))
 
 
 class Delaunay:
@@ -37,7 +41,7 @@ class Delaunay:
         Keep what `add_points` needs, about 600 bytes a point.
     progress : callable, optional
         Called as ``progress(num_inserted, num_vertices)``, at most some twenty times a second and once
-        at the end. An exception that it raises ends the insertion.
+        at the end; while points are still being sorted, with 0 and the number of points. An exception that it raises ends the insertion.
 
     Raises
     ------
@@ -156,21 +160,19 @@ class Delaunay:
             self._insert(np.empty((0, 3)))
         engine = self._engine
         assert engine is not None
-        points: FloatArray = np.concatenate(self._batches)
-        numbers: Int32Array = np.concatenate(self._numbers)
-        tet_of_vertex: Int32Array = np.empty(engine.num_vertices, dtype=np.int32)
-        simplices: Int32Array = np.empty((engine.num_tets, 4), dtype=np.int32)
-        neighbors: Int32Array = np.empty((engine.num_tets, 4), dtype=np.int32)
-        engine.copy_to(tet_of_vertex, simplices, neighbors)
+        points: FloatArray = _joined(self._batches)
+        numbers: Int32Array = _joined(self._numbers)
+        tet_of_vertex, simplices, neighbors = engine.arrays()
 
         # Vertices are numbered in the order in which they first come among the points.
-        vertex_of_point = numbers
+        vertex_of_point, tet_of_point = numbers, tet_of_vertex
         if len(tet_of_vertex) < len(points):
+            tet_of_point = tet_of_vertex[numbers]
             is_first = np.diff(np.maximum.accumulate(numbers), prepend=-1) > 0
             point_of_vertex = np.flatnonzero(is_first).astype(np.int32)
             simplices = point_of_vertex[simplices]
             vertex_of_point = point_of_vertex[numbers]
-        self._current = Mesh(points, simplices, neighbors, vertex_of_point, tet_of_vertex[numbers])
+        self._current = Mesh(points, simplices, neighbors, vertex_of_point, tet_of_point)
         self._batches, self._numbers = [points], [numbers]
 
     def add_points(
