@@ -15,7 +15,7 @@ packages_test_optional=(valgrind qemu-user g++-aarch64-linux-gnu geomview xvfb n
 # stays as it is, whichever Python it has. Without meshio the test of what it reads skips.
 venv=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)/build/venv
 python_packages_test=(meshio)
-# To build the Python package; what its tests need is listed in pyproject.toml.
+# To build the Python package and to read its wheel; what its tests need is listed in pyproject.toml.
 python_packages_build=(scikit-build-core nanobind auditwheel)
 
 # Where a package may have come from elsewhere: the command or the header that it is for.

@@ -54,14 +54,14 @@ test_preset() {
 	return "$status"
 }
 
-# Builds the wheel as a user does, installs it and tests it there.
+# Builds and installs the wheel and tests it there.
 test_python() {
-	local venv=$root/build/python-venv wheels=$root/build/wheels status=0
+	local wheels=$root/build/wheels status=0
 	if ! has_package python3-dev || ! python3 -c "import sys; sys.exit(sys.version_info < (3, 10))"; then
 		echo "The Python package needs Python 3.10 or newer with its headers (Debian package python3-dev)."
 		return 77
 	fi
-	"$venv/bin/python" -m pip --version &>/dev/null || python3 -m venv --clear "$venv" || return 77
+	"$venv/bin/python" -m pip --version &>/dev/null || return 77
 	local pip=("$venv/bin/python" -m pip --quiet --disable-pip-version-check --retries 1)
 	if ! "${pip[@]}" install "${python_packages_build[@]}"; then
 		echo "The Python package index cannot be reached."
@@ -70,16 +70,19 @@ test_python() {
 
 	echo "== python: build"
 	rm -rf "$wheels"
-	"${pip[@]}" wheel --no-deps --wheel-dir "$wheels" . || return 1
-	"${pip[@]}" uninstall --yes tulo3d
-	"${pip[@]}" install "$(echo "$wheels"/*.whl)[test]" || return 1
+	"${pip[@]}" wheel --no-build-isolation --no-deps --wheel-dir "$wheels" . &&
+		"${pip[@]}" install --no-deps --force-reinstall "$wheels"/*.whl || return 1
+	if ! "${pip[@]}" install "$(echo "$wheels"/*.whl)[test]"; then
+		echo "What its tests need cannot be had from the Python package index."
+		return 77
+	fi
 	[[ $(uname) != Linux ]] || "$venv/bin/auditwheel" show "$wheels"/*.whl || status=1
 
 	echo "== python: test"
-	local report=$venv/test-report.xml
+	local report=$wheels/test-report.xml
 	rm -f "$report"
 	"$venv/bin/python" -m mypy -p tulo3d || status=1
-	"$venv/bin/python" -m pytest --quiet --junitxml "$report" || status=1
+	"$venv/bin/python" -m pytest --quiet -rs --junitxml "$report" || status=1
 	count_tests "$report" || status=1
 	return "$status"
 }

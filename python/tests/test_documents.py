@@ -8,7 +8,6 @@ import subprocess
 import sys
 from pathlib import Path
 
-import meshio
 import numpy as np
 import pytest
 from families import sorted_rows
@@ -38,7 +37,7 @@ def test_each_example_runs_and_draws(example, renders, tmp_path):
     assert result.returncode == 0, result.stderr
     assert len(result.stdout) > 0
     if not renders:
-        pytest.skip("nothing can be drawn here; all else was done")
+        pytest.skip("nothing can be drawn here, or PyVista is missing; all else was done")
     from PIL import Image
 
     with Image.open(tmp_path / f"{example.stem}.png") as picture:
@@ -47,7 +46,7 @@ def test_each_example_runs_and_draws(example, renders, tmp_path):
 
 def test_a_mesh_is_drawn_clipped(renders, tmp_path):
     if not renders:
-        pytest.skip("nothing can be drawn here")
+        pytest.skip("nothing can be drawn here, or PyVista is missing")
     lines = "import tulo3d, numpy as np; mesh = tulo3d.Delaunay(np.random.default_rng(1).random((300, 3)));"
     for i, clip in enumerate(("'-x'", "([1, 1, 0], [0.5, 0.5, 0.5])", "None")):
         picture = os.fspath(tmp_path / f"{i}.png")
@@ -57,6 +56,8 @@ def test_a_mesh_is_drawn_clipped(renders, tmp_path):
 
 
 def test_other_packages_get_the_same_mesh(tmp_path):
+    pytest.importorskip("pyvista")
+    meshio = pytest.importorskip("meshio")
     mesh = tulo3d.Delaunay(np.random.default_rng(1).random((100, 3)))
     grid = mesh.to_pyvista()
     np.testing.assert_array_equal(grid.cells_dict[10], mesh.simplices)

@@ -1,6 +1,8 @@
 # SPDX-License-Identifier: MIT
 """The mesh: its laws, on inputs that are hard and on such as hypothesis finds; its arrays beside SciPy's."""
 
+from pathlib import Path
+
 import numpy as np
 import pytest
 import scipy.spatial
@@ -9,6 +11,8 @@ from families import FAMILIES, check_laws, sorted_rows
 from hypothesis import assume, given
 from hypothesis import strategies as st
 from hypothesis.extra.numpy import arrays
+
+BUNNY = np.loadtxt(Path(__file__).parents[2] / "data" / "bunny_2k.xyz")
 
 # Few different coordinates: most points are coplanar, cospherical or equal to others.
 small_numbers = st.integers(-4, 4)
@@ -55,8 +59,8 @@ def test_no_sphere_contains_a_point(points, random):
     assert not (sphere * np.sign(sphere.sum())).min() < 0
 
 
-def test_where_the_mesh_is_unique_it_is_that_of_scipy_whatever_the_order():
-    points = np.random.default_rng(3).random((1500, 3))
+@pytest.mark.parametrize("points", [np.random.default_rng(3).random((1500, 3)), BUNNY], ids=["random", "scan"])
+def test_where_the_mesh_is_unique_it_is_that_of_scipy_whatever_the_order(points):
     theirs = scipy.spatial.Delaunay(points)
     ours = tulo3d.Delaunay(points)
     assert sorted_rows(ours.simplices) == sorted_rows(theirs.simplices)
@@ -66,16 +70,16 @@ def test_where_the_mesh_is_unique_it_is_that_of_scipy_whatever_the_order():
     assert (ours.npoints, ours.nsimplex, ours.ndim) == (theirs.npoints, theirs.nsimplex, theirs.ndim)
     indptr, indices = ours.vertex_neighbor_vertices
     their_indptr, their_indices = theirs.vertex_neighbor_vertices
-    for i in range(0, 1500, 50):
+    for i in range(0, len(points), 50):
         their_neighbors = np.sort(their_indices[their_indptr[i] : their_indptr[i + 1]])
         np.testing.assert_array_equal(indices[indptr[i] : indptr[i + 1]], their_neighbors)
 
-    shuffled = np.random.default_rng(4).permutation(1500)
+    shuffled = np.random.default_rng(4).permutation(len(points))
     grown = tulo3d.Delaunay(points[shuffled[:10]])
     for part in np.array_split(shuffled[10:], 7):
         grown.add_points(points[part])
     assert sorted_rows(shuffled[grown.simplices]) == sorted_rows(ours.simplices)
-    assert grown.npoints == 1500
+    assert grown.npoints == len(points)
 
 
 def test_derived_arrays_agree_with_their_definitions():

@@ -41,7 +41,8 @@ class Delaunay:
         Keep what `add_points` needs, about 600 bytes a point.
     progress : callable, optional
         Called as ``progress(num_inserted, num_vertices)``, at most some twenty times a second and once
-        at the end; while points are still being sorted, with 0 and the number of points. An exception that it raises ends the insertion.
+        at the end; while points are still being sorted, with 0 and their number. An exception that it
+        raises ends the insertion.
 
     Raises
     ------
