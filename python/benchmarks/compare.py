@@ -6,7 +6,8 @@ Usage: python/benchmarks/compare.py BENCHMARK [WORKLOAD]...
 
 BENCHMARK is tulo3d_bench of a release build. Prints a table: seconds of the processor from an array to
 simplices and neighbours (in C++: to the engine's mesh; all use one thread), the least of several runs, and
-the peak of the memory in MB above that before the points were made.
+the peak of the memory in MB above that before the points were made. What takes longer than LIMIT is ended. The
+workload "find_simplex" is a million random queries of the mesh "uniform 1M".
 """
 
 import json
@@ -28,6 +29,7 @@ WORKLOADS = {
     "rock scan 22k": lambda: np.loadtxt(DATA / "lidar_rock_22k.xyz")[:, :3],
     "lattice 100^3": lambda: np.array(np.meshgrid(*3 * [np.arange(100.0)])).reshape(3, -1).T.copy(),
 }
+LIMIT = 900  # seconds of the clock
 LIBRARIES = ["tulo3d", "tulo3d C++", "scipy", "pyvista"]
 
 
@@ -93,32 +95,29 @@ def locate(library):
 
 
 def in_own_process(*arguments):
-    run = subprocess.run([sys.executable, __file__, "--work", *arguments], capture_output=True, check=False)
-    return json.loads(run.stdout) if run.returncode == 0 else None
+    command = [sys.executable, __file__, "--work", *arguments]
+    try:
+        run = subprocess.run(command, capture_output=True, check=False, timeout=LIMIT)
+    except subprocess.TimeoutExpired:
+        return f"     over {LIMIT} s"
+    if run.returncode != 0:
+        return "     failed"
+    result = json.loads(run.stdout)
+    if "found" in result:
+        return f"{result['seconds']:9.4f} {result['found']:11,} found"
+    return f"{result['seconds']:9.4f} {result['tetrahedra']:11,} {result['megabytes']:6.0f}"
 
 
 def main(program, workloads):
     print(f"{'':15} {'library':11} {'seconds':>9} {'tetrahedra':>11} {'MB':>6}")
-    for workload in workloads or WORKLOADS:
-        for library in LIBRARIES:
-            result = in_own_process(library, workload, program)
-            line = f"{workload:15} {library:11} "
-            if result is None:
-                print(line + "   failed")
-                continue
-            print(
-                line + f"{result['seconds']:9.4f} {result['tetrahedra']:11,} {result['megabytes']:6.0f}",
-                flush=True,
-            )
-    if not workloads:
-        for library in ("tulo3d", "scipy"):
-            result = in_own_process("locate", library)
-            line = f"{result['seconds']:9.4f}, {result['found']:,} found" if result else "failed"
-            print(f"1M find_simplex {library:11} {line}", flush=True)
+    for workload in workloads or [*WORKLOADS, "find_simplex"]:
+        for library in LIBRARIES if workload in WORKLOADS else ["tulo3d", "scipy"]:
+            line = in_own_process(library, workload, program)
+            print(f"{workload:15} {library:11} {line}", flush=True)
 
 
 if __name__ == "__main__":
     if sys.argv[1] == "--work":
-        locate(sys.argv[3]) if sys.argv[2] == "locate" else work(*sys.argv[2:])
+        locate(sys.argv[2]) if sys.argv[3] == "find_simplex" else work(*sys.argv[2:])
     else:
         main(sys.argv[1], sys.argv[2:])

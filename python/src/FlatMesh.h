@@ -65,7 +65,7 @@ public:
 	/// True when the corners are in positive order.
 	bool isPositive() const
 	{
-		return predicates.getOrientation3(&corner[0], &corner[1], &corner[2], &corner[3]) ==
+		return predicates.getOrientation3(corner.data(), &corner[1], &corner[2], &corner[3]) ==
 		    TULO3D::ORIENTATION3_POSITIVE;
 	}
 
