@@ -17,11 +17,11 @@ Tet3* Dt3::startUp()
 	// off the plane ABC: all vertices between C and D lie in that plane. So one pass suffices.
 	const VertexOrder& items = hc3.items;
 	if (items.size() < 4) return nullptr;
-	VertexOrder::Position at = items.begin();
+	auto at = items.begin();
 	const auto next = [&items, &at]() -> Point3* {
-		if (items.isEnd(at)) return nullptr;
-		Point3* pVtx = items[at]->pVtx;
-		at = items.next(at);
+		if (at == items.end()) return nullptr;
+		Point3* pVtx = (*at)->pVtx;
+		++at;
 		return pVtx;
 	};
 	Point3* pA = next();

@@ -73,6 +73,8 @@ private:
 	void insertCell(std::uint32_t key, Batch& batch);
 	/// Numbers the new vertices of a batch with repeated points, in the order of the input.
 	static void closeNumberGaps(const std::vector<Point3*>& vUserHandles, std::int32_t firstNumber);
+	/// The set has no item with the coordinates of the probe, whose place is `at`.
+	bool isNew(const IdxVtx& probe, const VertexOrder::Iterator& at) const;
 	/// The vertex with the coordinates of `point`; null when there is none.
 	Point3* findVertex(std::uint32_t key, const Point3& point) const;
 	Point3* createVertex(const Point3& point, std::int32_t number);

@@ -46,24 +46,12 @@ void VertexOrder::Chunk::cut(std::size_t n)
 	lastKey = (*this)[n - 1]->key;
 }
 
-VertexOrder::Position VertexOrder::next(Position at) const
-{
-	if (at.offset + 1 < chunks[at.chunk].size()) return {at.chunk, at.offset + 1};
-	return {at.chunk + 1, 0};
-}
-
-VertexOrder::Position VertexOrder::previous(Position at) const
-{
-	if (at.offset > 0) return {at.chunk, at.offset - 1};
-	return {at.chunk - 1, chunks[at.chunk - 1].size() - 1};
-}
-
-VertexOrder::Position VertexOrder::lowerBound(const IdxVtx& probe) const
+VertexOrder::Iterator VertexOrder::lowerBound(const IdxVtx& probe) const
 {
 	const auto itChunk = std::partition_point(chunks.begin(), chunks.end(),
 	    [&probe](const Chunk& chunk) { return chunk.isBefore(probe); });
 	const auto chunk = static_cast<std::size_t>(itChunk - chunks.begin());
-	if (itChunk == chunks.end()) return {chunk, 0};
+	if (itChunk == chunks.end()) return end();
 	std::size_t first = 0;
 	std::size_t last = itChunk->size() - 1; // the chunk's last item is not before the probe
 	while (first < last) {
@@ -74,25 +62,30 @@ VertexOrder::Position VertexOrder::lowerBound(const IdxVtx& probe) const
 			last = middle;
 		}
 	}
-	return {chunk, first};
+	return {*this, chunk, first};
 }
 
-VertexOrder::Position VertexOrder::insertAt(Position at, IdxVtx* pItem)
+VertexOrder::Iterator VertexOrder::insertAt(const Iterator& at, IdxVtx* pItem)
 {
-	if (isEnd(at)) {
+	if (at == end()) {
 		append(pItem);
-		return {chunks.size() - 1, chunks.back().size() - 1};
+		return {*this, chunks.size() - 1, chunks.back().size() - 1};
 	}
-	if (chunks[at.chunk].size() == kCapacity) {
+	std::size_t chunk = at.chunk;
+	std::size_t offset = at.offset;
+	if (chunks[chunk].size() == kCapacity) {
 		constexpr std::size_t half = kCapacity / 2;
-		const auto itNext = chunks.begin() + static_cast<std::ptrdiff_t>(at.chunk) + 1;
-		chunks.insert(itNext, chunks[at.chunk].from(half));
-		chunks[at.chunk].cut(half);
-		if (at.offset > half) at = {at.chunk + 1, at.offset - half};
+		chunks.insert(
+		    chunks.begin() + static_cast<std::ptrdiff_t>(chunk) + 1, chunks[chunk].from(half));
+		chunks[chunk].cut(half);
+		if (offset > half) {
+			++chunk;
+			offset -= half;
+		}
 	}
-	chunks[at.chunk].insert(at.offset, pItem);
+	chunks[chunk].insert(offset, pItem);
 	++numItems;
-	return at;
+	return {*this, chunk, offset};
 }
 
 void VertexOrder::append(IdxVtx* pItem)
@@ -110,18 +103,14 @@ void VertexOrder::append(IdxVtx* pItem)
 void VertexOrder::merge(VertexOrder&& others)
 {
 	if (numItems == 0) return swap(others);
-	std::vector<IdxVtx*> vNew;
-	others.list(vNew);
 	// A few items are inserted one by one; for many, a merge of the whole set is faster.
-	if (vNew.size() < numItems / 16) {
-		for (IdxVtx* pItem : vNew) insertAt(lowerBound(*pItem), pItem);
+	if (others.numItems < numItems / 16) {
+		for (IdxVtx* pItem : others) insertAt(lowerBound(*pItem), pItem);
 		return;
 	}
-	std::vector<IdxVtx*> vOld;
-	list(vOld);
 	std::vector<IdxVtx*> vMerged;
-	vMerged.reserve(vOld.size() + vNew.size());
-	std::merge(vOld.begin(), vOld.end(), vNew.begin(), vNew.end(), std::back_inserter(vMerged),
+	vMerged.reserve(numItems + others.numItems);
+	std::merge(begin(), end(), others.begin(), others.end(), std::back_inserter(vMerged),
 	    Func_ltIdxVtxPtr());
 	assign(vMerged);
 }
@@ -137,14 +126,6 @@ void VertexOrder::swap(VertexOrder& other)
 {
 	chunks.swap(other.chunks);
 	std::swap(numItems, other.numItems);
-}
-
-void VertexOrder::list(std::vector<IdxVtx*>& vOut) const
-{
-	vOut.reserve(vOut.size() + numItems);
-	for (const Chunk& chunk : chunks) {
-		for (std::size_t i = 0; i < chunk.size(); ++i) vOut.push_back(chunk[i]);
-	}
 }
 
 } // namespace TULO3D

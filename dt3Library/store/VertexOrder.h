@@ -6,6 +6,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <iterator>
 #include <memory>
 #include <utility>
 #include <vector>
@@ -41,30 +42,18 @@ struct Func_ltIdxVtxPtr
 class VertexOrder
 {
 public:
-	/// A position in the order: an item, or the end.
-	struct Position
-	{
-		std::size_t chunk;
-		std::size_t offset;
-	};
+	class Iterator;
 
 	std::size_t size() const { return numItems; }
 
-	Position begin() const { return {0, 0}; }
-	bool isEnd(Position at) const { return at.chunk == chunks.size(); }
-	IdxVtx* operator[](Position at) const { return chunks[at.chunk][at.offset]; }
-
-	/// The position behind `at`, which is not the end.
-	Position next(Position at) const;
-	/// The position before `at`, which is not the beginning.
-	Position previous(Position at) const;
-	bool isBegin(Position at) const { return at.chunk == 0 && at.offset == 0; }
+	Iterator begin() const;
+	Iterator end() const;
 
 	/// The first item that is not before `probe`.
-	Position lowerBound(const IdxVtx& probe) const;
+	Iterator lowerBound(const IdxVtx& probe) const;
 
 	/// Inserts an item at its position, found by `lowerBound`, and returns where it is then.
-	Position insertAt(Position at, IdxVtx* pItem);
+	Iterator insertAt(const Iterator& at, IdxVtx* pItem);
 
 	/// Inserts an item that comes behind all others.
 	void append(IdxVtx* pItem);
@@ -74,9 +63,6 @@ public:
 
 	/// Replaces all items by these, which are sorted.
 	void assign(const std::vector<IdxVtx*>& vSorted);
-
-	/// Appends all items in order.
-	void list(std::vector<IdxVtx*>& vOut) const;
 
 private:
 	static constexpr std::size_t kCapacity = 512;
@@ -130,5 +116,59 @@ private:
 	std::vector<Chunk> chunks;
 	std::size_t numItems = 0;
 };
+
+/// Runs through the items in their order, both ways. Any insertion makes it invalid.
+class VertexOrder::Iterator
+{
+public:
+	using iterator_category = std::bidirectional_iterator_tag;
+	using value_type = IdxVtx*;
+	using difference_type = std::ptrdiff_t;
+	using pointer = void;
+	using reference = IdxVtx*;
+
+	Iterator(const VertexOrder& theOrder, std::size_t theChunk, std::size_t theOffset)
+	    : pOrder(&theOrder), chunk(theChunk), offset(theOffset)
+	{
+	}
+
+	IdxVtx* operator*() const { return pOrder->chunks[chunk][offset]; }
+	Iterator& operator++()
+	{
+		if (++offset == pOrder->chunks[chunk].size()) {
+			++chunk;
+			offset = 0;
+		}
+		return *this;
+	}
+	Iterator& operator--()
+	{
+		if (offset == 0) offset = pOrder->chunks[--chunk].size();
+		--offset;
+		return *this;
+	}
+	bool operator==(const Iterator& other) const
+	{
+		return chunk == other.chunk && offset == other.offset;
+	}
+	bool operator!=(const Iterator& other) const { return !(*this == other); }
+
+private:
+	friend class VertexOrder;
+
+	const VertexOrder* pOrder;
+	std::size_t chunk; // behind the last one, with offset 0, at the end
+	std::size_t offset;
+};
+
+inline VertexOrder::Iterator VertexOrder::begin() const
+{
+	return {*this, 0, 0};
+}
+
+inline VertexOrder::Iterator VertexOrder::end() const
+{
+	return {*this, chunks.size(), 0};
+}
 
 } // namespace TULO3D
