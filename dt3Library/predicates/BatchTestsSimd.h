@@ -80,7 +80,7 @@ TULO3D_ALWAYS_INLINE Row<N> swapPairs(const Row<N>& r)
 template <typename N>
 TULO3D_ALWAYS_INLINE SphereRow<N> swapPairs(const SphereRow<N>& r)
 {
-	return {swapPairs(Row<N>(r)), swapPairs(r.l)};
+	return {swapPairs(static_cast<const Row<N>&>(r)), swapPairs(r.l)};
 }
 
 TULO3D_ALWAYS_INLINE Row<Lanes4> swapHalves(const Row<Lanes4>& r)
@@ -90,7 +90,7 @@ TULO3D_ALWAYS_INLINE Row<Lanes4> swapHalves(const Row<Lanes4>& r)
 
 TULO3D_ALWAYS_INLINE SphereRow<Lanes4> swapHalves(const SphereRow<Lanes4>& r)
 {
-	return {swapHalves(Row<Lanes4>(r)), swapHalves(r.l)};
+	return {swapHalves(static_cast<const Row<Lanes4>&>(r)), swapHalves(r.l)};
 }
 
 /// At least the square roots but for their last bit, at most a sixteenth more. Halving exponent and significand as one
