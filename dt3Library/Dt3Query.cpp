@@ -94,8 +94,10 @@ void Dt3::copyTo(const MeshArrays& arrays) const
 {
 	expectFinished();
 	const LiveTets live = liveTets();
-	CONDITION_CHECK_AS(live.size() <= std::numeric_limits<std::int32_t>::max(),
-	    "a mesh in arrays has at most 2147483647 tetrahedra");
+	// Corners and coordinates are those of a larger mesh, too: vertices have numbers always.
+	const bool bNumbersTets = arrays.pTetOfVertex != nullptr || arrays.pNeighbours != nullptr;
+	CONDITION_CHECK_AS(!bNumbersTets || live.size() <= std::numeric_limits<std::int32_t>::max(),
+	    "at most 2147483647 tetrahedra have numbers");
 	if (arrays.pCoordinates != nullptr || arrays.pTetOfVertex != nullptr) {
 		for (const auto& [pFirst, count] : hc3.vertexPool.usedBlocks()) {
 			for (const Point3* pVtx = pFirst; pVtx != pFirst + count; ++pVtx) {

@@ -11,7 +11,8 @@ namespace TULO3D {
 ///
 /// Vertex i is the one with that number (`Point3::getNumber`), tetrahedron t the t-th one that
 /// `Tulo_3D::getTetrahedra` lists. Numbers of tetrahedra change with every insertion, those of vertices
-/// do not.
+/// do not. A mesh of more than 2,147,483,647 tetrahedra has no `pTetOfVertex` and no `pNeighbours`; its
+/// coordinates and corners can be read.
 struct MeshArrays
 {
 	double* pCoordinates = nullptr; ///< x, y, z of each vertex: 3 numbers a vertex

@@ -51,8 +51,8 @@ using ProgressHandler = std::function<bool(std::size_t numInserted, std::size_t 
 /// An exception that cuts an insertion short, such as `std::bad_alloc`, leaves an object of which every
 /// later call throws `TuloException`; only destroying it is right. Exceptions for what a call was given
 /// (coordinates, a vector that is not empty, a tetrahedron that the host has left marked) leave the mesh as
-/// it was; of a batch that meets such a mark late, the vertices not yet inserted stay out, see
-/// `insertLeftOut`.
+/// it was. But an insertion that meets such a mark has stored its points already: those not yet inserted
+/// are vertices, counted and listed, that stay out of the mesh, see `insertLeftOut`.
 ///
 /// One object is to be used by one thread at a time, queries included. Different objects may be used in
 /// different threads at the same time, for all operations. Their meshes do not depend on each other,
@@ -85,13 +85,15 @@ public:
 	/// than 64 tests of a facet goes on from a nearer vertex of the curve. A batch starts each walk where
 	/// the last one ended, and near the point once walks have turned out to be long.
 	///
-	/// Throws `TuloException` for a coordinate that is not finite or beyond 1e60.
+	/// Throws `TuloException` for a coordinate that is not finite or beyond 1e60, and for a point after
+	/// 2,147,483,647 vertices.
 	Point3* insert(Point3& p);
 
 	/// Inserts a batch; vUserHandles[i] becomes the vertex of vInputPoints[i].
 	///
 	/// `vUserHandles` should be empty; if it is not, a warning is printed and it is cleared. Throws
-	/// `TuloException`, before anything is stored, when any coordinate is not finite or beyond 1e60.
+	/// `TuloException`, before anything is stored, when any coordinate is not finite or beyond 1e60, or when
+	/// the vertices and the points of the batch, repeated ones included, are more than 2,147,483,647.
 	void insert(std::vector<Point3>& vInputPoints, std::vector<Point3*>& vUserHandles);
 
 	/// Inserts a batch whose vertices need not be told apart.
@@ -110,7 +112,9 @@ public:
 	    const double* pCoordinates, std::size_t numPoints, std::int32_t* pVertexNumbers = nullptr);
 
 	/// Inserts the vertices that have stayed out of the mesh: coplanar points that came one by one
-	/// before the first tetrahedron. Returns how many those were; 0 while there is no tetrahedron.
+	/// before the first tetrahedron, or points of an insertion that met a tetrahedron which the host had left
+	/// marked. Returns how many those were; 0 while there is no tetrahedron. Throws `TuloException` when it
+	/// meets such a mark; the vertices not yet inserted then stay out.
 	std::size_t insertLeftOut();
 
 	/// The tetrahedron that contains `p`, inside or on its boundary. Null when p lies outside the
@@ -140,7 +144,9 @@ public:
 	std::size_t getNumTetrahedra() const;
 
 	/// Writes the mesh to arrays of the caller, which have room for `getNumVertices` vertices and
-	/// `getNumTetrahedra` tetrahedra, or for the tetrahedra of a piece of it.
+	/// `getNumTetrahedra` tetrahedra, or for the tetrahedra of a piece of it. Throws `TuloException`, before
+	/// it has written anything, when `pTetOfVertex` or `pNeighbours` is wanted of a mesh of more than
+	/// 2,147,483,647 tetrahedra, also for a piece: those numbers have 32 bits.
 	void copyTo(const MeshArrays& arrays) const;
 
 	/// Prints every tetrahedron to standard output under the heading `name`.
