@@ -175,8 +175,9 @@ void Dt3::insertStored(std::vector<Point3*>& vNewVertices, std::size_t numPoints
 
 	Tet3* pFirstTet = startUp();
 	if (pFirstTet == nullptr) return;
-	// Vertices of earlier calls are not in the mesh yet. The number of vertices alone does not show this:
-	// an earlier point may be missing in this batch, and another point of the batch be a duplicate.
+	// Vertices of earlier calls are not in the mesh yet. Deliberate: two comparisons. The number of vertices
+	// alone does not show this, since an earlier point may be missing in this batch, and another point of the
+	// batch be a duplicate; the earlier vertex would then stay out of the mesh.
 	if (hc3.size() != numPoints || vNewVertices.size() != numPoints) {
 		vNewVertices.clear();
 		hc3.getVertices(vNewVertices);

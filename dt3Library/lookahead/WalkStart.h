@@ -18,8 +18,9 @@ namespace TULO3D {
 ///
 /// The batch comes in the order of the store's curve, which has nine levels. Nine levels do not tell
 /// vertices apart when a few lie far out or the box is thin, and then a walk from the last vertex is long.
-/// The start of a walk affects only its length; so it may be at the vertex of the mesh that is next in
-/// Morton order, which has 21 levels around the bulk of the batch.
+/// The start of a walk does not affect which tetrahedra are made, only its length and, for a vertex in a
+/// facet or on or beyond the hull, the order in which they are made. So it may be at the vertex of the mesh that
+/// is next in Morton order, which has 21 levels around the bulk of the batch.
 class WalkStart
 {
 public:
