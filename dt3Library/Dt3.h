@@ -221,9 +221,10 @@ public:
 	std::vector<Surface3*> vSurfaces;
 	Tulo_3D* pOwner;
 	bool bVerbose;
-	bool bLooksAhead = true;  ///< false: every vertex is inserted as if it were alone
-	bool bUnfinished = false; ///< storing and inserting has begun, and not ended
-	BatchTests batchTests;    ///< the variant for this CPU
+	bool bLooksAhead = true;       ///< false: every vertex is inserted as if it were alone
+	bool bUnfinished = false;      ///< storing and inserting has begun, and not ended
+	BatchTests batchTests;         ///< the variant for this CPU
+	std::size_t numFacetTests = 0; ///< made by walks, since `triangulate` last reset it
 	/// Unless empty, told how many vertices of how many are in; false ends the batch.
 	std::function<bool(std::size_t, std::size_t)> progress;
 
@@ -315,7 +316,6 @@ private:
 	ScratchArray<CavityFacet> vCavityFacets;
 	FlatWitness flatWitness;
 	int* pNextLabel = &Tet3::runningLabel;
-	std::size_t numFacetTests = 0;   ///< made by walks, since `triangulate` last reset it
 	StarLinker star;                 ///< the tetrahedra that the current insertion makes
 	Reservation singleReservation;   ///< of replaceColdCavity
 	CavitySearch cavitySearch;       ///< of replaceColdCavity

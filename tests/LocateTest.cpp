@@ -175,6 +175,38 @@ TEST(Locate, AShortcutThatLeadsNowhereIsTakenOnce)
 	EXPECT_LT(quiet.text().size(), 1000U) << "few walks are stopped";
 }
 
+TEST(Locate, TheStartOnTheCurveCountsForWalksOfUpTo64FacetTests)
+{
+	// The outliers put all other points into one cell of the curve. A query in a facet has two tetrahedra.
+	points::Random random(6);
+	Cloud cloud;
+	for (int i = 0; i < 4000; ++i) {
+		cloud.emplace_back(random.below(64), random.below(64), random.below(64));
+	}
+	for (const double x : {-1e6, 1e6}) {
+		for (const double y : {-1e6, 1e6}) cloud.insert(cloud.end(), {{x, y, -1e6}, {x, y, 1e6}});
+	}
+	Filled mesh(cloud);
+	Dt3& engine = mesh.engine;
+	int numShort = 0, numLong = 0; // those that end elsewhere than a walk from the nearer vertex
+	for (int n = 0; n < 2000; ++n) {
+		const Tet3* pTet = random.of(mesh.tets);
+		if (pTet->getOppTet(0) == nullptr) continue;
+		const Point3 &a = *pTet->getCorner(1), &b = *pTet->getCorner(2), &c = *pTet->getCorner(3);
+		Point3 p(a.x() / 2 + b.x() / 4 + c.x() / 4, a.y() / 2 + b.y() / 4 + c.y() / 4,
+		    a.z() / 2 + b.z() / 4 + c.z() / 4);
+		Tet3* pByCurve = engine.hc3.findNearbyTet(p);
+		Tet3* pNearer = engine.hc3.nearerTet(p, pByCurve);
+		engine.numFacetTests = 0;
+		engine.locateConflictTet(&p, pByCurve);
+		const std::size_t numTests = engine.numFacetTests;
+		engine.locateConflictTet(&p, pNearer);
+		ASSERT_EQ(engine.locate(p), numTests <= 64 ? pByCurve : pNearer) << numTests;
+		if (pByCurve != pNearer) (numTests <= 64 ? numShort : numLong) += 1;
+	}
+	EXPECT_TRUE(numShort > 20 && numLong > 20) << numShort << " " << numLong;
+}
+
 TEST(Locate, RanksOnEitherSideAreThoseOfAnOrderedSet)
 {
 	// A wrong one would only make a walk longer.
