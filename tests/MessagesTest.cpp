@@ -87,6 +87,7 @@ const Line kConditions[] = {
 	{"!pLastTet->hasBeenVisited", [](Stage& s) { s.pTet->hasBeenVisited = true; s.engine.insert(s.alien); }},
 	{"!pCHTet->hasBeenVisited", [](Stage& s) { s.pTet->hasBeenVisited = true; s.engine.createConeTets({s.pTet}, &s.alien); }},
 	{"pDoomedTet->hasBeenVisited", [](Stage& s) { s.engine.retriangulateDoomedTets({s.pTet}, &s.alien); }},
+	{"no exception has cut an earlier insertion short", [](Stage& s) { s.engine.bUnfinished = true; s.engine.is3D(); }},
 	{"false", [](Stage&) { ArdoTest3::getOrientationName(static_cast<Orientation3>(3)); }},
 };
 
