@@ -13,7 +13,7 @@ ArdoTest3::FastStage ArdoTest3::insphereFast(
 	const WithMagnitude det = sphereDeterminant(lifted(filterRow(a, e)), lifted(filterRow(b, e)),
 	    lifted(filterRow(c, e)), lifted(filterRow(d, e)))
 	                              .det;
-	return {det.value, det.magnitude, isperrboundA * det.magnitude + kLostInInsphere};
+	return {det.value, isperrboundA * det.magnitude + kLostInInsphere, det.magnitude};
 }
 
 SphereInclusion ArdoTest3::sphereInclusionTest(const Tet3* pT, const Point3* pVtx) const

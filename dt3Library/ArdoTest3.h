@@ -89,9 +89,11 @@ public:
 	/// which the later stages compute their bounds.
 	struct FastStage
 	{
+		// Deliberate order: gcc 12 computes det and permanent side by side when they are stored side by side,
+		// and for such a pair fuses products even where that is switched off.
 		double det;
-		double permanent;
 		double errbound;
+		double permanent;
 		bool bCertain() const { return !(errbound > det && errbound > -det); }
 	};
 	FastStage orient3dFast(
@@ -117,7 +119,7 @@ inline ArdoTest3::FastStage ArdoTest3::orient3dFast(
 {
 	const WithMagnitude det =
 	    orientationDeterminant(filterRow(a, d), filterRow(b, d), filterRow(c, d));
-	return {det.value, det.magnitude, o3derrboundA * det.magnitude + kLostInOrient3d};
+	return {det.value, o3derrboundA * det.magnitude + kLostInOrient3d, det.magnitude};
 }
 
 inline Orientation3 ArdoTest3::getOrientation3(
