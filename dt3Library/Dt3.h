@@ -52,9 +52,13 @@ struct CavityFacet
 };
 
 /// What is known of the vertices while they are all coplanar: up to three of them that span their
-/// point, line or plane, and for how many vertices that has been verified.
+/// point, line or plane, and for how many vertices that has been verified. So a point that comes singly costs
+/// one test, where a search for the first tetrahedron visits all vertices.
 struct FlatWitness
 {
+	/// True when all vertices of the store are known to be coplanar; the newest one is tested, if need be.
+	bool covers(const HC3& store, const ArdoTest3& predicates);
+
 	Point3* pA = nullptr;
 	Point3* pB = nullptr;
 	Point3* pC = nullptr;
@@ -69,7 +73,8 @@ struct FlatWitness
 //   Delaunay   no vertex of the mesh lies strictly inside the sphere of a live tetrahedron
 //   hull       the facets without a neighbour form the boundary of the convex hull
 //   link       a vertex in the mesh names a live tetrahedron that has it as a corner; any other
-//              vertex names none
+//              vertex names none (a removed tetrahedron is never the one: each of its corners is on the
+//              boundary of the cavity and so a corner of a new tetrahedron, which takes the link over)
 //   clean      no live tetrahedron has a cavity mark or a reservation, and the engine has set
 //              hasBeenVisited on none (a host may have); no facet half is pending: every slot is
 //              null, vHashCollisions is empty, numStoredTCS is 0
@@ -130,7 +135,7 @@ public:
 	/// beyond the hull (unless it is a vertex), or when there is no tetrahedron.
 	Tet3* locate(const Point3& p);
 
-	// Dt3Cavity.cpp: a point inside the hull -----------------------------------------------------
+	// Dt3Vertex.cpp: one vertex, wherever it lies --------------------------------------------------
 
 	/// Inserts *ppVtx and returns a live tetrahedron that has it as a corner. When the mesh has a
 	/// vertex with these coordinates, *ppVtx becomes that vertex and the mesh stays.
@@ -180,7 +185,8 @@ public:
 	/// Removes a tetrahedron from the mesh; its record is reused from the next insertion on.
 	void markTetDead(Tet3* pTet);
 
-	/// Starts an insertion: records that the last insertion removed may be reused from now on.
+	/// Starts an insertion: exchanges the two lists. What the last insertion removed is reusable now; what it
+	/// left unused waits for the next one.
 	void swapDeadAndRecycled();
 
 	// Dt3Query.cpp, Dt3Check.cpp, Dt3Print.cpp: read, verify, show -------------------------------
@@ -210,7 +216,8 @@ public:
 
 	SimplePool<TwoTetStruct> twoTetPool;
 	SimplePool<Tet3> tetPool;
-	ScratchArray<Tet3*> vDeadTets;              ///< removed by the current insertion
+	ScratchArray<Tet3*>
+	    vDeadTets; ///< removed by the current insertion, behind those that the last one left
 	ScratchArray<Tet3*> vRecycledTets;          ///< free for reuse
 	std::vector<TwoTetStruct*> vTwoTetSlots;    ///< pending facet halves by their hash
 	std::vector<TwoTetStruct*> vHashCollisions; ///< pending halves whose slot was taken
@@ -221,10 +228,11 @@ public:
 	std::vector<Surface3*> vSurfaces;
 	Tulo_3D* pOwner;
 	bool bVerbose;
-	bool bLooksAhead = true;       ///< false: every vertex is inserted as if it were alone
-	bool bUnfinished = false;      ///< storing and inserting has begun, and not ended
-	BatchTests batchTests;         ///< the variant for this CPU
-	std::size_t numFacetTests = 0; ///< made by walks, since `triangulate` last reset it
+	bool bLooksAhead = true;  ///< false: every vertex is inserted as if it were alone
+	bool bUnfinished = false; ///< storing and inserting has begun, and not ended
+	BatchTests batchTests;    ///< the variant for this CPU
+	std::size_t numFacetTests =
+	    0; ///< of walks, counted as if made one by one; `triangulate` resets it
 	/// Unless empty, told how many vertices of how many are in; false ends the batch.
 	std::function<bool(std::size_t, std::size_t)> progress;
 
@@ -247,13 +255,18 @@ private:
 	void reportProgress(std::size_t numInserted, std::size_t numVertices) const;
 	// Dt3Query.cpp
 	LiveTets liveTets() const;
-	// Dt3StartUp.cpp
-	bool isOnLine(const Point3& a, const Point3& b, const Point3& p) const;
-	/// True when the vertices are known to be coplanar, the newest one tested against the witness.
-	bool staysFlat();
-	Tet3* rememberFlat(Point3* pA, Point3* pB, Point3* pC);
+	// Dt3Vertex.cpp
+	/// To be called before a check that throws for a tetrahedron marked by the host. Nothing has changed yet, so the
+	/// mesh stays usable; points that are stored and not inserted stay out of it.
+	void clearUnfinishedIfMarked(const Tet3& tet)
+	{
+		bUnfinished = bUnfinished && !tet.hasBeenVisited;
+	}
+	/// Checks that the last insertion has left no pending facet half, and resets their pool.
+	void beginInsertion();
 	// Dt3Locate.cpp
-	/// locateConflictTet, but for a limit of its own and more ways to end.
+	/// locateConflictTet, but for a limit of its own; and the result tells strictly inside from an inner facet
+	/// or edge, and that limit from the watchdog's.
 	int walk(const Point3& vtx, Tet3*& pStartTet, std::size_t maxFacetTests);
 	/// locateConflictTet, taken up again up to a thousand times where the watchdog stops it.
 	int locatePersistently(Point3* pVtx, Tet3*& pStartTet);
@@ -266,13 +279,8 @@ private:
 	int stopInPlane(Tet3*& pTet, int f, const FacetSides& sides, const Point3& vtx) const;
 	/// Circulates around the edge that avoids f and opp2ICI: -1 for an inner edge, else the hull
 	/// facet at the end, and pTet becomes its owner.
-	int stopAtHullEdge(Tet3*& pTet, int f, int opp2ICI) const;
+	int stopAtEdge(Tet3*& pTet, int f, int opp2ICI) const;
 	// Dt3Cavity.cpp
-	/// To precede a check that refuses a host's mark: at that point the mesh is whole, and what has been
-	/// stored and not inserted merely stays out of it.
-	void expectWholeIfMarked(const Tet3& tet) { bUnfinished = bUnfinished && !tet.hasBeenVisited; }
-	/// Checks that the last insertion has left no pending facet half, and resets their pool.
-	void beginInsertion();
 	/// Removes the tetrahedra in conflict with pVtx, of which pStartTet is one, and joins pVtx to the facets
 	/// of that cavity; the last tetrahedron made.
 	Tet3* replaceCavity(Point3* pVtx, Tet3* pStartTet);
@@ -284,7 +292,8 @@ private:
 	void beginCavity();
 	/// A tetrahedron in conflict joins the cavity; its neighbours are still to be classified.
 	void joinCavity(Tet3* pTet);
-	/// The order in which the facets of a tetrahedron of the cavity are visited.
+	/// The order in which the facets of a tetrahedron of the cavity are visited: descending inside the hull,
+	/// ascending at it. The set of tetrahedra does not depend on it; labels and the reuse of records do.
 	enum class FacetOrder { kAscending, kDescending };
 	/// Finds the tetrahedra in conflict with vtx, which are connected with those that have joined the cavity.
 	template <FacetOrder order>
@@ -316,11 +325,12 @@ private:
 	ScratchArray<CavityFacet> vCavityFacets;
 	FlatWitness flatWitness;
 	int* pNextLabel = &Tet3::runningLabel;
-	StarLinker star;                 ///< the tetrahedra that the current insertion makes
-	Reservation singleReservation;   ///< of replaceColdCavity
-	CavitySearch cavitySearch;       ///< of replaceColdCavity
-	Reservation::Bits disturbed = 0; ///< reservations of removed tetrahedra, since the same reset
-	CollisionIndex collisionIndex;   ///< finds the partner in a long vHashCollisions
+	StarLinker star;               ///< the tetrahedra that the current insertion makes
+	Reservation singleReservation; ///< of replaceColdCavity
+	CavitySearch cavitySearch;     ///< of replaceColdCavity
+	Reservation::Bits disturbed =
+	    0; ///< reservations of removed tetrahedra, since `triangulate` last read it
+	CollisionIndex collisionIndex; ///< finds the partner in a long vHashCollisions
 	Rand15 watchdogRandom;
 };
 

@@ -10,45 +10,6 @@
 
 namespace TULO3D {
 
-namespace {
-
-/// A tetrahedron that was made before so many others is some three hundred insertions old. If a walk
-/// starts there, no insertion since has touched the neighbourhood: it is cold, that is, not in the cache.
-constexpr unsigned kColdAge = 1U << 13U;
-
-} // namespace
-
-void Dt3::beginInsertion()
-{
-	CONDITION_CHECK(numStoredTCS==0);
-	CONDITION_CHECK(vHashCollisions.empty());
-	twoTetPool.reset();
-}
-
-Tet3* Dt3::insertVertex(Point3** ppVtx, Tet3* pStartTet, bool bByCurve)
-{
-	Tet3* pCurTet = pStartTet;
-	expectWholeIfMarked(*pCurTet);
-	CONDITION_CHECK(!pCurTet->hasBeenVisited);
-	beginInsertion();
-
-	const auto age = static_cast<unsigned>(Tet3::loadLabel(*pNextLabel)) -
-	    static_cast<unsigned>(pStartTet->label);
-	const bool bCold = bLooksAhead && age > kColdAge;
-	const int locateResult =
-	    bByCurve ? locateByCurve(*ppVtx, pCurTet) : locatePersistently(*ppVtx, pCurTet);
-	CONDITION_CHECK(locateResult!=-99);
-	if (locateResult == -2) return resolveDuplicate(ppVtx, pCurTet, locateResult);
-	if (locateResult >= 0) {
-		Tet3* pRet = insertAtHull(ppVtx, pCurTet, locateResult);
-		CONDITION_CHECK(pRet!=0);
-		CONDITION_CHECK(!pRet->hasBeenVisited);
-		return pRet;
-	}
-	CONDITION_CHECK(locateResult==-1);
-	return bCold ? replaceColdCavity(*ppVtx, pCurTet) : replaceCavity(*ppVtx, pCurTet);
-}
-
 void Dt3::beginCavity()
 {
 	swapDeadAndRecycled();
@@ -61,7 +22,7 @@ void Dt3::joinCavity(Tet3* pTet)
 {
 	CavityMark::set(*pTet);
 	vDeadTets.add(pTet);
-	vCavityStack.add({pTet, pTet->getCorner(0)});
+	vCavityStack.add({pTet, pTet->getCorner(0)}); // which enters star.vCorners like other apices
 	for (int i = 1; i < 4; ++i) star.vCorners.add(pTet->getCorner(i));
 }
 
@@ -146,19 +107,6 @@ Tet3* Dt3::fillCavity(Point3* pVtx)
 	for (const CavityFacet& facet : vCavityFacets) pLastTet = closeFacet(facet, pVtx);
 	linkClosedStar();
 	return pLastTet;
-}
-
-Tet3* Dt3::resolveDuplicate(Point3** ppVtx, Tet3* pTet, int locateResult)
-{
-	CONDITION_CHECK(locateResult==-2);
-	for (int i = 0; i < 4; ++i) {
-		if (*pTet->getCorner(i) == **ppVtx) {
-			*ppVtx = pTet->getCorner(i);
-			return pTet;
-		}
-	}
-	printError("insertVertex()", "Proxy not found");
-	return nullptr;
 }
 
 } // namespace TULO3D

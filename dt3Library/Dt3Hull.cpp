@@ -38,17 +38,21 @@ Tet3* Dt3::insertAtHull(Point3** ppVtx, Tet3* pCurTet, int outIndex)
 		const bool bStays = predicates.sphereInclusionTest(pTet, pVtx) == SIC_OUTSIDE;
 		if (bStays) {
 			// Before the first change: a cone over a marked tetrahedron is refused with the mesh whole.
-			expectWholeIfMarked(*pTet);
+			clearUnfinishedIfMarked(*pTet);
 			CONDITION_CHECK_AS(!pTet->hasBeenVisited, "!pCHTet->hasBeenVisited");
 		}
 		(bStays ? vCHTets : vInConflict).push_back(pTet);
 	}
 
 	beginCavity();
-	const std::size_t numDead = vDeadTets.size();
+	const std::size_t numDead = vDeadTets.size(); // records that the last insertion has not reused
 	for (Tet3* pTet : vInConflict) joinCavity(pTet);
+	// From the visible tetrahedra the search finds all in conflict: a segment from any of these to the vertex
+	// crosses nothing else until it leaves the hull, because from each tetrahedron to the next the power of the
+	// vertex with respect to the circumsphere does not grow.
 	carve<FacetOrder::kAscending>(*pVtx);
-	// Not by vCavityFacets: the new tetrahedra come in the order in which the doomed ones were found.
+	// Not by vCavityFacets: the new tetrahedra come in the order in which the doomed ones were found, which
+	// decides their labels and records.
 	const std::vector<Tet3*> vDoomedTets(vDeadTets.begin() + numDead, vDeadTets.end());
 	Tet3* pNewTet1 = createConeTets(vCHTets, pVtx);
 	Tet3* pNewTet2 = vDoomedTets.empty() ? nullptr : retriangulateDoomedTets(vDoomedTets, pVtx);

@@ -101,14 +101,15 @@ Point3* Dt3::storeAndInsert(const Point3& p)
 	if (bFullDimensional) {
 		// The neighbour on the curve may be a vertex that never entered the mesh.
 		if (pLastTet == nullptr) pLastTet = hc3.findNearbyTet(*pVtx);
-		expectWholeIfMarked(*pLastTet);
+		clearUnfinishedIfMarked(*pLastTet);
 		CONDITION_CHECK(!pLastTet->hasBeenVisited);
 		insertVertex(&pVtx, pLastTet, true);
 		return pVtx;
 	}
 	pLastTet = startUp();
 	if (pLastTet != nullptr && hc3.size() > 4) {
-		// Deliberate: an empty list. Coplanar vertices that came one by one stay out of the mesh.
+		// Deliberate: coplanar vertices that came one by one stay out of the mesh. The call with an empty list
+		// only prints its message.
 		std::vector<Point3*> vNothing;
 		triangulate(vNothing, pLastTet);
 	}

@@ -20,9 +20,17 @@ constexpr int kMaxFurtherWalks = 1000;
 constexpr std::size_t kFacetTestsOfAShortWalk = 64;
 
 // How a walk may end, beside the results of locateConflictTet.
-constexpr int kInside = -1;       // strictly inside, beyond no facet and in the plane of none
+constexpr int kInside = -1; // strictly inside, beyond no facet and in the plane of none
+constexpr int kAtCorner = -2;
 constexpr int kInInnerPlane = -3; // in an inner facet or on an inner edge
 constexpr int kTooLong = -98;     // more tests than asked for, fewer than stop the watchdog
+constexpr int kByWatchdog = -99;
+
+/// The result as locateConflictTet has it: inner facets and edges count as inside.
+int publicResult(int end)
+{
+	return end == kInInnerPlane ? kInside : end;
+}
 
 /// How many facets come before the first one of the set, in cyclic order from facet f.
 int firstFrom(int f, unsigned set)
@@ -35,8 +43,7 @@ int firstFrom(int f, unsigned set)
 
 int Dt3::locateConflictTet(Point3* pVtx, Tet3*& pStartTet)
 {
-	const int end = walk(*pVtx, pStartTet, kMaxFacetTests);
-	return end == kInInnerPlane ? -1 : end;
+	return publicResult(walk(*pVtx, pStartTet, kMaxFacetTests));
 }
 
 int Dt3::walk(const Point3& vtx, Tet3*& pStartTet, std::size_t maxFacetTests)
@@ -61,7 +68,7 @@ int Dt3::walk(const Point3& vtx, Tet3*& pStartTet, std::size_t maxFacetTests)
 			Tet3* pElsewhere = pStartTet->getOppTet(watchdogRandom.next() % 4);
 			if (pElsewhere != nullptr) pStartTet = pElsewhere;
 			Message() << "watchDog: bad point" << std::endl;
-			return -99;
+			return kByWatchdog;
 		}
 		if (stops == 0) break;
 		f = (f + passed) & 3;
@@ -87,7 +94,7 @@ int Dt3::walk(const Point3& vtx, Tet3*& pStartTet, std::size_t maxFacetTests)
 	    isPositive(3), "predicates.getOrientation3(pStartTet,3,pVtx)==ORIENTATION3_POSITIVE");
 	const Point3* pVtx = &vtx;
 	CONDITION_CHECK(predicates.sphereInclusionTest(pStartTet,pVtx)==SIC_INSIDE);
-	return -1;
+	return kInside;
 }
 
 FacetSides Dt3::sidesOf(const Tet3& tet, const Point3& vtx) const
@@ -107,7 +114,7 @@ FacetSides Dt3::sidesOf(const Tet3& tet, const Point3& vtx) const
 
 int Dt3::stopInPlane(Tet3*& pTet, int f, const FacetSides& sides, const Point3& vtx) const
 {
-	if (pTet->hasVertex(vtx)) return -2;
+	if (pTet->hasVertex(vtx)) return kAtCorner;
 	int numPositive = 0;
 	int numCoplanar = 0;
 	int opp2ICI = -1; // a coplanar facet other than f
@@ -120,10 +127,10 @@ int Dt3::stopInPlane(Tet3*& pTet, int f, const FacetSides& sides, const Point3& 
 	CONDITION_CHECK_AS(numPositive == 2, "numPositive==2");
 	CONDITION_CHECK_AS(numCoplanar == 2, "numCoplanar==2");
 	CONDITION_CHECK_AS(opp2ICI >= 0, "opp2ICI>=0");
-	return stopAtHullEdge(pTet, f, opp2ICI);
+	return stopAtEdge(pTet, f, opp2ICI);
 }
 
-int Dt3::stopAtHullEdge(Tet3*& pTet, int f, int opp2ICI) const
+int Dt3::stopAtEdge(Tet3*& pTet, int f, int opp2ICI) const
 {
 	const TetAroundEdgeIterator itStart(Edge3(pTet, f, opp2ICI));
 	TetAroundEdgeIterator it(itStart);
@@ -140,9 +147,10 @@ int Dt3::stopAtHullEdge(Tet3*& pTet, int f, int opp2ICI) const
 
 int Dt3::locatePersistently(Point3* pVtx, Tet3*& pStartTet)
 {
-	// Thin and long meshes make walks of more steps than the watchdog allows.
+	// Thin and long meshes make walks of more steps than the watchdog allows; and where more than four vertices
+	// are cospherical, a visibility walk may run in a cycle, which the watchdog's random step leaves.
 	int result = locateConflictTet(pVtx, pStartTet);
-	for (int n = 0; n < kMaxFurtherWalks && result == -99; ++n) {
+	for (int n = 0; n < kMaxFurtherWalks && result == kByWatchdog; ++n) {
 		result = locateConflictTet(pVtx, pStartTet);
 	}
 	return result;
@@ -153,8 +161,9 @@ int Dt3::locateByCurve(Point3* pVtx, Tet3*& pStartTet)
 	Tet3* pNearer = hc3.nearerTet(*pVtx, pStartTet);
 	if (pNearer == pStartTet) return locatePersistently(pVtx, pStartTet);
 
-	// Only one tetrahedron has the point strictly inside, so that the start does not matter, and a near
-	// one saves cache misses. For any other point the start decides what is found.
+	// The result is that of a walk from pStartTet, or of one from pNearer where that walk is longer than 64 facet
+	// tests. Only one tetrahedron has a point strictly inside, whatever the start; so the walk from pNearer,
+	// which saves cache misses, comes first. Only where it ends otherwise does the start decide what is found.
 	Tet3* pTet = pNearer;
 	if (walk(*pVtx, pTet, kFacetTestsOfAShortWalk) == kInside) {
 		pStartTet = pTet;
@@ -164,7 +173,7 @@ int Dt3::locateByCurve(Point3* pVtx, Tet3*& pStartTet)
 	const int end = walk(*pVtx, pTet, kFacetTestsOfAShortWalk);
 	pStartTet = end == kTooLong ? pNearer : pTet;
 	if (end == kTooLong) return locatePersistently(pVtx, pStartTet);
-	return end == kInInnerPlane ? -1 : end;
+	return publicResult(end);
 }
 
 Tet3* Dt3::locate(const Point3& p)
@@ -175,7 +184,7 @@ Tet3* Dt3::locate(const Point3& p)
 	if (pTet == nullptr) return nullptr;
 	Point3 copy(p);
 	const int result = locateByCurve(&copy, pTet);
-	return result == -1 || result == -2 ? pTet : nullptr;
+	return result == kInside || result == kAtCorner ? pTet : nullptr;
 }
 
 } // namespace TULO3D

@@ -6,10 +6,44 @@
 
 namespace TULO3D {
 
+namespace {
+
+/// True when the point lies on the line through a and b.
+bool isOnLine(const ArdoTest3& predicates, const Point3& a, const Point3& b, const Point3& p)
+{
+	// Three points are collinear when their projections to all three coordinate planes are. An exact
+	// orientation test in the plane is that of space with a fourth point off the plane.
+	const auto isOnLineIn = [&](double ax, double ay, double bx, double by, double px, double py) {
+		const Point3 flatA(ax, ay, 0.0), flatB(bx, by, 0.0), flatP(px, py, 0.0), apex(ax, ay, 1.0);
+		return predicates.getOrientation3(&flatA, &flatB, &flatP, &apex) == ORIENTATION3_COPLANAR;
+	};
+	return isOnLineIn(a.x(), a.y(), b.x(), b.y(), p.x(), p.y()) &&
+	    isOnLineIn(a.y(), a.z(), b.y(), b.z(), p.y(), p.z()) &&
+	    isOnLineIn(a.z(), a.x(), b.z(), b.x(), p.z(), p.x());
+}
+
+} // namespace
+
+bool FlatWitness::covers(const HC3& store, const ArdoTest3& predicates)
+{
+	if (numVertices < 4) return false;
+	if (store.size() == numVertices) return true;
+	if (store.size() != numVertices + 1) return false;
+
+	Point3* pNew = store.newestVertex();
+	if (pC == nullptr) {
+		if (!isOnLine(predicates, *pA, *pB, *pNew)) pC = pNew;
+	} else if (predicates.getOrientation3(pA, pB, pC, pNew) != ORIENTATION3_COPLANAR) {
+		return false;
+	}
+	++numVertices;
+	return true;
+}
+
 Tet3* Dt3::startUp()
 {
 	CONDITION_CHECK(!bFullDimensional);
-	if (staysFlat()) return nullptr;
+	if (flatWitness.covers(hc3, predicates)) return nullptr;
 
 	// A, B, C, D become the first four vertices that are not coplanar, in the lexicographic order of their
 	// positions. A and B are the first two of the listing: if any four vertices span space, then A and B,
@@ -27,15 +61,17 @@ Tet3* Dt3::startUp()
 	Point3* pA = next();
 	Point3* pB = next();
 	Point3* pC = next();
-	while (pC != nullptr && isOnLine(*pA, *pB, *pC)) pC = next();
-	if (pC == nullptr) return rememberFlat(pA, pB, nullptr);
-	Point3* pD = next();
+	while (pC != nullptr && isOnLine(predicates, *pA, *pB, *pC)) pC = next();
+	Point3* pD = pC == nullptr ? nullptr : next();
 	Orientation3 ori = ORIENTATION3_COPLANAR;
 	for (; pD != nullptr; pD = next()) {
 		ori = predicates.getOrientation3(pA, pB, pC, pD);
 		if (ori != ORIENTATION3_COPLANAR) break;
 	}
-	if (pD == nullptr) return rememberFlat(pA, pB, pC);
+	if (pD == nullptr) {
+		flatWitness = {pA, pB, pC, items.size()};
+		return nullptr;
+	}
 
 	if (ori == ORIENTATION3_NEGATIVE) std::swap(pA, pB);
 	ori = predicates.getOrientation3(pA, pB, pC, pD);
@@ -43,45 +79,6 @@ Tet3* Dt3::startUp()
 	Tet3* pFirstTet = createTet(pA, pB, pC, pD);
 	bFullDimensional = true;
 	return pFirstTet;
-}
-
-bool Dt3::isOnLine(const Point3& a, const Point3& b, const Point3& p) const
-{
-	// Three points are collinear when their projections to all three coordinate planes are. An exact
-	// orientation test in the plane is that of space with a fourth point off the plane.
-	const auto isOnLineIn = [&](double ax, double ay, double bx, double by, double px, double py) {
-		const Point3 flatA(ax, ay, 0.0), flatB(bx, by, 0.0), flatP(px, py, 0.0), apex(ax, ay, 1.0);
-		return predicates.getOrientation3(&flatA, &flatB, &flatP, &apex) == ORIENTATION3_COPLANAR;
-	};
-	return isOnLineIn(a.x(), a.y(), b.x(), b.y(), p.x(), p.y()) &&
-	    isOnLineIn(a.y(), a.z(), b.y(), b.z(), p.y(), p.z()) &&
-	    isOnLineIn(a.z(), a.x(), b.z(), b.x(), p.z(), p.x());
-}
-
-Tet3* Dt3::rememberFlat(Point3* pA, Point3* pB, Point3* pC)
-{
-	flatWitness = {pA, pB, pC, hc3.size()};
-	return nullptr;
-}
-
-bool Dt3::staysFlat()
-{
-	// All vertices but the newest are known to lie in the line or plane of the witness. So a point that is
-	// inserted singly costs one test, where the search in startUp would visit all vertices each time.
-	FlatWitness& known = flatWitness;
-	if (known.numVertices < 4) return false;
-	if (hc3.size() == known.numVertices) return true;
-	if (hc3.size() != known.numVertices + 1) return false;
-
-	Point3* pNew = hc3.newestVertex();
-	if (known.pC == nullptr) {
-		if (!isOnLine(*known.pA, *known.pB, *pNew)) known.pC = pNew;
-	} else if (predicates.getOrientation3(known.pA, known.pB, known.pC, pNew) !=
-	    ORIENTATION3_COPLANAR) {
-		return false;
-	}
-	++known.numVertices;
-	return true;
 }
 
 } // namespace TULO3D

@@ -2,7 +2,7 @@
 // The vertex store takes a batch: along the curve, cell by cell, each cell in the order of the coordinates.
 #include "HC3.h"
 #include "ardo_tools/RadixSort.h"
-#include "mesh/Prefetch.h"
+#include "ardo_tools/prefetch.h"
 #include "tools.h"
 
 #include <algorithm>
@@ -139,7 +139,7 @@ void HC3::insertPoints(const std::vector<Point3>& vPoints, std::vector<Point3*>&
 		for (; i < siz && vHIndexIndexPair[i].key == key; ++i) {
 			// In curve order the input is read at scattered addresses.
 			const std::uint32_t later = vHIndexIndexPair[placeAhead(i, siz)].position;
-			prefetchVertex(&vPoints[later]);
+			prefetchObject(&vPoints[later]);
 			prefetch(&vUserHandles[later]);
 			batch.vCell.push_back(vHIndexIndexPair[i].position);
 		}
@@ -189,7 +189,7 @@ void HC3::insertCell(std::uint32_t key, Batch& batch)
 	std::size_t numDistinct = 0;
 	for (std::size_t i = 0; i < vSorted.size(); ++i) {
 		const std::uint32_t later = vSorted[placeAhead(i, vSorted.size())];
-		prefetchVertex(&vPoints[later]);
+		prefetchObject(&vPoints[later]);
 		prefetch(&vUserHandles[later]);
 		if (isEqualToPrevious(i)) continue;
 		++numDistinct;

@@ -100,7 +100,7 @@ public:
 	void insert(std::vector<Point3>& vInputPoints);
 
 	///@{
-	/// The same for points that must not change.
+	/// The same for constant points; no overload changes its points.
 	void insert(const std::vector<Point3>& vInputPoints, std::vector<Point3*>& vUserHandles);
 	void insert(const std::vector<Point3>& vInputPoints);
 	///@}

@@ -18,8 +18,8 @@ namespace TULO3D {
 /// In most batches consecutive vertices are close, each walk is short, and nothing more is needed. Where the
 /// curve does not tell the vertices apart (a few points far out, a thin box), walks are long. Once that is
 /// measured, walks start at neighbours in Morton order; and if consecutive vertices are also far apart in
-/// memory, so that every insertion would run with a cold cache, the cavities of the next vertices are searched
-/// together, ahead of their insertion. The mesh is the same with and without.
+/// Morton order, so that every insertion would run with a cold cache, the cavities of the next vertices are searched
+/// together, ahead of their insertion. The tetrahedra are the same with and without.
 class LookAhead
 {
 public:

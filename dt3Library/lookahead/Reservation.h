@@ -98,7 +98,7 @@ public:
 
 	/// Without the corner beyond: cavity() has it.
 	CavityTet neighbour(unsigned i) const { return {tet.getOppTet(static_cast<int>(i)), nullptr}; }
-	/// To be called once: releases the neighbour.
+	/// To be called once for each facet: releases the neighbour.
 	bool joins(unsigned i) const
 	{
 		Tet3& neigh = *neighbour(i).pTet;

@@ -103,6 +103,9 @@ private:
 	};
 
 	/// Gives each vertex a number; false when there are too many.
+	///
+	/// No vertex lies strictly inside the cavity, because an insertion removes none. So each of them is a corner
+	/// of a new tetrahedron, which `Tet3::initialize` has made its incident one: no link is null.
 	bool numberVertices()
 	{
 		std::uintptr_t n = 0;

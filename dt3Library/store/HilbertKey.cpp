@@ -47,7 +47,8 @@ std::uint32_t HC3::hilbertIndex(const Point3& point) const
 		hx *= 0.5;
 		hy *= 0.5;
 		hz *= 0.5;
-		// Deliberate: x half-width on all axes. It fixes the insertion order.
+		// Deliberate: y and z are compared with half the extent in x, too. Another rule would change the insertion
+		// order. Where the box is no cube, the curve separates fewer points.
 		const bool bx = dx >= hx;
 		const bool by = dy >= hx;
 		const bool bz = dz >= hx;

@@ -2,7 +2,7 @@
 // Morton order, for points that the nine levels of the vertex store do not tell apart.
 #include "store/MortonOrder.h"
 #include "ardo_tools/RadixSort.h"
-#include "mesh/Prefetch.h"
+#include "ardo_tools/prefetch.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -71,7 +71,7 @@ std::vector<std::uint32_t> mortonOrder(const std::vector<const Point3*>& vPoints
 	std::vector<KeyedPosition> vKeyed;
 	vKeyed.reserve(vPoints.size());
 	for (std::size_t i = 0; i < vPoints.size(); ++i) {
-		prefetchVertex(vPoints[placeAhead(i, vPoints.size())]);
+		prefetchObject(vPoints[placeAhead(i, vPoints.size())]);
 		const Point3* p = vPoints[i];
 		const std::uint64_t place = cell(p->x(), x) << 2U | cell(p->y(), y) << 1U | cell(p->z(), z);
 		const auto key = static_cast<std::uint32_t>(place >> (3 * kLevels - kKeyBits));

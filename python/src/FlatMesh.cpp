@@ -2,6 +2,8 @@
 // The walk to a point, on arrays.
 #include "FlatMesh.h"
 
+#include "predicates/Bounds.h"
+
 #include <cmath>
 #include <stdexcept>
 
@@ -24,9 +26,8 @@ void ExactTests::setTet(std::int32_t t)
 std::int32_t Walker::locate(const double* p)
 {
 	// The mesh reaches no farther than coordinates may; false for what is not a number.
-	constexpr double kMaxCoordinate = 1e60;
 	for (int axis = 0; axis < 3; ++axis) {
-		if (!(std::abs(p[axis]) <= kMaxCoordinate)) return -1;
+		if (!(std::abs(p[axis]) <= TULO3D::kMaxCoordinate)) return -1;
 	}
 	exact.setQuery(p);
 	int from = 4; // the facet through which the walk has come in: the point is not beyond it
