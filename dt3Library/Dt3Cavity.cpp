@@ -36,15 +36,15 @@ TULO3D_ALWAYS_INLINE void Dt3::growCavity(Classify classify)
 	while (!vCavityStack.empty()) {
 		const CavityTet tet = vCavityStack.pop();
 		retire(tet.pTet);
-		const auto border = classify(tet);
+		const auto around = classify(tet);
 		auto stack = vCavityStack.writer(4);
 		auto dead = vDeadTets.writer(4);
 		auto facets = vCavityFacets.writer(4);
 		for (unsigned n = 0; n < 4; ++n) {
 			const unsigned i = order == FacetOrder::kDescending ? 3 - n : n;
-			const CavityTet neighbour = border.neighbour(i);
-			const bool bJoins = border.joins(i);
-			facets.pushIf(border.isBoundary(i), {tet.pTet, i, border.positive});
+			const CavityTet neighbour = around.neighbour(i);
+			const bool bJoins = around.joins(i);
+			facets.pushIf(around.isBoundary(i), {tet.pTet, i, around.positive});
 			CavityMark::setIf(bJoins, *neighbour.pTet);
 			stack.pushIf(bJoins, neighbour);
 			dead.pushIf(bJoins, neighbour.pTet);
@@ -58,10 +58,10 @@ TULO3D_ALWAYS_INLINE void Dt3::growCavity(Classify classify)
 template <Dt3::FacetOrder order>
 void Dt3::carve(const Point3& vtx)
 {
-	runLoop(batchTests, [this, &vtx](auto batch) TULO3D_INLINE_LAMBDA {
+	runLoop(batchTests, [this, &vtx](auto variant) TULO3D_INLINE_LAMBDA {
 		growCavity<order>([this, &vtx](const CavityTet& tet) TULO3D_INLINE_LAMBDA {
 			star.vCorners.add(tet.pApex);
-			return classifyNeighbours<decltype(batch)>(tet.pTet, vtx, batchTests, predicates);
+			return classifyNeighbours<decltype(variant)>(tet.pTet, vtx, batchTests, predicates);
 		});
 	});
 }

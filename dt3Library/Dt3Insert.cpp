@@ -211,21 +211,21 @@ void Dt3::triangulate(std::vector<Point3*>& vVertices, Tet3* pLastTet)
 	CONDITION_CHECK_AS(vVertices.size() <= kMaxPoints, kNumberText);
 
 	const OwnLabels labels(*this);
-	LookAhead batch(vVertices, batchTests, predicates, bLooksAhead);
+	LookAhead lookAhead(vVertices, batchTests, predicates, bLooksAhead);
 	const unsigned interval =
 	    progress ? progressInterval(vVertices.size()) : std::numeric_limits<unsigned>::max();
 	unsigned numReported = 0;
 	std::size_t numInserted = 0;
 	numFacetTests = 0;
-	while (!batch.isAtEnd()) {
-		Point3* pVtx = batch.vertex();
-		if (const Reservation* pReserved = batch.cavity()) {
+	while (!lookAhead.isAtEnd()) {
+		Point3* pVtx = lookAhead.vertex();
+		if (const Reservation* pReserved = lookAhead.cavity()) {
 			beginInsertion();
 			pLastTet = replaceCavity(pVtx, *pReserved);
 		} else {
-			pLastTet = insertVertex(&pVtx, batch.start(pLastTet));
+			pLastTet = insertVertex(&pVtx, lookAhead.start(pLastTet));
 		}
-		batch.advance(std::exchange(disturbed, Reservation::Bits{0}),
+		lookAhead.advance(std::exchange(disturbed, Reservation::Bits{0}),
 		    std::exchange(numFacetTests, std::size_t{0}));
 
 		++numInserted;

@@ -40,7 +40,7 @@ TEST(BatchTests, NoVariantDecidesAWrongSign)
 			}
 			const NeighbourBatch batch = {
 			    {&p[0], &p[1], &p[2], &p[3]}, {&p[4], &p[5], &p[6], &p[7]}};
-			const NeighbourVerdicts first = bUnderflow ? HalfBatches::verdicts(batch, p[8])
+			const NeighbourVerdicts first = bUnderflow ? TwoLaneVariant::verdicts(batch, p[8])
 			                                           : kPortableTests.neighbours(batch, p[8]);
 			const FacetSides sides = kPortableTests.facets(batch.corner, p[8]);
 			for (const BatchTests* pTests : variants) {

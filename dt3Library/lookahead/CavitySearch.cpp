@@ -25,30 +25,30 @@ void prefetchApices(const Tet3& tet)
 
 } // namespace
 
-template <typename Batch>
+template <typename Variant>
 TULO3D_ALWAYS_INLINE void CavitySearch::testNeighbours(
     const BatchTests& tests, const ArdoTest3& predicates)
 {
 	for (const auto& [pReservation, pTet] : vNew) {
 		if (!pReservation->bValid) continue; // aborted in this round
-		const Surroundings border =
-		    classifyNeighbours<Batch>(pTet, *pReservation->pVtx, tests, predicates);
+		const Surroundings around =
+		    classifyNeighbours<Variant>(pTet, *pReservation->pVtx, tests, predicates);
 		// At the hull, the insertion of a vertex beyond it could add a tetrahedron to this cavity without
 		// removing a reserved one. Once all neighbours exist, no facet of the cavity can become a hull
 		// facet: points are never removed.
-		if (border.hull != 0) {
+		if (around.hull != 0) {
 			pReservation->abort();
 			continue;
 		}
-		pReservation->bPositive &= (border.conflict | border.positive) == 0xFU;
+		pReservation->bPositive &= (around.conflict | around.positive) == 0xFU;
 		const Reservation::Bits mine = pReservation->myBit;
 		auto cavity = pReservation->vCavity.writer(4);
 		auto joining = vJoining.writer(4);
 		for (int i = 0; i < 4; ++i) {
-			Tet3* const pNeigh = border.pNeigh[i];
-			const bool bConflict = (border.conflict >> i & 1U) != 0;
+			Tet3* const pNeigh = around.pNeigh[i];
+			const bool bConflict = (around.conflict >> i & 1U) != 0;
 			const bool bJoins = Reservation::reserve(*pNeigh, mine) & bConflict;
-			cavity.pushIf(bJoins, {pNeigh, border.pApex[i]});
+			cavity.pushIf(bJoins, {pNeigh, around.pApex[i]});
 			joining.pushIf(bJoins, {pReservation, pNeigh});
 		}
 		pReservation->vCavity.accept(cavity);
@@ -67,8 +67,8 @@ void CavitySearch::run(
 		for (const Member& member : vNew) prefetchNeighbours<Cache::kSecond>(*member.pTet);
 		for (const Member& member : vNew) prefetchApices(*member.pTet);
 		vJoining.clear();
-		runLoop(tests, [this, &tests, &predicates](auto batch) TULO3D_INLINE_LAMBDA {
-			testNeighbours<decltype(batch)>(tests, predicates);
+		runLoop(tests, [this, &tests, &predicates](auto variant) TULO3D_INLINE_LAMBDA {
+			testNeighbours<decltype(variant)>(tests, predicates);
 		});
 		std::swap(vNew, vJoining);
 	}

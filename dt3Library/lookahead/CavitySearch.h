@@ -33,7 +33,7 @@ private:
 		Tet3* pTet;
 	};
 
-	template <typename Batch>
+	template <typename Variant>
 	void testNeighbours(const BatchTests& tests, const ArdoTest3& predicates);
 
 	ScratchArray<Member> vNew;

@@ -8,12 +8,12 @@ namespace TULO3D {
 NeighbourVerdicts decideRest(Tet3* pTet, unsigned undecided, const Point3& vtx,
     const BatchTests& tests, const ArdoTest3& predicates)
 {
-	const Surroundings border = gatherNeighbours(pTet);
-	NeighbourVerdicts verdicts = tests.neighbours(batchOf(*pTet, border), vtx);
+	const Surroundings around = gatherNeighbours(pTet);
+	NeighbourVerdicts verdicts = tests.neighbours(batchOf(*pTet, around), vtx);
 	undecided &= ~(verdicts.inside | verdicts.outside);
 	for (int i = 0; undecided >> i != 0; ++i) {
 		if ((undecided >> i & 1U) == 0) continue;
-		if (predicates.sphereInclusionTest(border.pNeigh[i], &vtx) == SIC_OUTSIDE) continue;
+		if (predicates.sphereInclusionTest(around.pNeigh[i], &vtx) == SIC_OUTSIDE) continue;
 		verdicts.inside |= 1U << i;
 	}
 	return verdicts;

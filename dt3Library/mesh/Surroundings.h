@@ -75,30 +75,30 @@ inline Point3* apexBeyond(const Tet3& tet, std::uintptr_t mix, int i, const Tet3
 /// The neighbours of pTet, not tested yet.
 TULO3D_ALWAYS_INLINE Surroundings gatherNeighbours(Tet3* pTet)
 {
-	Surroundings border;
+	Surroundings around;
 	const std::uintptr_t mix = xorOfCorners(*pTet);
-	border.hull = 0;
-	unsigned inside = 0;
+	around.hull = 0;
+	unsigned inCavity = 0; // where there is no neighbour, too: pTet is in the cavity itself
 	for (int i = 0; i < 4; ++i) {
 		Tet3* pNeigh = pTet->getOppTet(i);
-		border.hull |= static_cast<unsigned>(pNeigh == nullptr) << i;
+		around.hull |= static_cast<unsigned>(pNeigh == nullptr) << i;
 		pNeigh = pNeigh == nullptr ? pTet : pNeigh;
-		inside |= static_cast<unsigned>(CavityMark::isSet(*pNeigh)) << i;
-		border.pNeigh[i] = pNeigh;
-		border.pApex[i] = apexBeyond(*pTet, mix, i, *pNeigh);
+		inCavity |= static_cast<unsigned>(CavityMark::isSet(*pNeigh)) << i;
+		around.pNeigh[i] = pNeigh;
+		around.pApex[i] = apexBeyond(*pTet, mix, i, *pNeigh);
 	}
-	border.open = (~inside & 0xFU) | border.hull;
-	border.conflict = border.positive = 0;
-	return border;
+	around.open = (~inCavity & 0xFU) | around.hull;
+	around.conflict = around.positive = 0;
+	return around;
 }
 
 /// What the tests compare with a vertex: the corners of the tetrahedron and of its neighbours.
-TULO3D_ALWAYS_INLINE NeighbourBatch batchOf(const Tet3& tet, const Surroundings& border)
+TULO3D_ALWAYS_INLINE NeighbourBatch batchOf(const Tet3& tet, const Surroundings& around)
 {
 	NeighbourBatch batch;
 	for (int i = 0; i < 4; ++i) {
 		batch.corner[i] = tet.getCorner(i);
-		batch.opposite[i] = border.pApex[i];
+		batch.opposite[i] = around.pApex[i];
 	}
 	return batch;
 }
@@ -107,25 +107,25 @@ TULO3D_ALWAYS_INLINE NeighbourBatch batchOf(const Tet3& tet, const Surroundings&
 NeighbourVerdicts decideRest(Tet3* pTet, unsigned undecided, const Point3& vtx,
     const BatchTests& tests, const ArdoTest3& predicates);
 
-/// Gathers the neighbours of pTet and tests them together, exactly. The first stage is that of Batch, inlined,
+/// Gathers the neighbours of pTet and tests them together, exactly. The first stage is that of Variant, inlined,
 /// which nearly always decides all four. It is evaluated for all of them, also where there is none or it is in
 /// the cavity already: that is cheaper than a misprediction.
-template <typename Batch>
+template <typename Variant>
 TULO3D_ALWAYS_INLINE Surroundings classifyNeighbours(
     Tet3* pTet, const Point3& vtx, const BatchTests& tests, const ArdoTest3& predicates)
 {
-	Surroundings border = gatherNeighbours(pTet);
-	NeighbourVerdicts verdicts = Batch::verdicts(batchOf(*pTet, border), vtx);
-	const unsigned undecided = border.toTest() & ~(verdicts.inside | verdicts.outside);
+	Surroundings around = gatherNeighbours(pTet);
+	NeighbourVerdicts verdicts = Variant::verdicts(batchOf(*pTet, around), vtx);
+	const unsigned undecided = around.toTest() & ~(verdicts.inside | verdicts.outside);
 	if (undecided != 0) {
-		// Not given `border`: it stays in registers as long as no other function can see it.
+		// Not given `around`: it stays in registers as long as no other function can see it.
 		const NeighbourVerdicts rest = decideRest(pTet, undecided, vtx, tests, predicates);
 		verdicts.inside |= rest.inside;
 		verdicts.positive |= rest.positive;
 	}
-	border.conflict = verdicts.inside & border.toTest();
-	border.positive = verdicts.positive;
-	return border;
+	around.conflict = verdicts.inside & around.toTest();
+	around.positive = verdicts.positive;
+	return around;
 }
 
 } // namespace TULO3D

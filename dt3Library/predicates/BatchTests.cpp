@@ -153,12 +153,12 @@ TULO3D_ALWAYS_INLINE LaneVerdicts<Lanes> slowStages(const Points<Lanes>& own,
 
 /// The other stages, for a batch with an undecided facet. Out of line: inlined, they would cost the hot path
 /// registers (spills).
-template <typename Batch>
+template <typename Variant>
 TULO3D_ALWAYS_INLINE NeighbourVerdicts slowVerdicts(
     const NeighbourBatch& batch, const Point3& query)
 {
-	return Batch::compiled([&batch, &query]() TULO3D_INLINE_LAMBDA {
-		return Batch::decide(
+	return Variant::compiled([&batch, &query]() TULO3D_INLINE_LAMBDA {
+		return Variant::decide(
 		    batch, [](const auto& points) TULO3D_INLINE_LAMBDA { return points; },
 		    [&query](const auto& own, const auto& other, const auto& beyond)
 		        TULO3D_INLINE_LAMBDA { return slowStages(own, other, beyond, query); });
@@ -167,7 +167,7 @@ TULO3D_ALWAYS_INLINE NeighbourVerdicts slowVerdicts(
 
 #else
 
-template <typename Batch>
+template <typename Variant>
 NeighbourVerdicts slowVerdicts(const NeighbourBatch&, const Point3&)
 {
 	return {0, 0, 0};
@@ -175,27 +175,27 @@ NeighbourVerdicts slowVerdicts(const NeighbourBatch&, const Point3&)
 
 #endif
 
-template <typename Batch>
+template <typename Variant>
 NeighbourVerdicts testNeighbours(const NeighbourBatch& batch, const Point3& query)
 {
-	return Batch::compiled([&batch, &query]() TULO3D_INLINE_LAMBDA {
-		const NeighbourVerdicts verdicts = Batch::verdicts(batch, query);
+	return Variant::compiled([&batch, &query]() TULO3D_INLINE_LAMBDA {
+		const NeighbourVerdicts verdicts = Variant::verdicts(batch, query);
 		if ((verdicts.inside | verdicts.outside) == 0xFU) return verdicts;
-		return slowVerdicts<Batch>(batch, query);
+		return slowVerdicts<Variant>(batch, query);
 	});
 }
 
-template <typename Batch>
+template <typename Variant>
 FacetSides testFacets(const Point3* const (&corner)[4], const Point3& query)
 {
-	return Batch::compiled(
-	    [&corner, &query]() TULO3D_INLINE_LAMBDA { return Batch::sides(corner, query); });
+	return Variant::compiled(
+	    [&corner, &query]() TULO3D_INLINE_LAMBDA { return Variant::sides(corner, query); });
 }
 
-template <typename Batch>
+template <typename Variant>
 constexpr BatchTests testsOf()
 {
-	return {testNeighbours<Batch>, testFacets<Batch>, Batch::bAvx2};
+	return {testNeighbours<Variant>, testFacets<Variant>, Variant::bAvx2};
 }
 
 } // namespace
@@ -205,11 +205,11 @@ NeighbourVerdicts decideNothing(const NeighbourBatch& /*batch*/, const Point3& /
 	return {0, 0, 0};
 }
 
-const BatchTests kPortableTests = testsOf<HalfBatches>();
+const BatchTests kPortableTests = testsOf<TwoLaneVariant>();
 
 const BatchTests* avx2Tests()
 {
-	static constexpr BatchTests tests = testsOf<WholeBatch>();
+	static constexpr BatchTests tests = testsOf<FourLaneVariant>();
 	return cpuHasAvx2() ? &tests : nullptr;
 }
 

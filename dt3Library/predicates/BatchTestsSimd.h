@@ -220,13 +220,13 @@ TULO3D_ALWAYS_INLINE NeighbourVerdicts unpacked(
 //   sides      the first stage of the facet test, which has no other
 
 /// The first stage of a variant, alone.
-template <typename Batch>
+template <typename Variant>
 struct FirstStage
 {
 	static TULO3D_ALWAYS_INLINE NeighbourVerdicts verdicts(
 	    const NeighbourBatch& batch, const Point3& query)
 	{
-		return Batch::decide(
+		return Variant::decide(
 		    batch,
 		    [&query](const auto& points) TULO3D_INLINE_LAMBDA { return rowsOf(points, query); },
 		    [](const auto& own, const auto& other, const auto& beyond)
@@ -235,7 +235,7 @@ struct FirstStage
 };
 
 /// All four facets in one register, for AVX2.
-struct WholeBatch : FirstStage<WholeBatch>
+struct FourLaneVariant : FirstStage<FourLaneVariant>
 {
 	static constexpr bool bAvx2 = true;
 
@@ -264,7 +264,7 @@ struct WholeBatch : FirstStage<WholeBatch>
 };
 
 /// Facets 0 and 1 in one register, 2 and 3 in the other, for any CPU.
-struct HalfBatches : FirstStage<HalfBatches>
+struct TwoLaneVariant : FirstStage<TwoLaneVariant>
 {
 	static constexpr bool bAvx2 = false;
 
@@ -299,7 +299,7 @@ struct HalfBatches : FirstStage<HalfBatches>
 #else
 
 /// Without vector types this stage decides nothing; the adaptive tests do.
-struct HalfBatches
+struct TwoLaneVariant
 {
 	static constexpr bool bAvx2 = false;
 
@@ -311,7 +311,7 @@ struct HalfBatches
 	static NeighbourVerdicts verdicts(const NeighbourBatch&, const Point3&) { return {0, 0, 0}; }
 	static FacetSides sides(const Point3* const (&)[4], const Point3&) { return {0, 0}; }
 };
-using WholeBatch = HalfBatches;
+using FourLaneVariant = TwoLaneVariant;
 
 #endif
 
@@ -322,9 +322,9 @@ template <typename Loop>
 TULO3D_ALWAYS_INLINE void runLoop(const BatchTests& tests, const Loop& loop)
 {
 	if (tests.bAvx2) {
-		WholeBatch::compiled([&loop]() TULO3D_INLINE_LAMBDA { loop(WholeBatch()); });
+		FourLaneVariant::compiled([&loop]() TULO3D_INLINE_LAMBDA { loop(FourLaneVariant()); });
 	} else {
-		HalfBatches::compiled([&loop]() TULO3D_INLINE_LAMBDA { loop(HalfBatches()); });
+		TwoLaneVariant::compiled([&loop]() TULO3D_INLINE_LAMBDA { loop(TwoLaneVariant()); });
 	}
 }
 
