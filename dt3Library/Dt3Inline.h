@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The innermost operations of an insertion, each called some thirty times per vertex: in a header, so that the compiler can inline them.
+// The innermost operations of an insertion, each called some 25 times per vertex: in a header, so that the
+// compiler can inline them.
 #pragma once
 
 #include "Dt3.h"
