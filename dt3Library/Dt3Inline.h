@@ -48,12 +48,13 @@ inline void Dt3::markTetDead(Tet3* pTet)
 
 inline Tet3* Dt3::closeFacet(const CavityFacet& facet, Point3* pVtx)
 {
-	const auto [pTet, ith, positive] = facet;
+	const auto [pTet, place, positive] = facet;
+	const int ith = static_cast<int>(place);
 	const auto& [a, b, c] = kOutside[ith];
-	Tet3* pNewTet = (positive >> ith & 1U) != 0
+	Tet3* pNewTet = (positive >> place & 1U) != 0
 	    ? makePositiveTet(pVtx, pTet->getCorner(a), pTet->getCorner(b), pTet->getCorner(c))
-	    : createTet(pVtx, pTet->getCorner(a), pTet->getCorner(b), pTet->getCorner(c));
-	Tet3* pNeigh = pTet->getOppTet(static_cast<int>(ith));
+	    : createTetReplacingCorner(pTet, ith, pVtx);
+	Tet3* pNeigh = pTet->getOppTet(ith);
 	if (pNeigh != nullptr) registerTets(pNewTet, 0, pNeigh, pNeigh->getIntraTetIndex(pTet));
 	star.vTets.add(pNewTet);
 	return pNewTet;

@@ -195,22 +195,6 @@ TEST(Insert, ABatchTellsHowFarItIsAndEndsWhenTheHostSaysSo)
 	for (Tulo_3D* pCut : {&refused, &thrown, &sorting}) EXPECT_THROW(pCut->is3D(), TuloException);
 }
 
-TEST(Insert, VerticesWithEqualKeysAreWalkedToWithoutTheWatchdog)
-{
-	// Their keys are equal: walks start at neighbours in Morton order, and cavities are searched ahead.
-	Cloud cloud = points::make("NeedleBox", 60000);
-	Tulo_3D mesh;
-	const std::string printed = support::printedBy([&] {
-		std::vector<Point3*> handles;
-		mesh.insert(cloud, handles);
-		std::vector<Tet3*> tets;
-		mesh.getTetrahedra(tets);
-		EXPECT_GT(tets.size(), 6U * 60000);
-		EXPECT_TRUE(mesh.checkValidity("needle", true));
-	});
-	EXPECT_EQ(printed.find("watchDog"), std::string::npos);
-}
-
 TEST(Insert, CavitiesFoundAheadMakeTheSameTetrahedra)
 {
 	// Outliers put all other points into one cell of the curve, so their order is random. On the lattice,
