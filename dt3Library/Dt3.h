@@ -4,17 +4,17 @@
 
 #include "ArdoTest3.h"
 #include "Edge3.h"
+#include "Dt3Cavity.h"
+#include "Dt3Walk.h"
 #include "HC3.h"
 #include "MeshArrays.h"
 #include "Point3.h"
 #include "Tet3.h"
 #include "ardo_tools/ScratchArray.h"
 #include "ardo_tools/SimplePool.h"
-#include "lookahead/CavitySearch.h"
-#include "lookahead/Reservation.h"
+#include "lookahead/ColdCavity.h"
 #include "mesh/CollisionIndex.h"
 #include "mesh/StarLinker.h"
-#include "mesh/Surroundings.h"
 #include "predicates/BatchTests.h"
 
 #include <cstddef>
@@ -41,14 +41,6 @@ struct TwoTetStruct
 /// Reserved: an engine owns its surfaces, but nothing makes one yet.
 struct Surface3
 {
-};
-
-/// A facet of the cavity boundary: between the cavity and the tetrahedra that stay, or on the hull.
-struct CavityFacet
-{
-	Tet3* pTet;        ///< in the cavity
-	unsigned ith;      ///< the index of the facet
-	unsigned positive; ///< Surroundings::positive of pTet
 };
 
 /// What is known of the vertices while they are all coplanar: up to three of them that span their
@@ -231,8 +223,7 @@ public:
 	bool bLooksAhead = true;  ///< false: every vertex is inserted as if it were alone
 	bool bUnfinished = false; ///< storing and inserting has begun, and not ended
 	BatchTests batchTests;    ///< the variant for this CPU
-	std::size_t numFacetTests =
-	    0; ///< of walks, counted as if made one by one; `triangulate` resets it
+	Walk walk{batchTests, predicates};
 	/// Unless empty, told how many vertices of how many are in; false ends the batch.
 	std::function<bool(std::size_t, std::size_t)> progress;
 
@@ -265,21 +256,11 @@ private:
 	/// Checks that the last insertion has left no pending facet half, and resets their pool.
 	void beginInsertion();
 	// Dt3Locate.cpp
-	/// locateConflictTet, but for a limit of its own; and the result tells strictly inside from an inner facet
-	/// or edge, and that limit from the watchdog's.
-	int walk(const Point3& vtx, Tet3*& pStartTet, std::size_t maxFacetTests);
 	/// locateConflictTet, taken up again up to a thousand times where the watchdog stops it.
-	int locatePersistently(Point3* pVtx, Tet3*& pStartTet);
+	int locatePersistently(const Point3& p, Tet3*& pStartTet);
 	/// The same from a start that the curve has offered. A walk of more than 64 facet tests is taken up
 	/// from a nearer vertex around the point on the curve.
-	int locateByCurve(Point3* pVtx, Tet3*& pStartTet);
-	/// On which sides of the facets the vertex lies, exactly: in the plane where both are clear.
-	FacetSides sidesOf(const Tet3& tet, const Point3& vtx) const;
-	/// The end of a walk in the plane of facet f, beyond no facet; results as of locateConflictTet.
-	int stopInPlane(Tet3*& pTet, int f, const FacetSides& sides, const Point3& vtx) const;
-	/// Circulates around the edge that avoids f and opp2ICI: -1 for an inner edge, else the hull
-	/// facet at the end, and pTet becomes its owner.
-	int stopAtEdge(Tet3*& pTet, int f, int opp2ICI) const;
+	int locateByCurve(const Point3& p, Tet3*& pStartTet);
 	// Dt3Cavity.cpp
 	/// Removes the tetrahedra in conflict with pVtx, of which pStartTet is one, and joins pVtx to the facets
 	/// of that cavity; the last tetrahedron made.
@@ -288,19 +269,8 @@ private:
 	Tet3* replaceColdCavity(Point3* pVtx, Tet3* pStartTet);
 	/// The same with a cavity that is known already: no in-sphere test, the same order.
 	Tet3* replaceCavity(Point3* pVtx, const Reservation& reservation);
-	/// Empties what the search for a cavity fills: vCavityFacets and the star; dead records become reusable.
+	/// Starts with an empty cavity; dead records become reusable.
 	void beginCavity();
-	/// A tetrahedron in conflict joins the cavity; its neighbours are still to be classified.
-	void joinCavity(Tet3* pTet);
-	/// The order in which the facets of a tetrahedron of the cavity are visited: descending inside the hull,
-	/// ascending at it. The set of tetrahedra does not depend on it; labels and the reuse of records do.
-	enum class FacetOrder { kAscending, kDescending };
-	/// Finds the tetrahedra in conflict with vtx, which are connected with those that have joined the cavity.
-	template <FacetOrder order>
-	void carve(const Point3& vtx);
-	/// The search itself. `classify` maps a CavityTet to its Surroundings. Fills vDeadTets and vCavityFacets.
-	template <FacetOrder order, typename Classify>
-	void growCavity(Classify classify);
 	/// Joins pVtx to the facets of the cavity; the last tetrahedron made.
 	Tet3* fillCavity(Point3* pVtx);
 	/// A new tetrahedron over a facet of the cavity boundary, linked to the neighbour that stays.
@@ -310,8 +280,6 @@ private:
 	// Dt3Link.cpp
 	/// Prints what is wrong with a link from a tetrahedron to itself.
 	static void refuseSelfLink(const Tet3* pTet);
-	/// Marks a record as dead: visited, custom index -1, no reservations.
-	void retire(Tet3* pTet);
 	/// A new tetrahedron whose corners are known to be in positive order.
 	Tet3* makePositiveTet(Point3* p0, Point3* p1, Point3* p2, Point3* p3);
 	/// Links the new star, which surrounds its vertex: every inner facet has two halves.
@@ -321,17 +289,12 @@ private:
 	void storeCollision(TwoTetStruct* pHalf);
 	TwoTetStruct* takeCollision(const Tet3* pTet, const Point3* key0, const Point3* key1);
 
-	ScratchArray<CavityTet> vCavityStack;
-	ScratchArray<CavityFacet> vCavityFacets;
 	FlatWitness flatWitness;
 	int* pNextLabel = &Tet3::runningLabel;
-	StarLinker star;               ///< the tetrahedra that the current insertion makes
-	Reservation singleReservation; ///< of replaceColdCavity
-	CavitySearch cavitySearch;     ///< of replaceColdCavity
-	Reservation::Bits disturbed =
-	    0; ///< reservations of removed tetrahedra, since `triangulate` last read it
+	StarLinker star; ///< the tetrahedra that the current insertion makes
+	Cavity cavity{vDeadTets, star, batchTests, predicates};
+	ColdCavity coldCavity;
 	CollisionIndex collisionIndex; ///< finds the partner in a long vHashCollisions
-	Rand15 watchdogRandom;
 };
 
 } // namespace TULO3D

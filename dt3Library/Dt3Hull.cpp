@@ -46,12 +46,12 @@ Tet3* Dt3::insertAtHull(Point3** ppVtx, Tet3* pCurTet, int outIndex)
 
 	beginCavity();
 	const std::size_t numDead = vDeadTets.size(); // records that the last insertion has not reused
-	for (Tet3* pTet : vInConflict) joinCavity(pTet);
+	for (Tet3* pTet : vInConflict) cavity.join(pTet);
 	// From the visible tetrahedra the search finds all in conflict: a segment from any of these to the vertex
 	// crosses nothing else until it leaves the hull, because from each tetrahedron to the next the power of the
 	// vertex with respect to the circumsphere does not grow.
-	carve<FacetOrder::kAscending>(*pVtx);
-	// Not by vCavityFacets: the new tetrahedra come in the order in which the doomed ones were found, which
+	cavity.carve<Cavity::FacetOrder::kAscending>(*pVtx);
+	// Not by cavity.facets(): the new tetrahedra come in the order in which the doomed ones were found, which
 	// decides their labels and records.
 	const std::vector<Tet3*> vDoomedTets(vDeadTets.begin() + numDead, vDeadTets.end());
 	Tet3* pNewTet1 = createConeTets(vCHTets, pVtx);

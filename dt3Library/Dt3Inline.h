@@ -5,7 +5,6 @@
 
 #include "Dt3.h"
 #include "geometry/TetIndices.h"
-#include "lookahead/Reservation.h"
 
 namespace TULO3D {
 
@@ -33,16 +32,9 @@ inline void Dt3::registerTets(Tet3* fromTet, int ith, Tet3* toTet, int jth)
 	fromTet->setOppTet(ith, toTet);
 }
 
-inline void Dt3::retire(Tet3* pTet)
-{
-	pTet->hasBeenVisited = true; // until the record is reused: a walk that starts in it is refused
-	pTet->setCustomIndex(-1);
-	disturbed |= Reservation::takeBits(*pTet);
-}
-
 inline void Dt3::markTetDead(Tet3* pTet)
 {
-	retire(pTet);
+	cavity.retire(pTet);
 	vDeadTets.add(pTet);
 }
 

@@ -216,7 +216,7 @@ void Dt3::triangulate(std::vector<Point3*>& vVertices, Tet3* pLastTet)
 	    progress ? progressInterval(vVertices.size()) : std::numeric_limits<unsigned>::max();
 	unsigned numReported = 0;
 	std::size_t numInserted = 0;
-	numFacetTests = 0;
+	walk.numFacetTests = 0;
 	while (!lookAhead.isAtEnd()) {
 		Point3* pVtx = lookAhead.vertex();
 		if (const Reservation* pReserved = lookAhead.cavity()) {
@@ -225,8 +225,8 @@ void Dt3::triangulate(std::vector<Point3*>& vVertices, Tet3* pLastTet)
 		} else {
 			pLastTet = insertVertex(&pVtx, lookAhead.start(pLastTet));
 		}
-		lookAhead.advance(std::exchange(disturbed, Reservation::Bits{0}),
-		    std::exchange(numFacetTests, std::size_t{0}));
+		lookAhead.advance(cavity.takeDisturbed(),
+		    std::exchange(walk.numFacetTests, std::size_t{0}));
 
 		++numInserted;
 		if (labels.numTaken() - numReported < interval) continue;

@@ -4,14 +4,6 @@
 
 namespace TULO3D {
 
-namespace {
-
-/// A tetrahedron that was made before so many others is some three hundred insertions old. If a walk
-/// starts there, no insertion since has touched the neighbourhood: it is cold, that is, not in the cache.
-constexpr unsigned kColdAge = 1U << 13U;
-
-} // namespace
-
 void Dt3::beginInsertion()
 {
 	CONDITION_CHECK(numStoredTCS==0);
@@ -28,9 +20,9 @@ Tet3* Dt3::insertVertex(Point3** ppVtx, Tet3* pStartTet, bool bByCurve)
 
 	const auto age = static_cast<unsigned>(Tet3::loadLabel(*pNextLabel)) -
 	    static_cast<unsigned>(pStartTet->label);
-	const bool bCold = bLooksAhead && age > kColdAge;
+	const bool bCold = bLooksAhead && age > ColdCavity::kAge;
 	const int locateResult =
-	    bByCurve ? locateByCurve(*ppVtx, pCurTet) : locatePersistently(*ppVtx, pCurTet);
+	    bByCurve ? locateByCurve(**ppVtx, pCurTet) : locatePersistently(**ppVtx, pCurTet);
 	CONDITION_CHECK(locateResult!=-99);
 	if (locateResult == -2) return resolveDuplicate(ppVtx, pCurTet, locateResult);
 	if (locateResult >= 0) {

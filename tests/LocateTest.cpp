@@ -197,9 +197,9 @@ TEST(Locate, TheStartOnTheCurveCountsForWalksOfUpTo64FacetTests)
 		    a.z() / 2 + b.z() / 4 + c.z() / 4);
 		Tet3* pByCurve = engine.hc3.findNearbyTet(p);
 		Tet3* pNearer = engine.hc3.nearerTet(p, pByCurve);
-		engine.numFacetTests = 0;
+		engine.walk.numFacetTests = 0;
 		engine.locateConflictTet(&p, pByCurve);
-		const std::size_t numTests = engine.numFacetTests;
+		const std::size_t numTests = engine.walk.numFacetTests;
 		engine.locateConflictTet(&p, pNearer);
 		ASSERT_EQ(engine.locate(p), numTests <= 64 ? pByCurve : pNearer) << numTests;
 		if (pByCurve != pNearer) (numTests <= 64 ? numShort : numLong) += 1;
