@@ -3,9 +3,9 @@
 #pragma once
 
 #include "ArdoTest3.h"
-#include "Edge3.h"
 #include "Dt3Cavity.h"
 #include "Dt3Walk.h"
+#include "Edge3.h"
 #include "HC3.h"
 #include "MeshArrays.h"
 #include "Point3.h"
@@ -150,7 +150,7 @@ public:
 
 	// Dt3Link.cpp: create, recycle and link tetrahedra -------------------------------------------
 
-	/// A new tetrahedron without neighbours. A negative order of the corners throws.
+	/// A new tetrahedron without neighbours. Corners in negative order throw; coplanar ones are reported only.
 	Tet3* createTet(Point3* p0, Point3* p1, Point3* p2, Point3* p3);
 
 	/// A new tetrahedron over facet ith of pTet: pVtx as corner 0, the facet as its facet 0.
@@ -247,12 +247,9 @@ private:
 	// Dt3Query.cpp
 	LiveTets liveTets() const;
 	// Dt3Vertex.cpp
-	/// To be called before a check that throws for a tetrahedron marked by the host. Nothing has changed yet, so the
+	/// Throws `text` for a tetrahedron that the host has left marked. To be called before the first change: the
 	/// mesh stays usable; points that are stored and not inserted stay out of it.
-	void clearUnfinishedIfMarked(const Tet3& tet)
-	{
-		bUnfinished = bUnfinished && !tet.hasBeenVisited;
-	}
+	void expectUnmarked(const Tet3& tet, const char* text);
 	/// Checks that the last insertion has left no pending facet half, and resets their pool.
 	void beginInsertion();
 	// Dt3Locate.cpp

@@ -61,7 +61,8 @@ public:
 	/// Marks a record as dead: visited, custom index -1, no reservations.
 	void retire(Tet3* pTet)
 	{
-		pTet->hasBeenVisited = true; // until the record is reused: a walk that starts in it is refused
+		pTet->hasBeenVisited =
+		    true; // until the record is reused: a walk that starts in it is refused
 		pTet->setCustomIndex(-1);
 		disturbed |= Reservation::takeBits(*pTet);
 	}

@@ -36,11 +36,7 @@ Tet3* Dt3::insertAtHull(Point3** ppVtx, Tet3* pCurTet, int outIndex)
 	std::vector<Tet3*> vInConflict;
 	for (Tet3* pTet : gatherVisibleTets(pVtx, pCurTet, outIndex)) {
 		const bool bStays = predicates.sphereInclusionTest(pTet, pVtx) == SIC_OUTSIDE;
-		if (bStays) {
-			// Before the first change: a cone over a marked tetrahedron is refused with the mesh whole.
-			clearUnfinishedIfMarked(*pTet);
-			CONDITION_CHECK_AS(!pTet->hasBeenVisited, "!pCHTet->hasBeenVisited");
-		}
+		if (bStays) expectUnmarked(*pTet, "!pCHTet->hasBeenVisited");
 		(bStays ? vCHTets : vInConflict).push_back(pTet);
 	}
 

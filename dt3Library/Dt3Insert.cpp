@@ -101,8 +101,7 @@ Point3* Dt3::storeAndInsert(const Point3& p)
 	if (bFullDimensional) {
 		// The neighbour on the curve may be a vertex that never entered the mesh.
 		if (pLastTet == nullptr) pLastTet = hc3.findNearbyTet(*pVtx);
-		clearUnfinishedIfMarked(*pLastTet);
-		CONDITION_CHECK(!pLastTet->hasBeenVisited);
+		expectUnmarked(*pLastTet, "!pLastTet->hasBeenVisited");
 		insertVertex(&pVtx, pLastTet, true);
 		return pVtx;
 	}
@@ -225,8 +224,8 @@ void Dt3::triangulate(std::vector<Point3*>& vVertices, Tet3* pLastTet)
 		} else {
 			pLastTet = insertVertex(&pVtx, lookAhead.start(pLastTet));
 		}
-		lookAhead.advance(cavity.takeDisturbed(),
-		    std::exchange(walk.numFacetTests, std::size_t{0}));
+		lookAhead.advance(
+		    cavity.takeDisturbed(), std::exchange(walk.numFacetTests, std::size_t{0}));
 
 		++numInserted;
 		if (labels.numTaken() - numReported < interval) continue;

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Tetrahedra are created, recycled and linked. In a star too large for the StarLinker, every facet
-// between two new tetrahedra is offered twice; a table stores the first half until the second comes.
+// between two new tetrahedra is offered twice: the first half waits until the second comes. It waits in the
+// slot of its hash, vTwoTetSlots; where another facet has that slot, in the list vHashCollisions, which has
+// an index once it is long.
 #include "Dt3.h"
 #include "Dt3Inline.h"
 #include "Message.h"

@@ -4,6 +4,12 @@
 
 namespace TULO3D {
 
+void Dt3::expectUnmarked(const Tet3& tet, const char* text)
+{
+	bUnfinished = bUnfinished && !tet.hasBeenVisited;
+	CONDITION_CHECK_AS(!tet.hasBeenVisited, text);
+}
+
 void Dt3::beginInsertion()
 {
 	CONDITION_CHECK(numStoredTCS==0);
@@ -14,8 +20,7 @@ void Dt3::beginInsertion()
 Tet3* Dt3::insertVertex(Point3** ppVtx, Tet3* pStartTet, bool bByCurve)
 {
 	Tet3* pCurTet = pStartTet;
-	clearUnfinishedIfMarked(*pCurTet);
-	CONDITION_CHECK(!pCurTet->hasBeenVisited);
+	expectUnmarked(*pCurTet, "!pCurTet->hasBeenVisited");
 	beginInsertion();
 
 	const auto age = static_cast<unsigned>(Tet3::loadLabel(*pNextLabel)) -

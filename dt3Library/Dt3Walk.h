@@ -20,10 +20,12 @@ class Walk
 {
 public:
 	// How a walk ends, unless with the number of a hull facet, 0 to 3, on or beyond which the target lies.
-	static constexpr int kInside = -1; ///< strictly inside, beyond no facet and in the plane of none
+	static constexpr int kInside =
+	    -1; ///< strictly inside, beyond no facet and in the plane of none
 	static constexpr int kAtCorner = -2;
 	static constexpr int kInInnerPlane = -3; ///< in an inner facet or on an inner edge
-	static constexpr int kTooLong = -98;     ///< more tests than asked for, fewer than stop the watchdog
+	static constexpr int kTooLong =
+	    -98; ///< more tests than asked for, fewer than stop the watchdog
 	static constexpr int kByWatchdog = -99;
 
 	/// After so many facet tests the watchdog stops a walk.

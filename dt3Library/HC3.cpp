@@ -3,7 +3,7 @@
 #include "HC3.h"
 #include "Tet3.h"
 #include "ardo_tools/RadixSort.h"
-#include "geometry/vectors.h"
+#include "store/NearestStart.h"
 #include "tools.h"
 
 #include <algorithm>
@@ -101,6 +101,8 @@ Point3* HC3::insertPoint(const Point3& point, Tet3*& pStartTet)
 	Point3* pVtx = (*at)->pVtx;
 	pStartTet = pVtx->getOneTet();
 	if (pStartTet != nullptr) return pVtx;
+	// Deliberate: the vertex before it, where findNearbyTet takes the one behind. The start decides in which of
+	// several tetrahedra a walk ends, and so the order in which new ones are made.
 	if (at != items.begin()) {
 		pStartTet = (*std::prev(at))->pVtx->getOneTet();
 	} else if (std::next(at) != items.end()) {
@@ -127,21 +129,13 @@ Tet3* HC3::findNearbyTet(const Point3& point) const
 Tet3* HC3::nearerTet(const Point3& point, Tet3* pTet) const
 {
 	constexpr int kWindow = 4; // on either side
-	double least = squaredDistance(point, *pTet->getCorner(0));
-	const auto consider = [&](const IdxVtx* pItem) {
-		const Point3& vtx = *pItem->pVtx;
-		const double distance = squaredDistance(point, vtx);
-		if (distance >= least || vtx.getOneTet() == nullptr) return;
-		if (vtx.getOneTet()->hasBeenVisited) return;
-		least = distance;
-		pTet = vtx.getOneTet();
-	};
+	NearestStart nearest(point, pTet);
 	const auto found = items.lowerBound(probeFor(hilbertIndex(point), point));
 	auto at = found;
-	for (int n = 0; n < kWindow && at != items.end(); ++n, ++at) consider(*at);
+	for (int n = 0; n < kWindow && at != items.end(); ++n, ++at) nearest.consider(*(*at)->pVtx);
 	at = found;
-	for (int n = 0; n < kWindow && at != items.begin(); ++n) consider(*--at);
-	return pTet;
+	for (int n = 0; n < kWindow && at != items.begin(); ++n) nearest.consider(*(*--at)->pVtx);
+	return nearest.tet();
 }
 
 void HC3::getVertices(std::vector<Point3*>& out) const

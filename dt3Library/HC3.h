@@ -71,6 +71,8 @@ private:
 
 	/// Inserts the points of a batch that share one cell of the curve.
 	void insertCell(std::uint32_t key, Batch& batch);
+	/// Looks the points of a cell up: the handles of those that the store knows, a list of the others.
+	void findNewPoints(std::uint32_t key, Batch& batch) const;
 	/// Numbers the new vertices of a batch with repeated points, in the order of the input.
 	static void closeNumberGaps(const std::vector<Point3*>& vUserHandles, std::int32_t firstNumber);
 	/// The set has no item with the coordinates of the probe, whose place is `at`.

@@ -101,10 +101,17 @@ struct HC3::Batch
 	std::vector<Point3*>& vNewVertices;
 	std::int32_t firstNumber;
 	VertexOrder newItems;
-	std::vector<std::uint32_t> vCell; // positions in vPoints, as are the three below
+	std::vector<std::uint32_t> vCell; // positions in vPoints, as are the two below
 	std::vector<std::uint32_t> vByCoordinates;
 	std::vector<std::uint32_t> vNewByCoordinates;
-	std::vector<std::uint32_t> vNewByInput;
+
+	/// Makes the vertex of the point at a position.
+	Point3* create(HC3& store, std::uint32_t position);
+	/// The i-th point of the cell, by coordinates, equals the one before.
+	bool isRepeated(std::size_t i) const
+	{
+		return i > 0 && vPoints[vByCoordinates[i - 1]] == vPoints[vByCoordinates[i]];
+	}
 };
 
 void HC3::insertPoints(const std::vector<Point3>& vPoints, std::vector<Point3*>& vUserHandles,
@@ -131,7 +138,7 @@ void HC3::insertPoints(const std::vector<Point3>& vPoints, std::vector<Point3*>&
 	vUserHandles.resize(siz);
 	vNewVertices.reserve(vNewVertices.size() + siz);
 	const auto firstNumber = static_cast<std::int32_t>(size());
-	Batch batch{vPoints, vUserHandles, vNewVertices, firstNumber, {}, {}, {}, {}, {}};
+	Batch batch{vPoints, vUserHandles, vNewVertices, firstNumber, {}, {}, {}, {}};
 	Poller stored(poll);
 	for (std::size_t i = 0; i < siz;) {
 		const std::uint32_t key = vHIndexIndexPair[i].key;
@@ -160,62 +167,60 @@ void HC3::closeNumberGaps(const std::vector<Point3*>& vUserHandles, std::int32_t
 	}
 }
 
+Point3* HC3::Batch::create(HC3& store, std::uint32_t position)
+{
+	Point3* pVtx =
+	    store.createVertex(vPoints[position], firstNumber + static_cast<std::int32_t>(position));
+	vUserHandles[position] = pVtx;
+	vNewVertices.push_back(pVtx);
+	return pVtx;
+}
+
 void HC3::insertCell(std::uint32_t key, Batch& batch)
 {
-	const std::vector<Point3>& vPoints = batch.vPoints;
-	std::vector<Point3*>& vUserHandles = batch.vUserHandles;
-	const auto numberOf = [&batch](std::uint32_t position) {
-		return batch.firstNumber + static_cast<std::int32_t>(position);
-	};
 	if (batch.vCell.size() == 1) { // as nearly all are
 		const std::uint32_t position = batch.vCell.front();
-		Point3*& pVtx = vUserHandles[position];
-		pVtx = findVertex(key, vPoints[position]);
-		if (pVtx != nullptr) return;
-		pVtx = createVertex(vPoints[position], numberOf(position));
-		batch.vNewVertices.push_back(pVtx);
-		batch.newItems.append(createItem(key, pVtx));
+		batch.vUserHandles[position] = findVertex(key, batch.vPoints[position]);
+		if (batch.vUserHandles[position] != nullptr) return;
+		batch.newItems.append(createItem(key, batch.create(*this, position)));
 		return;
 	}
-	std::vector<std::uint32_t>& vSorted = batch.vByCoordinates;
-	const auto isEqualToPrevious = [&](std::size_t i) {
-		return i > 0 && vPoints[vSorted[i - 1]] == vPoints[vSorted[i]];
-	};
-
 	// Sorted by coordinates, equal points in input order: the first of equal points becomes the vertex.
-	vSorted = batch.vCell;
-	sortByCoordinates(vSorted, vPoints);
-	batch.vNewByCoordinates.clear();
-	std::size_t numDistinct = 0;
-	for (std::size_t i = 0; i < vSorted.size(); ++i) {
-		const std::uint32_t later = vSorted[placeAhead(i, vSorted.size())];
-		prefetchObject(&vPoints[later]);
-		prefetch(&vUserHandles[later]);
-		if (isEqualToPrevious(i)) continue;
-		++numDistinct;
-		const std::uint32_t position = vSorted[i];
-		vUserHandles[position] = findVertex(key, vPoints[position]);
-		if (vUserHandles[position] == nullptr) batch.vNewByCoordinates.push_back(position);
-	}
+	batch.vByCoordinates = batch.vCell;
+	sortByCoordinates(batch.vByCoordinates, batch.vPoints);
+	findNewPoints(key, batch);
 
 	// Deliberate: within a cell, new vertices are made and inserted in input order, while their items are
 	// sorted by coordinates. Both orders determine the mesh and its listing.
-	if (batch.vNewByCoordinates.size() == batch.vCell.size()) {
-		batch.vNewByInput = batch.vCell;
-	} else {
-		batch.vNewByInput = batch.vNewByCoordinates;
-		std::sort(batch.vNewByInput.begin(), batch.vNewByInput.end());
+	std::vector<std::uint32_t>& vNewByInput = batch.vCell;
+	if (batch.vNewByCoordinates.size() < batch.vCell.size()) {
+		vNewByInput = batch.vNewByCoordinates;
+		std::sort(vNewByInput.begin(), vNewByInput.end());
 	}
-	for (const std::uint32_t position : batch.vNewByInput) {
-		vUserHandles[position] = createVertex(vPoints[position], numberOf(position));
-		batch.vNewVertices.push_back(vUserHandles[position]);
-	}
+	for (const std::uint32_t position : vNewByInput) batch.create(*this, position);
 	for (const std::uint32_t position : batch.vNewByCoordinates) {
-		batch.newItems.append(createItem(key, vUserHandles[position]));
+		batch.newItems.append(createItem(key, batch.vUserHandles[position]));
 	}
-	if (numDistinct == vSorted.size()) return;
-	for (std::size_t i = 1; i < vSorted.size(); ++i) {
-		if (isEqualToPrevious(i)) vUserHandles[vSorted[i]] = vUserHandles[vSorted[i - 1]];
+	for (std::size_t i = 1; i < batch.vByCoordinates.size(); ++i) {
+		if (!batch.isRepeated(i)) continue;
+		batch.vUserHandles[batch.vByCoordinates[i]] =
+		    batch.vUserHandles[batch.vByCoordinates[i - 1]];
+	}
+}
+
+void HC3::findNewPoints(std::uint32_t key, Batch& batch) const
+{
+	const std::vector<std::uint32_t>& vSorted = batch.vByCoordinates;
+	batch.vNewByCoordinates.clear();
+	for (std::size_t i = 0; i < vSorted.size(); ++i) {
+		const std::uint32_t later = vSorted[placeAhead(i, vSorted.size())];
+		prefetchObject(&batch.vPoints[later]);
+		prefetch(&batch.vUserHandles[later]);
+		if (batch.isRepeated(i)) continue;
+		const std::uint32_t position = vSorted[i];
+		Point3*& pVtx = batch.vUserHandles[position];
+		pVtx = findVertex(key, batch.vPoints[position]);
+		if (pVtx == nullptr) batch.vNewByCoordinates.push_back(position);
 	}
 }
 

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 // Walk starts from Morton order, for batches in which the curve of the vertex store has no locality.
 #include "lookahead/WalkStart.h"
-#include "geometry/vectors.h"
 #include "mesh/Prefetch.h"
 #include "store/MortonOrder.h"
+#include "store/NearestStart.h"
 
 #include <algorithm>
 
@@ -49,18 +49,11 @@ bool WalkStart::orderJumps() const
 
 Tet3* WalkStart::nearest(std::size_t i, Tet3* pLastTet) const
 {
-	const Point3& target = vertex(i);
-	Tet3* pNearest = pLastTet;
-	double least = squaredDistance(target, *pLastTet->getCorner(0));
+	NearestStart nearest(vertex(i), pLastTet);
 	for (const Point3* p : neighbours(i)) {
-		// A tetrahedron that the host has left marked would be refused as a start.
-		if (p == nullptr || p->getOneTet() == nullptr || p->getOneTet()->hasBeenVisited) continue;
-		const double distance = squaredDistance(target, *p);
-		if (distance >= least) continue;
-		least = distance;
-		pNearest = p->getOneTet();
+		if (p != nullptr) nearest.consider(*p);
 	}
-	return pNearest;
+	return nearest.tet();
 }
 
 } // namespace TULO3D

@@ -6,6 +6,12 @@ namespace TULO3D {
 
 namespace {
 
+// The curve runs through the eight octants of a cell in the order of their digits, 0 to 7, from one to the next
+// across a face; within each octant runs a rotated copy of it. Its twelve states are the rotations that occur: one for
+// each edge of the cube as the way from first to last octant. kDigit tells the digit of an octant, kNext the state of
+// the copy within it. A listing and every mesh depend on these very tables, beside the general properties of the
+// curve.
+//
 // clang-format off
 // Row: octant, 4 * x + 2 * y + z. Column: which way the curve runs through the cell.
 constexpr std::uint8_t kDigit[8][12] = {
