@@ -147,6 +147,36 @@ Cloud longBox(std::size_t size, Random& random)
 	});
 }
 
+Cloud tiny(std::size_t size, Random& random)
+{
+	return repeat(size, [&] { return random.point(0, 1e-60); });
+}
+
+/// Random directions, the logarithm of the distance uniform over so many decades.
+template <int numDecades>
+Cloud scales(std::size_t size, Random& random)
+{
+	return repeat(size, [&] {
+		const double x = normal(random), y = normal(random), z = normal(random);
+		const double distance = std::pow(10.0, -numDecades * random.unit());
+		const double factor = distance / std::sqrt(x * x + y * y + z * z);
+		return Point3(factor * x, factor * y, factor * z);
+	});
+}
+
+/// The logarithm of each coordinate uniform over 100 decades, either sign.
+Cloud decades(std::size_t size, Random& random)
+{
+	const auto coordinate = [&random] {
+		const double magnitude = std::pow(10.0, 50 - 100 * random.unit());
+		return random.unit() < 0.5 ? -magnitude : magnitude;
+	};
+	return repeat(size, [&] {
+		const double x = coordinate(), y = coordinate();
+		return Point3(x, y, coordinate());
+	});
+}
+
 } // namespace
 
 const std::vector<Workload>& workloads()
@@ -162,6 +192,11 @@ const std::vector<Workload>& workloads()
 	    {"pipe", "a long pipe along x with a wall", pipe},
 	    {"box", "random points of a box of 0.1 x 0.1 x 500", longBox},
 	    {"flat", "x = f(y, z): hardly any extent in x", terrainFlatInX},
+	    {"tiny", "random points of a cube with a side of 1e-60", tiny},
+	    {"scales8", "random directions, distances over 8 decades", scales<8>},
+	    {"scales12", "the same over 12 decades", scales<12>},
+	    {"scales30", "the same over 30 decades", scales<30>},
+	    {"decades", "each coordinate over 100 decades", decades},
 	    {"twoclusters", "two gaussian clusters far from each other", twoClusters},
 	};
 	return table;

@@ -1,11 +1,14 @@
 // SPDX-License-Identifier: MIT
 // Morton order, for points that the nine levels of the vertex store do not tell apart.
 #include "store/MortonOrder.h"
+#include "ardo_tools/Bits.h"
 #include "ardo_tools/RadixSort.h"
 #include "ardo_tools/prefetch.h"
 
 #include <algorithm>
+#include <climits>
 #include <cstddef>
+#include <cstring>
 
 namespace TULO3D {
 
@@ -13,6 +16,42 @@ namespace {
 
 constexpr unsigned kLevels = 21;
 constexpr unsigned kKeyBits = 27;
+
+/// The weight of the highest binary digit in which two coordinates differ, as an exponent; the sign counts as
+/// the highest of all.
+int leadingDifference(double a, double b)
+{
+	constexpr int kNone = -100;
+	constexpr unsigned kFractionBits = 52;
+	const auto bitsOf = [](double x) {
+		x += 0.0; // no negative zero
+		std::uint64_t bits = 0;
+		std::memcpy(&bits, &x, sizeof bits);
+		return bits;
+	};
+	const auto exponentOf = [](std::uint64_t bits) {
+		return static_cast<int>(bits << 1U >> (kFractionBits + 1));
+	};
+	const std::uint64_t bitsA = bitsOf(a), bitsB = bitsOf(b);
+	const std::uint64_t difference = bitsA ^ bitsB;
+	if (difference == 0) return kNone;
+	if (difference >> 63U != 0) return INT_MAX;
+	if (difference >> kFractionBits != 0) return std::max(exponentOf(bitsA), exponentOf(bitsB));
+	return exponentOf(bitsA) + static_cast<int>(highestBit(difference)) - int{kFractionBits};
+}
+
+/// Morton order by all binary digits that the coordinates have, without a box and without a last level.
+///
+/// M. Connor, P. Kumar: Fast construction of k-nearest neighbor graphs for point clouds, IEEE Transactions on
+/// Visualization and Computer Graphics 16, 2010.
+bool isBefore(const Point3& p, const Point3& q)
+{
+	const int x = leadingDifference(p.x(), q.x());
+	const int y = leadingDifference(p.y(), q.y());
+	const int z = leadingDifference(p.z(), q.z());
+	if (x >= y && x >= z) return p.x() < q.x();
+	return y >= z ? p.y() < q.y() : p.z() < q.z();
+}
 
 /// A point and its position on the Morton curve.
 struct KeyedPosition
@@ -77,8 +116,11 @@ std::vector<std::uint32_t> mortonOrder(const std::vector<const Point3*>& vPoints
 		const auto key = static_cast<std::uint32_t>(place >> (3 * kLevels - kKeyBits));
 		vKeyed.push_back({key, static_cast<std::uint32_t>(i), place});
 	}
-	sortByKey(vKeyed, kKeyBits,
-	    [](const KeyedPosition& a, const KeyedPosition& b) { return a.place < b.place; });
+	// Points at many scales share cells of the last level around the densest ones.
+	sortByKey(vKeyed, kKeyBits, [&vPoints](const KeyedPosition& a, const KeyedPosition& b) {
+		return a.place != b.place ? a.place < b.place
+		                          : isBefore(*vPoints[a.position], *vPoints[b.position]);
+	});
 	std::vector<std::uint32_t> vAlong;
 	vAlong.reserve(vKeyed.size());
 	for (const KeyedPosition& keyed : vKeyed) vAlong.push_back(keyed.position);
