@@ -19,20 +19,27 @@ int firstFrom(int f, unsigned set)
 	return kLowestBit[(set >> f | set << (4 - f)) & 0xFU];
 }
 
+/// The set of the first `count` facets in cyclic order from facet f.
+unsigned cyclicRun(int f, int count)
+{
+	const unsigned run = ((1U << count) - 1U) << f;
+	return (run | run >> 4U) & 0xFU;
+}
+
 } // namespace
 
 int Walk::run(const Point3& target, Tet3*& pTet, std::size_t maxFacetTests)
 {
-	int f = 0;       // the facet to test next
-	int numLeft = 4; // facets of this tetrahedron still to test
+	int f = 0;        // the facet to test next
+	int numToTest = 4; // facets of this tetrahedron
 	const std::size_t lastTest = numFacetTests + maxFacetTests;
 	for (;;) {
 		prefetchNeighbours(*pTet); // for the next step; in the end, for the cavity
 		// The four orientation tests together (SIMD) cost less than one after the other with a misprediction
 		// for each. What counts is the first facet with the target beyond it, else the first one in its plane.
-		const FacetSides sides = sidesOf(*pTet, target);
+		const FacetSides sides = sidesOf(*pTet, target, f, numToTest);
 		const unsigned stops = sides.negative != 0 ? sides.negative : ~sides.positive & 0xFU;
-		const int passed = stops != 0 ? firstFrom(f, stops) : numLeft - 1;
+		const int passed = stops != 0 ? firstFrom(f, stops) : numToTest - 1;
 		numFacetTests += static_cast<std::size_t>(passed) + 1;
 		if (numFacetTests > lastTest) return stopEarly(pTet, maxFacetTests);
 		if (stops == 0) return stopInside(pTet, sides, &target);
@@ -43,7 +50,7 @@ int Walk::run(const Point3& target, Tet3*& pTet, std::size_t maxFacetTests)
 		if (pNext == nullptr) return f;
 		// The target is known to be on this side of the facet through which the walk enters.
 		f = nextIndex(pNext->getIntraTetIndex(pTet));
-		numLeft = 3;
+		numToTest = 3;
 		pTet = pNext;
 	}
 }
@@ -74,12 +81,17 @@ int Walk::stopInside(const Tet3* pStartTet, const FacetSides& sides, const Point
 	return kInside;
 }
 
-FacetSides Walk::sidesOf(const Tet3& tet, const Point3& target) const
+FacetSides Walk::sidesOf(const Tet3& tet, const Point3& target, int f, int numToTest) const
 {
 	const Point3* const corner[4] = {
 	    tet.getCorner(0), tet.getCorner(1), tet.getCorner(2), tet.getCorner(3)};
 	FacetSides sides = tests.facets(corner, target);
-	const unsigned undecided = ~(sides.positive | sides.negative) & 0xFU;
+	unsigned undecided = ~(sides.positive | sides.negative) & 0xFU;
+	if (undecided == 0) return sides;
+	sides.positive |= undecided & ~cyclicRun(f, numToTest);
+	undecided &= cyclicRun(f, numToTest);
+	// The walk takes the first facet with the target beyond it: what comes after one need not be known.
+	if (sides.negative != 0) undecided &= cyclicRun(f, firstFrom(f, sides.negative));
 	for (int i = 0; undecided >> i != 0; ++i) {
 		if ((undecided >> i & 1U) == 0) continue;
 		const Orientation3 side = predicates.getOrientation3(&tet, i, &target);

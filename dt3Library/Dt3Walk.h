@@ -53,8 +53,10 @@ private:
 	/// Circulates around the edge that avoids f and opp2ICI: an inner edge, or the hull facet at the end, and
 	/// pTet becomes its owner.
 	int stopAtEdge(Tet3*& pTet, int f, int opp2ICI) const;
-	/// On which sides of the facets the target lies, exactly: in the plane where both are clear.
-	FacetSides sidesOf(const Tet3& tet, const Point3& target) const;
+	/// On which sides of the facets the target lies, exactly: in the plane where both are clear. Of the four facets
+	/// in cyclic order from f, it is known to lie on the inner side of those behind the first numToTest; behind one
+	/// that has it beyond, both may be clear because nothing depends on them.
+	FacetSides sidesOf(const Tet3& tet, const Point3& target, int f, int numToTest) const;
 
 	const BatchTests& tests;
 	const ArdoTest3& predicates;
