@@ -10,17 +10,28 @@ namespace TULO3D {
 ArdoTest3::FastStage ArdoTest3::insphereFast(
     const Point3& a, const Point3& b, const Point3& c, const Point3& d, const Point3& e) const
 {
-	const WithMagnitude det = sphereDeterminant(lifted(filterRow(a, e)), lifted(filterRow(b, e)),
-	    lifted(filterRow(c, e)), lifted(filterRow(d, e)))
-	                              .det;
+	return filtered(lifted(filterRow(a, e)), lifted(filterRow(b, e)), lifted(filterRow(c, e)),
+	    lifted(filterRow(d, e)));
+}
+
+ArdoTest3::FastStage ArdoTest3::filtered(const SphereRow<Entry, WithMagnitude>& a, const SphereRow<Entry, WithMagnitude>& b,
+    const SphereRow<Entry, WithMagnitude>& c, const SphereRow<Entry, WithMagnitude>& d) const
+{
+	const WithMagnitude det = sphereDeterminant(a, b, c, d).det;
 	return {det.value, isperrboundA * det.magnitude + kLostInInsphere, det.magnitude};
 }
 
 SphereInclusion ArdoTest3::sphereInclusionTest(const Tet3* pT, const Point3* pVtx) const
 {
-	const FastStage fast = insphereFast(
+	return inclusion(
 	    *pT->getCorner(0), *pT->getCorner(1), *pT->getCorner(2), *pT->getCorner(3), *pVtx);
-	if (!fast.bCertain()) return inclusionInDoubt(*pT, *pVtx, fast.permanent);
+}
+
+SphereInclusion ArdoTest3::inclusion(
+    const Point3& a, const Point3& b, const Point3& c, const Point3& d, const Point3& q) const
+{
+	const FastStage fast = insphereFast(a, b, c, d, q);
+	if (!fast.bCertain()) return inclusionInDoubt(a, b, c, d, q, fast.permanent);
 	return fast.det > 0.0 ? SIC_OUTSIDE : SIC_INSIDE;
 }
 
@@ -42,22 +53,37 @@ Orientation3 ArdoTest3::exactOrientation(
     const Point3& a, const Point3& b, const Point3& c, const Point3& d, double permanent) const
 {
 	const bool bTiny = mayUnderflow(a, b, c, d);
-	if (!bTiny && permanent == 0.0) return ORIENTATION3_COPLANAR; // T3: every product is zero
+	if (bTiny) {
+		ScaledPoints<4> p({&a, &b, &c, &d}, Scales::kPerAxis);
+		if (p.areSafe()) return getOrientation3(&p[0], &p[1], &p[2], &p[3]);
+	} else if (permanent == 0.0) {
+		return ORIENTATION3_COPLANAR; // T3: every product is zero
+	}
 	const double det = bTiny ? orient3dSignDespiteUnderflow(a, b, c, d)
 	                         : orient3dAdapt(*this, a, b, c, d, permanent);
 	if (det < 0.0) return ORIENTATION3_POSITIVE;
 	return det > 0.0 ? ORIENTATION3_NEGATIVE : ORIENTATION3_COPLANAR;
 }
 
-SphereInclusion ArdoTest3::inclusionInDoubt(
-    const Tet3& tet, const Point3& q, double permanent) const
+SphereInclusion ArdoTest3::inclusionInDoubt(const Point3& a, const Point3& b, const Point3& c,
+    const Point3& d, const Point3& q, double permanent) const
 {
-	const Point3 &a = *tet.getCorner(0), &b = *tet.getCorner(1), &c = *tet.getCorner(2),
-	             &d = *tet.getCorner(3);
-	const bool bTiny = mayUnderflow(a, b, c, d, q);
-	// S3: with the coordinates of a corner every product is zero.
-	if (bTiny ? tet.hasVertex(q) : permanent == 0.0) return SIC_INSIDE;
-	if (bTiny) return insphereSignDespiteUnderflow(a, b, c, d, q) < 0 ? SIC_INSIDE : SIC_OUTSIDE;
+	if (mayUnderflow(a, b, c, d, q)) {
+		ScaledPoints<5> p({&a, &b, &c, &d, &q}, Scales::kCommon);
+		if (p.areSafe()) return inclusion(p[0], p[1], p[2], p[3], p[4]);
+		// The lift adds the axes, so it needs the common scale; the other columns do not.
+		ScaledPoints<5> wide({&a, &b, &c, &d, &q}, Scales::kPerAxis);
+		const auto row = [&](std::size_t i) {
+			return SphereRow<Entry, WithMagnitude>{
+			    filterRow(wide[i], wide[4]), lifted(filterRow(p[i], p[4])).l};
+		};
+		const FastStage fast = filtered(row(0), row(1), row(2), row(3));
+		if (fast.bCertain()) return fast.det > 0.0 ? SIC_OUTSIDE : SIC_INSIDE;
+		const bool bAtCorner = q == a || q == b || q == c || q == d; // S3
+		const bool bInside = bAtCorner || insphereSignDespiteUnderflow(a, b, c, d, q) < 0;
+		return bInside ? SIC_INSIDE : SIC_OUTSIDE;
+	}
+	if (permanent == 0.0) return SIC_INSIDE; // S3: with the coordinates of a corner every product is zero
 	// Deliberate, S2: the code 2 of an exact zero counts as outside.
 	return insphereAdapt(*this, a, b, c, d, q, permanent) > 0 ? SIC_OUTSIDE : SIC_INSIDE;
 }

@@ -107,11 +107,17 @@ private:
 	{
 		return {{p.x() - origin.x()}, {p.y() - origin.y()}, {p.z() - origin.z()}};
 	}
+	/// The filter of the in-sphere test, from its rows.
+	FastStage filtered(const SphereRow<Entry, WithMagnitude>& a, const SphereRow<Entry, WithMagnitude>& b,
+	    const SphereRow<Entry, WithMagnitude>& c, const SphereRow<Entry, WithMagnitude>& d) const;
 	Orientation3 orientationInDoubt(
 	    const Point3& a, const Point3& b, const Point3& c, const Point3& d, double permanent) const;
 	Orientation3 exactOrientation(
 	    const Point3& a, const Point3& b, const Point3& c, const Point3& d, double permanent) const;
-	SphereInclusion inclusionInDoubt(const Tet3& tet, const Point3& q, double permanent) const;
+	SphereInclusion inclusion(const Point3& a, const Point3& b, const Point3& c, const Point3& d,
+	    const Point3& q) const;
+	SphereInclusion inclusionInDoubt(const Point3& a, const Point3& b, const Point3& c,
+	    const Point3& d, const Point3& q, double permanent) const;
 };
 
 inline ArdoTest3::FastStage ArdoTest3::orient3dFast(

@@ -237,10 +237,14 @@ TEST(Predicates, SignsAreExactWhateverUnderflows)
 	int numOf[3] = {}, numCase = 0;
 	for (Case p : makeCases()) {
 		if (++numCase % 8 != 0) continue;
-		// One to three axes shrink, perhaps so far that only a few bits are left.
+		// One to three axes shrink, together or not, perhaps so far that only a few bits are left. A point may lie
+		// at the upper limit: nothing can be scaled up then.
 		const double scales[] = {1, 0x1p-300, 0x1p-700, 0x1p-1060};
-		const double sx = random.of(scales), sy = random.of(scales), sz = 0x1p-1040;
+		const double sz = random.below(4) == 0 ? 0x1p-700 : 0x1p-1040;
+		const bool bTogether = random.below(3) == 0;
+		const double sx = bTogether ? sz : random.of(scales), sy = bTogether ? sz : random.of(scales);
 		for (Point3& q : p) q = Point3(q.x() * sx, q.y() * sy, q.z() * sz);
+		if (random.below(3) == 0) p[0] = Point3(kMaxCoordinate, p[0].y(), kMaxCoordinate);
 		const int truth = oracle::orientation(p[0], p[1], p[2], p[3]);
 		const Orientation3 expected[] = {
 		    ORIENTATION3_NEGATIVE, ORIENTATION3_COPLANAR, ORIENTATION3_POSITIVE};

@@ -3,6 +3,7 @@
 // bound, doubles that are proved to be exact, and a filter in double-doubles.
 #include "predicates/BatchTests.h"
 #include "predicates/BatchTestsSimd.h"
+#include "predicates/Underflow.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -185,6 +186,19 @@ NeighbourVerdicts testNeighbours(const NeighbourBatch& batch, const Point3& quer
 	});
 }
 
+/// The same at a scale where no product underflows; undecided where there is none.
+template <typename Variant>
+NeighbourVerdicts testScaledNeighbours(const NeighbourBatch& batch, const Point3& query)
+{
+	const auto& [corner, opposite] = batch;
+	ScaledPoints<9> p({corner[0], corner[1], corner[2], corner[3], opposite[0], opposite[1],
+	                      opposite[2], opposite[3], &query},
+	    Scales::kCommon);
+	if (!p.areSafe()) return {0, 0, 0};
+	return testNeighbours<Variant>(
+	    {{&p[0], &p[1], &p[2], &p[3]}, {&p[4], &p[5], &p[6], &p[7]}}, p[8]);
+}
+
 template <typename Variant>
 FacetSides testFacets(const Point3* const (&corner)[4], const Point3& query)
 {
@@ -195,15 +209,11 @@ FacetSides testFacets(const Point3* const (&corner)[4], const Point3& query)
 template <typename Variant>
 constexpr BatchTests testsOf()
 {
-	return {testNeighbours<Variant>, testFacets<Variant>, Variant::bAvx2};
+	return {testNeighbours<Variant>, testScaledNeighbours<Variant>, testFacets<Variant>,
+	    Variant::bAvx2};
 }
 
 } // namespace
-
-NeighbourVerdicts decideNothing(const NeighbourBatch& /*batch*/, const Point3& /*query*/)
-{
-	return {0, 0, 0};
-}
 
 const BatchTests kPortableTests = testsOf<TwoLaneVariant>();
 

@@ -40,14 +40,11 @@ using FacetTest = FacetSides (*)(const Point3* const (&corner)[4], const Point3&
 /// The tests of one variant.
 struct BatchTests
 {
-	NeighbourTest neighbours; ///< all stages
+	NeighbourTest neighbours;     ///< all stages
+	NeighbourTest tinyNeighbours; ///< replaces it once a nonzero coordinate below kLeastSafe is stored (T5)
 	FacetTest facets;
 	bool bAvx2; ///< which copy runLoop runs of a loop with an inlined first stage
 };
-
-/// Leaves everything undecided. The stages behind the first one have no allowance for products that
-/// underflow (T5); once a nonzero coordinate below kLeastSafe is stored, this function replaces them.
-NeighbourVerdicts decideNothing(const NeighbourBatch& batch, const Point3& query);
 
 /// For any CPU.
 extern const BatchTests kPortableTests;
