@@ -3,7 +3,6 @@
 #include "support.h"
 
 #include <algorithm>
-#include <functional>
 #include <tuple>
 #include <utility>
 
@@ -13,7 +12,6 @@ using points::Cloud;
 using points::Family;
 using support::Recorded;
 using TULO3D::Point3;
-using TULO3D::Tet3;
 
 /// A way to insert: runs of points, 1 to `maxRun` long or all of that length, each as a batch or one
 /// by one.
@@ -86,55 +84,3 @@ TEST_P(SmallMesh, IsValidAfterEveryInsertion)
 }
 INSTANTIATE_TEST_SUITE_P(
     Families, SmallMesh, kAllFamilies, [](const auto& p) { return p.param.name; });
-
-TEST(Verifier, NamesEveryKindOfDamage)
-{
-	// One damage at a time to a right mesh. T is an inner tetrahedron, N its first neighbour; facet f
-	// of H is on the hull.
-	struct Parts
-	{
-		Recorded& mesh;
-		Tet3 *pT, *pN, *pH;
-		int f;
-	};
-	// clang-format off
-	const std::pair<const char*, std::function<void(Parts)>> damages[] = {
-		{"a tetrahedron left visited", [](Parts p) { p.pT->hasBeenVisited = true; }},
-		{"a tetrahedron with a custom index", [](Parts p) { p.pT->setCustomIndex(3); }},
-		{"a corner that is no listed vertex", [](Parts p) { p.pT->setCorner(2, &p.mesh.input[0]); }},
-		{"a tetrahedron not positive", [](Parts p) { Point3* q = p.pT->getCorner(0); p.pT->setCorner(0, p.pT->getCorner(1)); p.pT->setCorner(1, q); }},
-		{"neighbours without a common facet", [](Parts p) { p.pT->setCorner(1, p.pN->getOppVtxInOppTet(p.pN->getIntraTetIndex(p.pT), false)); }},
-		{"a link that does not come back exactly once", [](Parts p) { p.pT->setOppTet(0, p.pH); }},
-		{"a link to a tetrahedron that is not in the mesh", [](Parts p) { p.pT->setOppTet(0, reinterpret_cast<Tet3*>(&p.mesh.input[0])); }},
-		{"a vertex inside a neighbour's sphere", [](Parts p) { p.mesh.handles.back()->exchange(0.5, 0.5, 0.45); }},
-		{"a hull edge not between exactly two hull facets", [](Parts p) { p.pT->setOppTet(1, p.pH->getOppTet(p.f)); }},
-		{"a fold of the hull that is not convex", [](Parts p) { p.pH->getCorner((p.f + 1) % 4)->exchange(0.5, 0.4, 0.6); }},
-		{"a vertex lost: not in the mesh", [](Parts p) { p.mesh.handles[5]->setOneTet(nullptr); }},
-		{"V - E + F - T is not 1", [](Parts p) { p.mesh.handles[5]->setOneTet(nullptr); }},
-		{"a vertex whose tetrahedron is not its own", [](Parts p) { Point3* q = p.pH->getCorner(p.f); q->setOneTet(p.pT->hasVertex(q) ? p.pN : p.pT); }},
-		{"a handle with other coordinates", [](Parts p) { std::swap(p.mesh.handles[0], p.mesh.handles[1]); }},
-		{"a handle that is no listed vertex", [](Parts p) { p.mesh.handles[0] = &p.mesh.input[0]; }},
-		{"not one handle for each point", [](Parts p) { p.mesh.handles.pop_back(); }},
-		{"not one vertex for each distinct point", [](Parts p) { p.mesh.handles[0] = p.mesh.handles[1]; }},
-		{"two vertices with equal coordinates", [](Parts p) { *p.mesh.handles[0] = *p.mesh.handles[1]; }},
-	};
-	// clang-format on
-	for (const auto& [violation, damage] : damages) {
-		Recorded mesh;
-		mesh.insert(points::make("Uniform", 50));
-		ASSERT_TRUE(mesh.violations().empty());
-		Parts parts{mesh, nullptr, nullptr, nullptr, 0};
-		for (Tet3* pTet : mesh.tets()) {
-			int f = 0;
-			while (f < 4 && pTet->getOppTet(f) != nullptr) ++f;
-			(f == 4 ? parts.pT : parts.pH) = pTet;
-			if (f < 4) parts.f = f;
-		}
-		ASSERT_TRUE(parts.pT != nullptr && parts.pH != nullptr);
-		parts.pN = parts.pT->getOppTet(0);
-		damage(parts);
-		const auto found = mesh.violations();
-		EXPECT_EQ(std::count(found.begin(), found.end(), violation), 1)
-		    << violation << ", but found " << testing::PrintToString(found);
-	}
-}
