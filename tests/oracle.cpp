@@ -1,11 +1,9 @@
 // SPDX-License-Identifier: MIT
-// The two determinants, written once and evaluated in doubles with a running error bound, in 128-bit
-// integers, or in integers of any length.
+// The two determinants, written once and evaluated in doubles with a running error bound, or in numbers so
+// long that nothing is rounded.
 #include "oracle.h"
 
-#include <algorithm>
 #include <cfloat>
-#include <climits>
 #include <cmath>
 #include <gmpxx.h>
 #include <initializer_list>
@@ -14,20 +12,31 @@ namespace oracle {
 
 namespace {
 
-__extension__ typedef __int128 Int128;
 using Rows = std::initializer_list<const P*>;
 
 // clang-format off
 /// A double and a bound of its error.
 struct Approx
 {
+	Approx(double v = 0, double e = 0) : value(v), error(e) {}
 	static Approx rounded(double v, double e) { return {v, (e + std::fabs(v) * DBL_EPSILON) * (1 + 8 * DBL_EPSILON) + DBL_MIN}; }
 	friend Approx operator+(Approx a, Approx b) { return rounded(a.value + b.value, a.error + b.error); }
 	friend Approx operator-(Approx a, Approx b) { return rounded(a.value - b.value, a.error + b.error); }
 	friend Approx operator*(Approx a, Approx b) { return rounded(a.value * b.value, std::fabs(a.value) * b.error + std::fabs(b.value) * a.error + a.error * b.error); }
-	double value = 0, error = 0;
+	double value, error;
 };
 // clang-format on
+
+/// Exact for five factors of 1275 bits each, which differences of coordinates from 2^-1074 to 2^200 fill.
+struct Exact : mpf_class
+{
+	static constexpr mp_bitcnt_t kBits = 5 * 1275 + 64;
+	Exact() : mpf_class(0, kBits) {}
+	template <class T>
+	Exact(const T& value) : mpf_class(value, kBits)
+	{
+	}
+};
 
 template <class N>
 N det3(const N* a, const N* b, const N* c)
@@ -52,60 +61,28 @@ N determinant(N (*p)[3], std::size_t n)
 	    lift[1] * det3(p[0], p[2], p[3]) - lift[0] * det3(p[1], p[2], p[3]);
 }
 
+/// The determinant of four or five points.
 template <class N>
-int signOf(const N& n)
+N determinantOf(Rows rows)
 {
-	return n > 0 ? 1 : n < 0 ? -1 : 0;
-}
-
-/// The sign of the determinant of four or five points, scaled to integers.
-int exactSign(Rows rows)
-{
-	double c[5][3];
-	int lowest = INT_MAX, highest = INT_MIN;
+	N p[5][3];
 	std::size_t n = 0;
-	for (const P* p : rows) {
-		p->xyz(c[n][0], c[n][1], c[n][2]);
-		for (const double v : c[n]) {
-			if (v == 0) continue;
-			// The weight of the last bit is at least this one.
-			const int exponent = std::max(std::ilogb(v) - 52, -1074);
-			const auto mantissa = static_cast<long long>(std::ldexp(v, -exponent));
-			lowest = std::min(
-			    lowest, exponent + __builtin_ctzll(static_cast<unsigned long long>(mantissa)));
-			highest = std::max(highest, std::ilogb(v));
-		}
+	for (const P* row : rows) {
+		p[n][0] = row->x(), p[n][1] = row->y(), p[n][2] = row->z();
 		++n;
 	}
-	if (lowest == INT_MAX) return 0;
-	const bool bSmall = highest - lowest < (n == 4 ? 39 : 21);
-	Int128 small[5][3];
-	mpz_class large[5][3];
-	for (std::size_t i = 0; i < 3 * n; ++i) {
-		int exponent = 0;
-		const double mantissa = std::ldexp(std::frexp(c[i / 3][i % 3], &exponent), 53);
-		const int shift = mantissa == 0 ? 0 : exponent - 53 - lowest; // negative for trailing zeros
-		if (bSmall) {
-			small[i / 3][i % 3] = static_cast<long long>(std::ldexp(mantissa, shift));
-		} else {
-			mpz_class& m = large[i / 3][i % 3] = mpz_class(mantissa);
-			m = shift < 0 ? mpz_class(m >> static_cast<unsigned>(-shift))
-			              : mpz_class(m << static_cast<unsigned>(shift));
-		}
-	}
-	return bSmall ? signOf(determinant(small, n)) : signOf(determinant(large, n));
+	return determinant(p, n);
+}
+
+int exactSign(Rows rows)
+{
+	return sgn(determinantOf<Exact>(rows));
 }
 
 int quickSign(Rows rows)
 {
-	Approx p[5][3];
-	std::size_t n = 0;
-	for (const P* row : rows) {
-		row->xyz(p[n][0].value, p[n][1].value, p[n][2].value);
-		++n;
-	}
-	const Approx d = determinant(p, n);
-	return std::fabs(d.value) > d.error ? signOf(d.value) : exactSign(rows);
+	const Approx d = determinantOf<Approx>(rows);
+	return std::fabs(d.value) > d.error ? (d.value > 0 ? 1 : -1) : exactSign(rows);
 }
 
 } // namespace

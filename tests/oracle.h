@@ -8,7 +8,7 @@ namespace oracle {
 
 using P = TULO3D::Point3;
 
-/// The sign of ((b - a) x (c - a)) . (d - a), by integers only.
+/// The sign of ((b - a) x (c - a)) . (d - a), without rounding.
 int orientation(const P& a, const P& b, const P& c, const P& d);
 
 /// For a, b, c, d of positive orientation: 1 when q is inside their sphere, 0 on it, -1 outside.

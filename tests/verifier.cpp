@@ -64,18 +64,15 @@ public:
 	{
 		if (vVertices.empty()) return;
 		const Point3 &a = *vVertices[0], *pB = &a, *pC = nullptr;
-		// Off the line of a and b when some projection to two axes sees it, asked from the third one.
-		const auto isOff = [&](const Point3& p, double x, double y, double z) {
-			const auto flat = [=](const Point3& q) {
-				return Point3(q.x() * x, q.y() * y, q.z() * z);
-			};
-			return oracle::orientation(flat(a), flat(*pB), flat(p), Point3(1 - x, 1 - y, 1 - z)) !=
-			    0;
+		// Off the line of a and b when the three span a plane, in which some of these four points is not.
+		const Point3 apexes[] = {{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {0, 0, 1}};
+		const auto isOff = [&](const Point3& p) {
+			return std::any_of(std::begin(apexes), std::end(apexes),
+			    [&](const Point3& apex) { return oracle::orientation(a, *pB, p, apex) != 0; });
 		};
 		for (const Point3* p : vVertices) {
 			if (*pB == a) pB = p;
-			if (pC == nullptr && (isOff(*p, 0, 1, 1) || isOff(*p, 1, 0, 1) || isOff(*p, 1, 1, 0)))
-				pC = p;
+			if (pC == nullptr && isOff(*p)) pC = p;
 		}
 		for (const Point3* p : vVertices) {
 			expect(p->getOneTet() == nullptr, "a tetrahedron in a flat mesh");
