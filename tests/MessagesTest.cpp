@@ -126,40 +126,31 @@ const Stop kStops[] = {
 
 } // namespace
 
-TEST(Messages, AreLiteral)
+TEST(Messages, AreLiteralAndGoWhereTheirThreadHasChosen)
 {
 	for (const Line& line : kPrinted) {
-		Stage stage;
-		EXPECT_EQ(support::printedBy([&] { line.action(stage); }), line.text);
+		std::ostringstream chosen;
+		const auto printedWith = [&line](std::ostream* pStream) {
+			Stage stage;
+			return support::printedBy([&] {
+				const support::MessagesTo to(pStream);
+				line.action(stage);
+			});
+		};
+		EXPECT_EQ(printedWith(&std::cout), line.text);
+		EXPECT_EQ(printedWith(&chosen), "") << line.text;
+		EXPECT_EQ(chosen.str(), line.text);
+		EXPECT_EQ(printedWith(nullptr), "") << line.text;
 	}
 	for (const Line& line : kConditions) {
 		Stage stage;
 		EXPECT_EQ(support::conditionFailedBy([&] { line.action(stage); }), line.text);
 	}
 	EXPECT_EQ(std::string(kInfoLevel) + kInfoStart, ", INFO: INFO: ") << "reserved, never printed";
-}
-
-TEST(Messages, GoWhereTheirThreadHasChosen)
-{
-	for (const Line& line : kPrinted) {
-		Stage stage;
-		std::ostringstream chosen;
-		const auto actWith = [&](std::ostream* pStream) {
-			const support::MessagesTo to(pStream);
-			line.action(stage);
-		};
-		EXPECT_EQ(support::printedBy([&] { std::thread([&] { actWith(&chosen); }).join(); }), "");
-		EXPECT_EQ(chosen.str(), line.text);
-	}
 	const support::MessagesTo silence(nullptr);
-	for (const Line& line : kPrinted) {
-		Stage stage;
-		EXPECT_EQ(support::printedBy([&] { line.action(stage); }), "");
-	}
 	std::ostream* pElsewhere = nullptr;
 	std::thread([&] { pElsewhere = setMessageStream(nullptr); }).join();
 	EXPECT_EQ(pElsewhere, &std::cout);
-	EXPECT_EQ(setMessageStream(nullptr), nullptr);
 }
 
 TEST(Messages, OfATriangleGoToStandardErrorUnlessAStreamIsChosen)

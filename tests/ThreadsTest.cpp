@@ -47,19 +47,6 @@ void breakSmallMesh(const std::string& name)
 	setStopHandler(nullptr);
 }
 
-/// Lets the stopwatch, the counters and the generators run.
-void useInstruments(std::string name)
-{
-	timer(name);
-	std::string list = "GETCOUNTERS";
-	benchCounter(name);
-	timer(name);
-	const support::MessagesTo silence(nullptr); // all threads' counters
-	benchCounter(list);
-	std::vector<double> v;
-	for (const unsigned seed : {0U, 1U}) generateRandomNumbers(10, 0, 1, v, seed);
-}
-
 /// All that a host may do in a thread; the mesh of the larger part of it.
 support::CornerTuples work(std::size_t number, std::ostream& messages)
 {
@@ -73,7 +60,6 @@ support::CornerTuples work(std::size_t number, std::ostream& messages)
 	std::vector<Point3*> handles, vertices;
 	std::vector<Tet3*> tets, star;
 	mesh.insert(batch, handles);
-	useInstruments(name);
 	for (std::size_t i = cloud.size() - 300; i < cloud.size(); ++i)
 		handles.push_back(mesh.insert(cloud[i]));
 	breakSmallMesh(name);
@@ -148,7 +134,7 @@ TEST_F(Threads, ShareCountersNumbersAndColours)
 	std::vector<double> numbers[kNumThreads];
 	const std::size_t firstColor = colorIndex();
 	const std::function<void(std::size_t, std::size_t)> uses[] = {
-	    [&](std::size_t, std::size_t) { benchCounter(event); },
+	    [&](std::size_t, std::size_t) { benchCounter(event), benchCounter(list); },
 	    [&](std::size_t i, std::size_t) { timer(std::to_string(i)); },
 	    [&](std::size_t i, std::size_t n) { prefixes[i * kNumUses + n] = nextDebugFilePrefix(); },
 	    [&](std::size_t i, std::size_t) { generateRandomNumbers(1, 0, 1, numbers[i], 0); },
