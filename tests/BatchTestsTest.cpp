@@ -2,18 +2,12 @@
 // Every variant of the batched predicates against the oracle: decided signs are exact, and all variants
 // decide the same ones. T numbers the laws of ArdoTest3.h.
 #include "predicates/BatchTests.h"
-#include "Dt3.h"
 #include "geometry/TetIndices.h"
 #include "oracle.h"
 #include "points.h"
 #include "predicates/BatchTestsSimd.h"
-#include "support.h"
 
 #include <gtest/gtest.h>
-
-#include <algorithm>
-#include <array>
-#include <vector>
 
 using namespace TULO3D;
 
@@ -76,38 +70,4 @@ TEST(BatchTests, NoVariantDecidesAWrongSign)
 		}
 	}
 	for (const int n : numOf) EXPECT_GT(n, 1000);
-}
-
-TEST(BatchTests, EveryVariantMakesTheSameMesh)
-{
-	using Corners = std::array<double, 12>;
-	const auto meshOf = [](const points::Cloud& cloud, const BatchTests& tests) {
-		const support::Capture quiet;
-		Dt3 engine(nullptr, tests);
-		points::Cloud copy = cloud;
-		std::vector<Point3*> handles;
-		engine.insert(copy, handles);
-		for (const Point3& p : cloud) { // and by single insertions
-			Point3 beside(p.x() + 0.25, p.y() - 0.125, p.z() + 0.5);
-			engine.insert(beside);
-		}
-		std::vector<Tet3*> tets;
-		engine.getAllTetrahedra(tets);
-		std::vector<Corners> mesh;
-		for (const Tet3* pTet : tets) {
-			Corners& corners = mesh.emplace_back();
-			for (std::size_t i = 0; i < 12; i += 3) {
-				pTet->getCorner(static_cast<int>(i / 3))
-				    ->xyz(corners[i], corners[i + 1], corners[i + 2]);
-			}
-		}
-		std::sort(mesh.begin(), mesh.end());
-		return mesh;
-	};
-	if (avx2Tests() == nullptr) GTEST_SKIP() << "not on this CPU";
-	meshOf(points::make("Uniform", 10), kPortableTests); // takes the first box margin
-	for (const points::Family& family : points::families()) {
-		const points::Cloud cloud = family.make(200, 1);
-		EXPECT_EQ(meshOf(cloud, kPortableTests), meshOf(cloud, *avx2Tests())) << family.name;
-	}
 }
