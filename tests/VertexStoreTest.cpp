@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The vertex store: the curve by its laws, duplicates and order against plain references, and the
-// margins of the box.
+// The vertex store: duplicates and order against plain references, and the margins of the box.
 #include "HC3.h"
 #include "support.h"
 
@@ -79,24 +78,6 @@ struct Store : HC3
 };
 
 } // namespace
-
-TEST(VertexStore, CurveVisitsEveryCellOnceAndStepsFromCellToNeighbour)
-{
-	const Store store(Point3(0, 0, 0), Point3(16, 16, 16));
-	std::map<unsigned, Point3> cells; // by the first four digits
-	for (int i = 0; i < 4096; ++i) {
-		const Point3 centre(i / 256 + 0.5, i / 16 % 16 + 0.5, i % 16 + 0.5);
-		cells.emplace(store.hilbertIndex(centre) >> 15U, centre);
-	}
-	ASSERT_EQ(cells.size(), 4096U);
-	EXPECT_EQ(cells.rbegin()->first, 4095U);
-	for (auto it = cells.begin(), itNext = std::next(it); itNext != cells.end(); ++it, ++itNext) {
-		const Vector3 step = itNext->second - it->second;
-		ASSERT_EQ(std::fabs(step.x()) + std::fabs(step.y()) + std::fabs(step.z()), 1);
-	}
-	EXPECT_EQ(store.hilbertIndex(Point3(0, 0, 0)), 0U);
-	EXPECT_EQ(store.hilbertIndex(Point3(99, 99, 99)), store.hilbertIndex(Point3(16, 16, 16)));
-}
 
 TEST(VertexStore, KeysCompareEveryAxisWithTheHalfWidthInX)
 {
