@@ -175,12 +175,14 @@ TEST(Messages, OfATriangleGoToStandardErrorUnlessAStreamIsChosen)
 
 TEST(MessagesDeathTest, DrawingsOfAProcessAreNumberedFromZero)
 {
-	const auto prefixAfter = [](int number) {
-		for (int i = 0; i < number; ++i) nextDebugFilePrefix();
+	testing::FLAGS_gtest_death_test_style = "threadsafe"; // a process that has done nothing before
+	const auto printPrefixes = [] {
+		std::cerr << nextDebugFilePrefix() << nextDebugFilePrefix();
+		for (int i = 0; i < 99998; ++i) nextDebugFilePrefix();
 		std::cerr << nextDebugFilePrefix();
+		std::exit(0);
 	};
-	EXPECT_FRESH_PROCESS_PRINTS(prefixAfter(0); prefixAfter(0);
-	                            prefixAfter(99998), "00000_00001_100000_$");
+	EXPECT_EXIT(printPrefixes(), testing::ExitedWithCode(0), "00000_00001_100000_$");
 }
 
 TEST(Messages, AFailedConditionNamesItselfAndItsPlaceAndThrows)

@@ -260,18 +260,3 @@ TEST(Predicates, SignsAreExactWhateverUnderflows)
 	}
 	EXPECT_TRUE(numOf[0] > 200 && numOf[1] > 200 && numOf[2] > 200);
 }
-
-TEST(Predicates, SignsFollowTheStatedConventions)
-{
-	const ArdoTest3 test;
-	const Loose t({Point3(0, 0, 0), Point3(1, 0, 0), Point3(0, 1, 0), Point3(0, 0, 1)});
-	const Point3 beyond[] = {{1, 1, 1}, {-1, 0, 0}, {0, -1, 0}, {0, 0, -1}},
-	             inside(0.25, 0.25, 0.25);
-	for (int i = 0; i < 4; ++i) { // O4
-		EXPECT_EQ(test.getOrientation3(&t.tet, i, t.tet.getCorner(i)), ORIENTATION3_POSITIVE);
-		EXPECT_EQ(test.getOrientation3(&t.tet, i, &inside), ORIENTATION3_POSITIVE);
-		EXPECT_EQ(test.getOrientation3(&t.tet, i, &beyond[i]), ORIENTATION3_NEGATIVE);
-		EXPECT_EQ(
-		    test.getOrientation3(&t.tet, i, t.tet.getCorner((i + 1) % 4)), ORIENTATION3_COPLANAR);
-	}
-}

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The vertex store: duplicates and order against plain references, and the margins of the box.
+// The vertex store: duplicates and order against plain references.
 #include "HC3.h"
 #include "support.h"
 
@@ -17,13 +17,6 @@ namespace {
 /// A store with short ways to fill it, beside a plain map fed with the same points.
 struct Store : HC3
 {
-	Store() = default;
-	Store(const Point3& low, const Point3& high) // a box without a margin
-	{
-		bbox = Bbox3({low, high});
-		rebuildKeys();
-	}
-
 	Tet3* single(const Point3& p)
 	{
 		Tet3* pStart = nullptr;
@@ -79,16 +72,6 @@ struct Store : HC3
 
 } // namespace
 
-TEST(VertexStore, KeysCompareEveryAxisWithTheHalfWidthInX)
-{
-	// Deliberate. In a box 1 wide and 4 high, y = 0.5 counts as the upper half.
-	const Store store(Point3(0, 0, 0), Point3(1, 4, 1));
-	const auto octant = [&](double y) { return store.hilbertIndex(Point3(0, y, 0)) >> 24U; };
-	EXPECT_EQ(octant(0.5), octant(3));
-	EXPECT_NE(octant(0.5), octant(0.49));
-	EXPECT_EQ(store.hilbertIndex(Point3(0, 0.6, 0)), store.hilbertIndex(Point3(0, 1.9, 0)));
-}
-
 TEST(VertexStore, MergesDuplicatesAndOrdersLikeASet)
 {
 	points::Random random(5);
@@ -140,29 +123,4 @@ TEST(VertexStore, OffersTheNearestTetrahedronAlongTheCurve)
 		ASSERT_EQ(store.single(*listed[i]),
 		    pOwn != nullptr ? pOwn : listed[i == 0 ? 1 : i - 1]->getOneTet());
 	}
-}
-
-TEST(VertexStoreDeathTest, AMovedBoxGetsItsWholeSizeAsMarginButATenthForTheFirstBatch)
-{
-	const auto insertAll = [] {
-		Store store, other;
-		const auto expectBox = [](const Store& s) {
-			std::cerr << s.bbox.getMinX() << ".." << s.bbox.getMaxX() << " ";
-			if (s.extentX != s.bbox.getRangeX()) std::cerr << "extent " << s.extentX;
-		};
-		const Point3 unmoved(1, 1, 2);
-		for (const Point3& p : {Point3(0, 0, 0), Point3(2, 4, 8), Point3(3, 5, 9), unmoved}) {
-			store.single(p);
-			expectBox(store);
-		}
-		for (const Cloud& batch : {Cloud{unmoved, Point3(-1, 0, 0)}, Cloud{Point3(19, 1, 1)},
-		         Cloud{Point3(20, 1, 1)}, Cloud{Point3(-3, 1, 1), unmoved}}) {
-			store.batch(batch);
-			expectBox(store);
-		}
-		other.batch({Point3(0, 0, 0), Point3(2, 2, 2)});
-		expectBox(other);
-	};
-	EXPECT_FRESH_PROCESS_PRINTS(
-	    insertAll(), "^0..0 -1..3 -1..3 -1..3 -1..3 -2..20 -2..20 -14.5..31.5 -1..3 $");
 }

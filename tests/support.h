@@ -83,17 +83,6 @@ void loudly(F f)
 	f();
 }
 
-/// For what is counted over the life of a process: expects `text`, a regular expression, in what
-/// `statement` prints in a process that has done nothing before. Must come first in its test.
-#define EXPECT_FRESH_PROCESS_PRINTS(statement, text) \
-  testing::FLAGS_gtest_death_test_style = "threadsafe"; /* until the end of the test */ \
-  EXPECT_EXIT( \
-	  { \
-	  statement; \
-	  std::exit(0); \
-	  }, \
-	  testing::ExitedWithCode(0), text)
-
 /// A mesh without its addresses: the corners of its tetrahedra by their places in the listing.
 using CornerTuples = std::vector<std::array<std::size_t, 4>>;
 
