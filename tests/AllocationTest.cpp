@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Out of memory at each allocation in turn: the documented stop or std::bad_alloc, and then a mesh that
 // refuses every call. The linker redirects all calls of the library to the functions below.
-#include "ardo_tools/SimplePool.h"
 #include "support.h"
 
 #include <atomic>
@@ -17,7 +16,6 @@ namespace {
 int numUntilFailure = -1; // none fails
 bool bForGood = false;
 bool bHasFailed = false;         // at least one of the present call
-bool bMallocFails = true;        // too, not only operator new
 std::atomic<long> numBlocks = 0; // allocated less freed
 
 bool fails()
@@ -132,38 +130,6 @@ std::vector<std::function<void(Tulo_3D&)>> laterCalls(Point3* pVtx)
 	    [](Tulo_3D& m) { m.copyTo({}); }};
 }
 
-/// Takes records until the n-th allocation for the pool's own lists fails, and then some more; true
-/// when one failed. A block of one record each.
-bool poolGoesOn(int n)
-{
-	SimplePool<double> pool;
-	std::vector<double*> records;
-	records.reserve(40);
-	const auto take = [&] {
-		if (!pool.initialized) pool.init(1, 1, 1);
-		while (records.size() < records.capacity()) records.push_back(pool.alloc());
-	};
-	const auto sumOfUsed = [&pool] {
-		std::size_t sum = 0;
-		for (const auto& [pFirst, count] : pool.usedBlocks()) sum += count;
-		return sum;
-	};
-	numUntilFailure = n;
-	bool bFailed = false;
-	try {
-		take();
-	} catch (const std::bad_alloc&) {
-		bFailed = true;
-		EXPECT_TRUE(pool.vSizes.size() == pool.blockList.size());
-		EXPECT_EQ(sumOfUsed(), records.size());
-	}
-	numUntilFailure = -1;
-	take();
-	EXPECT_EQ(sumOfUsed(), records.size());
-	EXPECT_EQ(std::set<double*>(records.begin(), records.end()).size(), records.size());
-	return bFailed;
-}
-
 } // namespace
 
 // clang-format off
@@ -177,7 +143,7 @@ void __real__ZdlPv(void* pBlock);
 void __real__ZdlPvm(void* pBlock, std::size_t size);
 void __real__ZdaPv(void* pBlock);
 void __real__ZdaPvm(void* pBlock, std::size_t size);
-void* __wrap_malloc(std::size_t size) { return bMallocFails && fails() ? nullptr : counted(__real_malloc(size)); }
+void* __wrap_malloc(std::size_t size) { return fails() ? nullptr : counted(__real_malloc(size)); }
 void* __wrap__Znwm(std::size_t size) { return fails() ? throw std::bad_alloc() : counted(__real__Znwm(size)); }
 void* __wrap__ZnwmRKSt9nothrow_t(std::size_t size, const std::nothrow_t& tag) { return fails() ? nullptr : counted(__real__ZnwmRKSt9nothrow_t(size, tag)); }
 void* __wrap__Znam(std::size_t size) { return fails() ? throw std::bad_alloc() : counted(__real__Znam(size)); }
@@ -188,27 +154,6 @@ void __wrap__ZdaPv(void* pBlock) { uncount(pBlock); __real__ZdaPv(pBlock); }
 void __wrap__ZdaPvm(void* pBlock, std::size_t size) { uncount(pBlock); __real__ZdaPvm(pBlock, size); }
 }
 // clang-format on
-
-TEST(AllocationDeathTest, AFailureIsTheDocumentedStopOrBadAlloc)
-{
-	const auto work = [](int n) {
-		Cloud cloud = points::make("Lattice", 125);
-		const bool bMade = succeeds(n, false, [&] { Tulo_3D().insert(cloud); });
-		std::cerr << (bMade ? "done" : "bad_alloc") << std::endl;
-		std::exit(bMade ? 0 : 7);
-	};
-	int numEnds[8] = {};
-	for (int n = 0; n < 60; ++n) {
-		const auto ended = [&numEnds](int status) {
-			const int code = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-			if (code == 0 || code == 1 || code == 7) ++numEnds[code];
-			return code == 0 || code == 1 || code == 7;
-		};
-		EXPECT_EXIT(support::loudly([&] { work(n); }), ended,
-		    "SimplePool::alloc\\(..\\), ERROR: Out of memory, sorry|bad_alloc|done");
-	}
-	EXPECT_TRUE(numEnds[1] > 2 && numEnds[7] > 20) << numEnds[1] << " " << numEnds[7];
-}
 
 TEST(Allocation, AMeshWhoseInsertionWasCutShortSaysSoAndLosesNoMemory)
 {
@@ -269,15 +214,4 @@ TEST(Allocation, AMeshWhoseInsertionWasCutShortSaysSoAndLosesNoMemory)
 	setStopHandler(nullptr);
 	EXPECT_TRUE(numStops > 20 && numBroken > 1000 && numWhole >= 11)
 	    << numStops << " " << numBroken << " " << numWhole;
-}
-
-TEST(Allocation, APoolThatCannotNoteABlockLosesNothingAndGoesOn)
-{
-	const long numBefore = numBlocks.load();
-	bMallocFails = false;
-	int n = 0;
-	while (poolGoesOn(n)) ++n;
-	bMallocFails = true;
-	EXPECT_GT(n, 8);
-	EXPECT_EQ(numBlocks.load(), numBefore);
 }
