@@ -32,6 +32,7 @@ TEST(BatchTests, NoVariantDecidesAWrongSign)
 				const double scale = bUnderflow ? scales[round % 6] : 1;
 				p[k].exchange(scale * p[k].x(), scale * p[k].y(), scale * p[k].z());
 			}
+			if (bUnderflow && round % 5 == 0) p[round % 4 + 4] = Point3(1e60, 3e59, -1e60);
 			const NeighbourBatch batch = {
 			    {&p[0], &p[1], &p[2], &p[3]}, {&p[4], &p[5], &p[6], &p[7]}};
 			const bool bFirstStage = bUnderflow && round % 4 < 2;

@@ -259,4 +259,11 @@ TEST(Predicates, SignsAreExactWhateverUnderflows)
 		    << "T5";
 	}
 	EXPECT_TRUE(numOf[0] > 200 && numOf[1] > 200 && numOf[2] > 200);
+
+	// Half of the least number would be none.
+	const double least = DBL_TRUE_MIN;
+	const Loose widest({Point3(0, 0, 0), Point3(least, 0, 0), Point3(0, least, 0),
+	    Point3(0, 0, kMaxCoordinate)});
+	const Point3 onSphere(least, least, 0);
+	EXPECT_EQ(test.sphereInclusionTest(&widest.tet, &onSphere), SIC_OUTSIDE);
 }
