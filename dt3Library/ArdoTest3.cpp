@@ -14,8 +14,9 @@ ArdoTest3::FastStage ArdoTest3::insphereFast(
 	    lifted(filterRow(d, e)));
 }
 
-ArdoTest3::FastStage ArdoTest3::filtered(const SphereRow<Entry, WithMagnitude>& a, const SphereRow<Entry, WithMagnitude>& b,
-    const SphereRow<Entry, WithMagnitude>& c, const SphereRow<Entry, WithMagnitude>& d) const
+ArdoTest3::FastStage ArdoTest3::filtered(const SphereRow<Entry, WithMagnitude>& a,
+    const SphereRow<Entry, WithMagnitude>& b, const SphereRow<Entry, WithMagnitude>& c,
+    const SphereRow<Entry, WithMagnitude>& d) const
 {
 	const WithMagnitude det = sphereDeterminant(a, b, c, d).det;
 	return {det.value, isperrboundA * det.magnitude + kLostInInsphere, det.magnitude};
@@ -83,7 +84,8 @@ SphereInclusion ArdoTest3::inclusionInDoubt(const Point3& a, const Point3& b, co
 		const bool bInside = bAtCorner || insphereSignDespiteUnderflow(a, b, c, d, q) < 0;
 		return bInside ? SIC_INSIDE : SIC_OUTSIDE;
 	}
-	if (permanent == 0.0) return SIC_INSIDE; // S3: with the coordinates of a corner every product is zero
+	if (permanent == 0.0)
+		return SIC_INSIDE; // S3: with the coordinates of a corner every product is zero
 	// Deliberate, S2: the code 2 of an exact zero counts as outside.
 	return insphereAdapt(*this, a, b, c, d, q, permanent) > 0 ? SIC_OUTSIDE : SIC_INSIDE;
 }

@@ -60,7 +60,7 @@ enum Orientation3 {
 	ORIENTATION3_COPLANAR = 2
 };
 
-/// SIC_VERTEX is reserved: a query that is a corner makes all products zero, so the fast stage is certain.
+/// SIC_VERTEX is reserved and never returned: a corner counts as inside (S3).
 enum SphereInclusion { SIC_INSIDE = 0, SIC_OUTSIDE = 1, SIC_VERTEX = 2 };
 
 /// Exact orientation and in-sphere tests, by the laws above. The object carries the machine constants.
@@ -108,14 +108,15 @@ private:
 		return {{p.x() - origin.x()}, {p.y() - origin.y()}, {p.z() - origin.z()}};
 	}
 	/// The filter of the in-sphere test, from its rows.
-	FastStage filtered(const SphereRow<Entry, WithMagnitude>& a, const SphereRow<Entry, WithMagnitude>& b,
-	    const SphereRow<Entry, WithMagnitude>& c, const SphereRow<Entry, WithMagnitude>& d) const;
+	FastStage filtered(const SphereRow<Entry, WithMagnitude>& a,
+	    const SphereRow<Entry, WithMagnitude>& b, const SphereRow<Entry, WithMagnitude>& c,
+	    const SphereRow<Entry, WithMagnitude>& d) const;
 	Orientation3 orientationInDoubt(
 	    const Point3& a, const Point3& b, const Point3& c, const Point3& d, double permanent) const;
 	Orientation3 exactOrientation(
 	    const Point3& a, const Point3& b, const Point3& c, const Point3& d, double permanent) const;
-	SphereInclusion inclusion(const Point3& a, const Point3& b, const Point3& c, const Point3& d,
-	    const Point3& q) const;
+	SphereInclusion inclusion(
+	    const Point3& a, const Point3& b, const Point3& c, const Point3& d, const Point3& q) const;
 	SphereInclusion inclusionInDoubt(const Point3& a, const Point3& b, const Point3& c,
 	    const Point3& d, const Point3& q, double permanent) const;
 };
@@ -131,7 +132,7 @@ inline ArdoTest3::FastStage ArdoTest3::orient3dFast(
 inline Orientation3 ArdoTest3::getOrientation3(
     const Point3* a, const Point3* b, const Point3* c, const Point3* d) const
 {
-	const FastStage fast = orient3dFast(*a, *b, *c, *d);
+	const FastStage fast = orient3dFast(*a, *b, *c, *d); // of the rows as seen from d: -D of law O1
 	if (!fast.bCertain()) return orientationInDoubt(*a, *b, *c, *d, fast.permanent);
 	if (fast.det < 0.0) return ORIENTATION3_POSITIVE;
 	return fast.det > 0.0 ? ORIENTATION3_NEGATIVE : ORIENTATION3_COPLANAR;

@@ -150,7 +150,8 @@ public:
 
 	// Dt3Link.cpp: create, recycle and link tetrahedra -------------------------------------------
 
-	/// A new tetrahedron without neighbours. Corners in negative order throw; coplanar ones are reported only.
+	/// A new tetrahedron without neighbours. Corners in negative order throw. Coplanar ones, which
+	/// no search makes, are reported only.
 	Tet3* createTet(Point3* p0, Point3* p1, Point3* p2, Point3* p3);
 
 	/// A new tetrahedron over facet ith of pTet: pVtx as corner 0, the facet as its facet 0.
@@ -209,7 +210,7 @@ public:
 	SimplePool<TwoTetStruct> twoTetPool;
 	SimplePool<Tet3> tetPool;
 	ScratchArray<Tet3*>
-	    vDeadTets; ///< removed by the current insertion, behind those that the last one left
+	    vDeadTets; ///< removed by the current insertion, after those that the last one left
 	ScratchArray<Tet3*> vRecycledTets;          ///< free for reuse
 	std::vector<TwoTetStruct*> vTwoTetSlots;    ///< pending facet halves by their hash
 	std::vector<TwoTetStruct*> vHashCollisions; ///< pending halves whose slot was taken

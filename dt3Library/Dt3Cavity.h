@@ -21,7 +21,7 @@ struct CavityFacet
 {
 	Tet3* pTet;        ///< in the cavity
 	unsigned ith;      ///< the index of the facet
-	unsigned positive; ///< Surroundings::positive of pTet
+	unsigned positive; ///< Surroundings::positive of pTet, of which bit ith counts
 };
 
 /// The tetrahedra in conflict with the vertex being inserted, found by one search from those that have joined.
@@ -44,21 +44,22 @@ public:
 	void join(Tet3* pTet);
 
 	/// The order in which the facets of a tetrahedron of the cavity are visited: descending inside the hull,
-	/// ascending at it. The set of tetrahedra does not depend on it; labels and the reuse of records do.
+	/// ascending at it. The set of tetrahedra does not depend on it. Labels and the reuse of records do, and hosts
+	/// may have recorded them: this alone is why there are two orders.
 	enum class FacetOrder { kAscending, kDescending };
 
 	/// Finds the tetrahedra in conflict with vtx, which are connected with those that have joined.
 	template <FacetOrder order>
 	void carve(const Point3& vtx);
 
-	/// Takes over a cavity that is known already: no in-sphere test, the same order as from its first tetrahedron
-	/// in descending order.
+	/// Takes over a cavity that is known already, without in-sphere tests: the tetrahedra die in the order in which
+	/// a search in descending order from the first of them would find them.
 	void carve(const Reservation& reservation);
 
 	/// The cavity boundary, complete when the search is.
 	const ScratchArray<CavityFacet>& facets() const { return vFacets; }
 
-	/// Marks a record as dead: visited, custom index -1, no reservations.
+	/// Marks a record that is in the list of dead ones: visited, custom index -1, no reservations.
 	void retire(Tet3* pTet)
 	{
 		pTet->hasBeenVisited =

@@ -43,9 +43,10 @@ Tet3* Dt3::insertAtHull(Point3** ppVtx, Tet3* pCurTet, int outIndex)
 	beginCavity();
 	const std::size_t numDead = vDeadTets.size(); // records that the last insertion has not reused
 	for (Tet3* pTet : vInConflict) cavity.join(pTet);
-	// From the visible tetrahedra the search finds all in conflict: a segment from any of these to the vertex
-	// crosses nothing else until it leaves the hull, because from each tetrahedron to the next the power of the
-	// vertex with respect to the circumsphere does not grow.
+	// From the visible tetrahedra the search finds all in conflict. Take a segment from inside a tetrahedron in
+	// conflict to the vertex: from each tetrahedron to the next the power of the vertex with respect to the
+	// circumsphere does not grow, so the segment crosses only tetrahedra in conflict. It leaves the hull through a
+	// visible facet, whose tetrahedron has joined above.
 	cavity.carve<Cavity::FacetOrder::kAscending>(*pVtx);
 	// Not by cavity.facets(): the new tetrahedra come in the order in which the doomed ones were found, which
 	// decides their labels and records.
@@ -104,6 +105,8 @@ Tet3* Dt3::createConeTets(const std::vector<Tet3*>& vCHTets, Point3* pVtx)
 		CONDITION_CHECK(!pCHTet->hasBeenVisited);
 		for (int i = 0; i < 4; ++i) {
 			if (pCHTet->getOppTet(i) != nullptr) continue;
+			// A facet in whose plane the vertex lies is not visible. (The sphere of its tetrahedron contains the whole
+			// facet: if the vertex is in it, the tetrahedron is in conflict and not among these.)
 			const Orientation3 orient = predicates.getOrientation3(pCHTet, i, pVtx);
 			if (orient == ORIENTATION3_POSITIVE || orient == ORIENTATION3_COPLANAR) continue;
 			CONDITION_CHECK(orient==ORIENTATION3_NEGATIVE);
@@ -129,6 +132,7 @@ Tet3* Dt3::retriangulateDoomedTets(const std::vector<Tet3*>& vDoomedTets, Point3
 		for (int i = 0; i < 4; ++i) {
 			Tet3* pOppTet = pDoomedTet->getOppTet(i);
 			if (pOppTet != nullptr && CavityMark::isSet(*pOppTet)) continue;
+			// Only a hull facet may fail: one that the vertex sees, or in whose plane it lies, disappears.
 			if (predicates.getOrientation3(pDoomedTet, i, pVtx) != ORIENTATION3_POSITIVE) continue;
 			pNewTet = closeFacet({pDoomedTet, static_cast<unsigned>(i), 1U << i}, pVtx);
 			CONDITION_CHECK(pNewTet!=0);

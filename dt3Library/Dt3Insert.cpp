@@ -182,6 +182,7 @@ void Dt3::insertStored(std::vector<Point3*>& vNewVertices, std::size_t numPoints
 		vNewVertices.clear();
 		hc3.getVertices(vNewVertices);
 	}
+	// The corners of the first tetrahedron are among these: the walk to each ends at itself.
 	triangulate(vNewVertices, pFirstTet);
 }
 

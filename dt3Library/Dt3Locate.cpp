@@ -12,7 +12,7 @@ constexpr std::size_t kFacetTestsOfAShortWalk = 64;
 /// The result as locateConflictTet has it: inner facets and edges count as inside.
 int publicResult(int end)
 {
-	return end == Walk::kInInnerPlane ? Walk::kInside : end;
+	return end == Walk::kOnInnerFacetOrEdge ? Walk::kInside : end;
 }
 
 } // namespace

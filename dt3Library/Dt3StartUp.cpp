@@ -47,7 +47,7 @@ Tet3* Dt3::startUp()
 
 	// A, B, C, D become the first four vertices that are not coplanar, in the lexicographic order of their
 	// positions. A and B are the first two of the listing: if any four vertices span space, then A and B,
-	// being distinct, are among such four. C is the first vertex off the line AB, D the first one behind C
+	// being distinct, are among such four. C is the first vertex off the line AB, D the first one after C
 	// off the plane ABC: all vertices between C and D lie in that plane. So one pass suffices.
 	const VertexOrder& items = hc3.items;
 	if (items.size() < 4) return nullptr;

@@ -30,7 +30,7 @@ unsigned cyclicRun(int f, int count)
 
 int Walk::run(const Point3& target, Tet3*& pTet, std::size_t maxFacetTests)
 {
-	int f = 0;        // the facet to test next
+	int f = 0;         // the facet to test next
 	int numToTest = 4; // facets of this tetrahedron
 	const std::size_t lastTest = numFacetTests + maxFacetTests;
 	for (;;) {
@@ -67,7 +67,8 @@ int Walk::stopEarly(Tet3*& pTet, std::size_t maxFacetTests)
 
 int Walk::stopInside(const Tet3* pStartTet, const FacetSides& sides, const Point3* pVtx) const
 {
-	// The walk has just made these tests; a walk that ends otherwise would be a defect.
+	// The walk has just made the first four tests. A vertex strictly inside a tetrahedron and outside of its sphere
+	// would be a defect.
 	const auto isPositive = [&sides](int i) { return (sides.positive >> i & 1U) != 0; };
 	CONDITION_CHECK_AS(
 	    isPositive(0), "predicates.getOrientation3(pStartTet,0,pVtx)==ORIENTATION3_POSITIVE");
@@ -112,7 +113,7 @@ int Walk::stopInPlane(Tet3*& pTet, int f, const FacetSides& sides, const Point3&
 		(bPositive ? numPositive : numCoplanar) += 1;
 		if (!bPositive && i != f) opp2ICI = i;
 	}
-	if (numPositive == 3) return pTet->getOppTet(f) == nullptr ? f : kInInnerPlane;
+	if (numPositive == 3) return pTet->getOppTet(f) == nullptr ? f : kOnInnerFacetOrEdge;
 	CONDITION_CHECK_AS(numPositive == 2, "numPositive==2");
 	CONDITION_CHECK_AS(numCoplanar == 2, "numCoplanar==2");
 	CONDITION_CHECK_AS(opp2ICI >= 0, "opp2ICI>=0");
@@ -125,7 +126,7 @@ int Walk::stopAtEdge(Tet3*& pTet, int f, int opp2ICI) const
 	TetAroundEdgeIterator it(itStart);
 	while (!it.nextIsNull()) {
 		++it;
-		if (it == itStart) return kInInnerPlane; // an inner edge
+		if (it == itStart) return kOnInnerFacetOrEdge; // an inner edge
 	}
 	pTet = *it;
 	const int outIndex = it.getOpp2Index();

@@ -23,9 +23,8 @@ public:
 	static constexpr int kInside =
 	    -1; ///< strictly inside, beyond no facet and in the plane of none
 	static constexpr int kAtCorner = -2;
-	static constexpr int kInInnerPlane = -3; ///< in an inner facet or on an inner edge
-	static constexpr int kTooLong =
-	    -98; ///< more tests than asked for, fewer than stop the watchdog
+	static constexpr int kOnInnerFacetOrEdge = -3;
+	static constexpr int kTooLong = -98; ///< a limit below the watchdog's was reached
 	static constexpr int kByWatchdog = -99;
 
 	/// After so many facet tests the watchdog stops a walk.
@@ -50,12 +49,12 @@ private:
 	int stopInside(const Tet3* pTet, const FacetSides& sides, const Point3* pVtx) const;
 	/// The end of a walk in the plane of facet f, beyond no facet.
 	int stopInPlane(Tet3*& pTet, int f, const FacetSides& sides, const Point3& target) const;
-	/// Circulates around the edge that avoids f and opp2ICI: an inner edge, or the hull facet at the end, and
-	/// pTet becomes its owner.
+	/// Circulates around the edge that avoids f and opp2ICI: an inner edge, or one on the hull; then the result is
+	/// the hull facet at the end, and pTet becomes the tetrahedron of that facet.
 	int stopAtEdge(Tet3*& pTet, int f, int opp2ICI) const;
-	/// On which sides of the facets the target lies, exactly: in the plane where both are clear. Of the four facets
-	/// in cyclic order from f, it is known to lie on the inner side of those behind the first numToTest; behind one
-	/// that has it beyond, both may be clear because nothing depends on them.
+	/// On which sides of the facets the target lies, exactly: in the plane where both are clear. In cyclic order
+	/// from f, the facets after the first numToTest are known to have it on their inner side; after one that has the
+	/// target beyond it, both bits may be clear, because nothing depends on them.
 	FacetSides sidesOf(const Tet3& tet, const Point3& target, int f, int numToTest) const;
 
 	const BatchTests& tests;

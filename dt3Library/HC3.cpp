@@ -101,7 +101,7 @@ Point3* HC3::insertPoint(const Point3& point, Tet3*& pStartTet)
 	Point3* pVtx = (*at)->pVtx;
 	pStartTet = pVtx->getOneTet();
 	if (pStartTet != nullptr) return pVtx;
-	// Deliberate: the vertex before it, where findNearbyTet takes the one behind. The start decides in which of
+	// Deliberate: the vertex before it, where findNearbyTet takes the one after it. The start decides in which of
 	// several tetrahedra a walk ends, and so the order in which new ones are made.
 	if (at != items.begin()) {
 		pStartTet = (*std::prev(at))->pVtx->getOneTet();
@@ -118,8 +118,8 @@ Tet3* HC3::findNearbyTet(const Point3& point) const
 		return pItem->pVtx->getOneTet() != nullptr;
 	};
 	const auto found = items.lowerBound({hilbertIndex(point), nullptr});
-	const auto behind = std::find_if(found, items.end(), isInMesh);
-	if (behind != items.end()) return (*behind)->pVtx->getOneTet();
+	const auto after = std::find_if(found, items.end(), isInMesh);
+	if (after != items.end()) return (*after)->pVtx->getOneTet();
 	for (auto at = found; at != items.begin();) {
 		if (isInMesh(*--at)) return (*at)->pVtx->getOneTet();
 	}

@@ -40,8 +40,8 @@ public:
 	void insertPoints(const std::vector<Point3>& vPoints, std::vector<Point3*>& vUserHandles,
 	    std::vector<Point3*>& vNewVertices, const std::function<void()>& poll = nullptr);
 
-	/// The tetrahedron of the first vertex from `point` on along the curve that is in the mesh, else of the
-	/// last one before; null when no vertex is in the mesh.
+	/// The tetrahedron of the first vertex in the mesh from the curve's cell of `point` on, else of the last one
+	/// before that cell; null when no vertex is in the mesh.
 	Tet3* findNearbyTet(const Point3& point) const;
 
 	/// `pTet`, or a tetrahedron of a vertex that is nearer to `point` than corner 0 of `pTet`, among the

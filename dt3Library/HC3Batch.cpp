@@ -192,12 +192,12 @@ void HC3::insertCell(std::uint32_t key, Batch& batch)
 
 	// Deliberate: within a cell, new vertices are made and inserted in input order, while their items are
 	// sorted by coordinates. Both orders determine the mesh and its listing.
-	std::vector<std::uint32_t>& vNewByInput = batch.vCell;
-	if (batch.vNewByCoordinates.size() < batch.vCell.size()) {
-		vNewByInput = batch.vNewByCoordinates;
-		std::sort(vNewByInput.begin(), vNewByInput.end());
+	if (batch.vNewByCoordinates.size() <
+	    batch.vCell.size()) { // the new ones alone, in input order again
+		batch.vCell.assign(batch.vNewByCoordinates.begin(), batch.vNewByCoordinates.end());
+		std::sort(batch.vCell.begin(), batch.vCell.end());
 	}
-	for (const std::uint32_t position : vNewByInput) batch.create(*this, position);
+	for (const std::uint32_t position : batch.vCell) batch.create(*this, position);
 	for (const std::uint32_t position : batch.vNewByCoordinates) {
 		batch.newItems.append(createItem(key, batch.vUserHandles[position]));
 	}

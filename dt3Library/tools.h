@@ -76,7 +76,8 @@ private:
   (static_cast<bool>(condition) ? static_cast<void>(0) \
 	                            : ::TULO3D::failCondition(#condition, __FILE__, __LINE__))
 
-/// The same where the printed text is not the code's.
+/// The same where the printed text is not the code's: texts are interface, and keep the names with which hosts have
+/// come to know them.
 #define CONDITION_CHECK_AS(condition, text) \
   (static_cast<bool>(condition) ? static_cast<void>(0) \
 	                            : ::TULO3D::failCondition(text, __FILE__, __LINE__))

@@ -25,9 +25,9 @@ CavityQueue::~CavityQueue()
 void CavityQueue::fill()
 {
 	// In passes over all vertices: each pass prefetches what the next one reads.
-	Walk walks[kSize];
+	QueuedWalk walks[kSize];
 	for (numQueued = 0; numQueued < kSize && !ahead.isAtEnd(); ++numQueued, ++ahead) {
-		Walk& walk = walks[numQueued];
+		QueuedWalk& walk = walks[numQueued];
 		walk.place = numQueued;
 		walk.position = *ahead;
 		walk.pVtx = &starts.vertex(walk.position);
@@ -61,7 +61,7 @@ void CavityQueue::fill()
 	search.run(reservations, numQueued, tests, predicates);
 }
 
-bool CavityQueue::start(Walk& walk)
+bool CavityQueue::start(QueuedWalk& walk)
 {
 	const auto distance = [&walk](const Point3* p) {
 		return p == nullptr ? DBL_MAX : squaredDistance(*walk.pVtx, *p);
@@ -72,7 +72,7 @@ bool CavityQueue::start(Walk& walk)
 	return walk.pTet != nullptr;
 }
 
-bool CavityQueue::takeStep(Walk& walk)
+bool CavityQueue::takeStep(QueuedWalk& walk)
 {
 	// No watchdog: a speculative walk may simply end. Among cospherical vertices, where the Delaunay mesh is
 	// not unique, a visibility walk may run in a cycle.

@@ -47,7 +47,7 @@ private:
 	static constexpr std::size_t kTrial = 1024;
 
 	/// A walk to the tetrahedron that contains a vertex.
-	struct Walk
+	struct QueuedWalk
 	{
 		std::size_t place = 0;    // in the queue
 		std::size_t position = 0; // of the vertex in the batch
@@ -60,9 +60,9 @@ private:
 
 	void fill();
 	/// False when there is nowhere to start.
-	static bool start(Walk& walk);
+	static bool start(QueuedWalk& walk);
 	/// To the next tetrahedron; false when the walk has ended, at its vertex or not.
-	bool takeStep(Walk& walk);
+	bool takeStep(QueuedWalk& walk);
 
 	const WalkStart& starts;
 	const BatchTests& tests;

@@ -1,16 +1,18 @@
 // SPDX-License-Identifier: MIT
 // The order in which the vertices of a batch enter the mesh.
 #include "lookahead/InsertionOrder.h"
-
-#include <cmath>
+#include "ardo_tools/Bits.h"
 
 namespace TULO3D {
 
 InsertionOrder::InsertionOrder(std::uint32_t n) : numVertices(n)
 {
+	// The logarithm of n to base 2, rounded up. Deliberate: that of 2^29 is 30, since a quotient of logarithms in
+	// doubles makes it so, which the order was once defined by.
+	unsigned halvings = n > 1 ? highestBit(n - 1) + 1 : 0;
+	if (n == 1U << 29U) halvings = 30;
 	// Runs of seven to sixteen vertices are left between neighbouring middles for the last round.
-	const double halvings = std::ceil(std::log(static_cast<double>(n)) / std::log(2.0));
-	if (halvings > 4.0) lastDepth = static_cast<unsigned>(halvings - 4.0);
+	if (halvings > 4) lastDepth = halvings - 4;
 	if (n == 0) depth = 1; // at the end
 	findRun();
 }

@@ -36,12 +36,13 @@ namespace TULO3D {
 /// for each half: whether it is the first or the second.
 ///
 /// The rows are found without a search, too: while a star is being linked, the `pOneTet` of each vertex
-/// holds the number of its row instead of a pointer (values below 64 are numbers, others pointers), and gets
+/// holds the number of its row instead of a pointer (values up to 64 are numbers, others pointers), and gets
 /// the pointer back at the end.
 class StarLinker
 {
 public:
-	/// The tetrahedra of the star, and its vertices in any order, each at least once.
+	/// The tetrahedra of the star, as they are made, and its vertices in any order, each at least once: those of the
+	/// tetrahedra of the cavity, that is the corners of the first one and the apices through which others were found.
 	ScratchArray<Tet3*> vTets;
 	ScratchArray<Point3*> vCorners;
 

@@ -36,7 +36,7 @@ struct CavityTet
 struct Surroundings
 {
 	Tet3* pNeigh[4];   ///< the tetrahedron itself where there is none, so that no pointer is null
-	Point3* pApex[4];  ///< the corners beyond the facets
+	Point3* pApex[4];  ///< the corners beyond the facets; on the hull its own corner i
 	unsigned hull;     ///< there is no neighbour
 	unsigned open;     ///< the neighbour is not in the cavity yet, or there is none
 	unsigned conflict; ///< not in the cavity yet, and in conflict: it joins the cavity

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The batched tests as functions, and the stages behind the first one: a filter in doubles with a sharper
+// The batched tests as functions, and the stages after the first one: a filter in doubles with a sharper
 // bound, doubles that are proved to be exact, and a filter in double-doubles.
 #include "predicates/BatchTests.h"
 #include "predicates/BatchTestsSimd.h"

@@ -40,8 +40,9 @@ using FacetTest = FacetSides (*)(const Point3* const (&corner)[4], const Point3&
 /// The tests of one variant.
 struct BatchTests
 {
-	NeighbourTest neighbours;     ///< all stages
-	NeighbourTest tinyNeighbours; ///< replaces it once a nonzero coordinate below kLeastSafe is stored (T5)
+	NeighbourTest neighbours; ///< all stages
+	NeighbourTest
+	    tinyNeighbours; ///< replaces it once a nonzero coordinate below kLeastSafe is stored (T5)
 	FacetTest facets;
 	bool bAvx2; ///< which copy runLoop runs of a loop with an inlined first stage
 };

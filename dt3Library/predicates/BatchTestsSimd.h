@@ -94,7 +94,8 @@ TULO3D_ALWAYS_INLINE SphereRow<Lanes4> swapHalves(const SphereRow<Lanes4>& r)
 }
 
 /// At least the square roots but for their last bit, at most a sixteenth more. Halving exponent and significand as one
-/// number follows the tangents of the root at the powers of 4, and they run above it.
+/// number follows the tangents of the root at the powers of 4, and they run above it. The constant is half the
+/// exponent's bias.
 template <typename Lanes>
 TULO3D_ALWAYS_INLINE Lanes aboveRoot(const Lanes& v)
 {
@@ -315,9 +316,9 @@ using FourLaneVariant = TwoLaneVariant;
 
 #endif
 
-/// Runs a loop that tests one batch after another, in the variant of `tests`. The loop exists once in the sources
-/// and is compiled once for each variant, with the first stage inlined: called out of line instead, it
-/// makes building a mesh up to 8 % slower.
+/// Runs a loop that tests one batch after another, in the variant of `tests`: `loop` is given an empty object whose
+/// type is that variant. The loop exists once in the sources and is compiled once for each variant, with the first
+/// stage inlined: called out of line instead, it makes building a mesh up to 8 % slower.
 template <typename Loop>
 TULO3D_ALWAYS_INLINE void runLoop(const BatchTests& tests, const Loop& loop)
 {

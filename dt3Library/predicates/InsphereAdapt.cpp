@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The stages of the in-sphere test behind the filter.
+// The stages of the in-sphere test after the filter.
 #include "predicates/DoubleDouble.h"
 #include "predicates/Expansion.h"
 #include "predicates/ShewchukStages.h"

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The stages of the orientation test behind the filter.
+// The stages of the orientation test after the filter.
 #include "predicates/Expansion.h"
 #include "predicates/ShewchukStages.h"
 

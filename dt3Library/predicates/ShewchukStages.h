@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The adaptive stages behind the filter. Each is a function, so that a test can tell which one decided.
+// The adaptive stages after the filter. Each is a function, so that a test can tell which one decided.
 #pragma once
 
 #include "Point3.h"

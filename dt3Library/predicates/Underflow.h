@@ -70,7 +70,8 @@ private:
 		constexpr int kMax = 1000;
 		int exponent = 0;
 		std::frexp(largest, &exponent); // largest < 2^exponent
-		return std::ldexp(1.0, std::clamp(kTop - exponent, 0, kMax)); // never down: that might round
+		return std::ldexp(
+		    1.0, std::clamp(kTop - exponent, 0, kMax)); // never down: that might round
 	}
 
 	std::array<Point3, n> points;

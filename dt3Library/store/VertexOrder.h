@@ -55,7 +55,7 @@ public:
 	/// Inserts an item at its position, found by `lowerBound`, and returns where it is then.
 	Iterator insertAt(const Iterator& at, IdxVtx* pItem);
 
-	/// Inserts an item that comes behind all others.
+	/// Inserts an item that comes after all others.
 	void append(IdxVtx* pItem);
 
 	/// Inserts all items of `others`, none of which is equivalent to any in the set.
