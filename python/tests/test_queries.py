@@ -75,6 +75,10 @@ def test_the_linear_interpolant_is_that_of_scipy():
         for make in (tulo3d.LinearInterpolator, scipy.interpolate.LinearNDInterpolator)
     )
     np.testing.assert_allclose(ours(QUERIES), theirs(QUERIES), atol=1e-9)
+    x, y, z = np.ix_([0.3, 0.5], [0.4, 0.6, 0.7], [0.5])
+    for xi in ((x, y, z), ((x, y, z),), (0.5, 0.5, 0.5), ((QUERIES[:3], 0.5, 0.5),)):
+        np.testing.assert_allclose(ours(*xi), theirs(*xi), atol=1e-9)
+        assert ours.gradient(*xi).shape == (*ours(*xi).shape, 3)
     inner = QUERIES[ours.mesh.find_simplex(QUERIES) >= 0]
     step = 1e-6 * np.eye(3)
     found = ours.mesh.find_simplex(inner)

@@ -15,6 +15,14 @@ from ._input import FloatArray, as_doubles, as_queries
 _Compute = Callable[[_core.Mesh, FloatArray, FloatArray, float, FloatArray], None]
 
 
+def _joined(xi: tuple[npt.ArrayLike, ...]) -> npt.ArrayLike:
+    """Return as one array what comes as one, as three arguments, or as a tuple of three arrays."""
+    given = xi[0] if len(xi) == 1 else xi
+    if not isinstance(given, tuple):
+        return given
+    return np.stack(np.broadcast_arrays(*(as_doubles(x, "xi") for x in given)), axis=-1)
+
+
 class _Interpolator:
     """Values at the points of a mesh; a subclass says how to go between them."""
 
@@ -35,20 +43,21 @@ class _Interpolator:
         self._shape = given.shape[1:]
         self._values = np.array(given, order="C").reshape(len(given), -1)
 
-    def __call__(self, xi: npt.ArrayLike) -> FloatArray:
+    def __call__(self, *xi: npt.ArrayLike) -> FloatArray:
         """Interpolate.
 
         Parameters
         ----------
-        xi : array_like, shape (..., 3)
-            Where, in the unit of the points.
+        *xi : array_like
+            Where, in the unit of the points: one array of shape (..., 3), or the coordinates x, y, z, as
+            three arguments or one tuple of three, broadcast together to the shape (...).
 
         Returns
         -------
         ndarray, shape (..., *values.shape[1:])
             `fill_value` outside of the convex hull of the points and for NaN.
         """
-        queries, shape = as_queries(xi)
+        queries, shape = as_queries(_joined(xi))
         results = np.empty((len(queries), self._values.shape[1]))
         type(self)._compute(self._mesh.flat, self._values, queries, self.fill_value, results)
         return results.reshape(shape + self._shape)
@@ -94,13 +103,13 @@ class LinearInterpolator(_Interpolator):
 
     _compute = staticmethod(_core.interpolate_linearly)
 
-    def gradient(self, xi: npt.ArrayLike) -> FloatArray:
+    def gradient(self, *xi: npt.ArrayLike) -> FloatArray:
         """Return the gradients of the interpolant.
 
         Parameters
         ----------
-        xi : array_like, shape (..., 3)
-            Where, in the unit of the points.
+        *xi : array_like
+            Where, as for a call.
 
         Returns
         -------
@@ -108,7 +117,7 @@ class LinearInterpolator(_Interpolator):
             The gradient in a tetrahedron that contains the point; NaN outside of the hull. In the flattest
             tetrahedra it is mostly rounding, whatever the values.
         """
-        queries, shape = as_queries(xi)
+        queries, shape = as_queries(_joined(xi))
         results = np.empty((len(queries), 3 * self._values.shape[1]))
         _core.interpolate_gradients(self._mesh.flat, self._values, queries, results)
         return results.reshape((*shape, *self._shape, 3))
