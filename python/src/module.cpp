@@ -7,12 +7,10 @@
 
 #include <nanobind/ndarray.h>
 #include <nanobind/stl/string.h>
-#include <nanobind/stl/tuple.h>
+#include <nanobind/stl/pair.h>
 
 #include <algorithm>
-#include <initializer_list>
 #include <memory>
-#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -62,19 +60,16 @@ private:
 using IndexArray = nb::ndarray<nb::numpy, std::int32_t, nb::ndim<1>>;
 using TupleArray = nb::ndarray<nb::numpy, std::int32_t, nb::shape<-1, 4>>;
 
-/// A new array, its elements not set.
+/// A new array of four indices a tetrahedron, its elements not set.
 ///
 /// Not made by numpy, which asks for large pages: for arrays that are written once, finding free ones takes
 /// several times as long as the writing.
-template <typename AnyArray>
-AnyArray makeIndices(std::initializer_list<std::size_t> shape)
+TupleArray makeTuples(std::size_t num)
 {
-	std::size_t size = 1;
-	for (const std::size_t extent : shape) size *= extent;
-	std::unique_ptr<std::int32_t[]> pOwned(new std::int32_t[size]); // no value-initialisation
+	std::unique_ptr<std::int32_t[]> pOwned(new std::int32_t[4 * num]); // no value-initialisation
 	const nb::capsule owner(
 	    pOwned.get(), [](void* p) noexcept { delete[] static_cast<std::int32_t*>(p); });
-	return AnyArray(pOwned.release(), shape, owner);
+	return TupleArray(pOwned.release(), {num, 4}, owner);
 }
 
 /// A mesh that grows; for one thread at a time.
@@ -104,24 +99,22 @@ public:
 
 	bool is3D() const { return pMesh->is3D(); }
 
-	/// A tetrahedron of each vertex, the corners and the neighbours.
-	std::tuple<IndexArray, TupleArray, TupleArray> arrays() const
+	/// The corners and the neighbours.
+	std::pair<TupleArray, TupleArray> arrays() const
 	{
 		constexpr std::size_t kPiece = std::size_t{1} << 19U; // tetrahedra, some 10 ms
 		const std::size_t numTets = pMesh->getNumTetrahedra();
-		const auto tetOfVertex = makeIndices<IndexArray>({pMesh->getNumVertices()});
-		const auto corners = makeIndices<TupleArray>({numTets, 4});
-		const auto neighbors = makeIndices<TupleArray>({numTets, 4});
+		const auto corners = makeTuples(numTets);
+		const auto neighbors = makeTuples(numTets);
 		Watch watch;
 		const nb::gil_scoped_release unlock;
 		const LibraryScope scope;
-		pMesh->copyTo({nullptr, tetOfVertex.data(), nullptr, nullptr});
 		for (std::size_t first = 0; first < numTets; first += kPiece) {
 			watch.look();
 			pMesh->copyTo({nullptr, nullptr, corners.data() + 4 * first,
 			    neighbors.data() + 4 * first, first, kPiece});
 		}
-		return {tetOfVertex, corners, neighbors};
+		return {corners, neighbors};
 	}
 
 private:

@@ -23,6 +23,7 @@ BAD_POINTS = [
     ([[object(), 0, 0]] * 5, "real numbers: float"),
     ([[0, 0, np.nan], *GOOD], r"finite and at most 1e\+60.*point 0 is \[0.0, 0.0, nan\], and 0 more"),
     ([*GOOD, [np.inf, 0, 0]], "point 40 is"),
+    ([*GOOD, [10**400, 0, 0]], "real numbers: int too large"),
     ([*GOOD, [0, -2e60, 0], [2e60, 0, 0]], "point 40 is .*, and 1 more are"),
     (np.ma.masked_greater(GOOD, 900), "masked"),
 ]

@@ -30,11 +30,13 @@ def test_copies_and_pickles_are_the_same_mesh_and_grow_on_their_own():
         other.add_points([[2, 2, 2]])
         check_laws(other)
         assert (other.npoints, mesh.npoints) == (503, 502)
-    state = mesh.__getstate__()
+    make, arrays = mesh._mesh.__reduce__()
     simplices = mesh.simplices.copy()
     simplices[3, 1] = 502
     with pytest.raises(ValueError, match="not those of a mesh"):
-        mesh.__setstate__((True, (state[1][0], simplices, *state[1][2:])))
+        make(arrays[0], simplices, *arrays[2:])
+    field = tulo3d.LinearInterpolator(mesh, points)
+    np.testing.assert_array_equal(pickle.loads(pickle.dumps(field))(POINTS), field(POINTS))
 
 
 def test_a_closed_mesh_can_be_read_but_not_grown():

@@ -163,17 +163,16 @@ class Delaunay:
         assert engine is not None
         points: FloatArray = _joined(self._batches)
         numbers: Int32Array = _joined(self._numbers)
-        tet_of_vertex, simplices, neighbors = engine.arrays()
+        simplices, neighbors = engine.arrays()
 
         # Vertices are numbered in the order in which they first come among the points.
-        vertex_of_point, tet_of_point = numbers, tet_of_vertex
-        if len(tet_of_vertex) < len(points):
-            tet_of_point = tet_of_vertex[numbers]
+        vertex_of_point = numbers
+        if numbers.max() + 1 < len(points):
             is_first = np.diff(np.maximum.accumulate(numbers), prepend=-1) > 0
             point_of_vertex = np.flatnonzero(is_first).astype(np.int32)
             simplices = point_of_vertex[simplices]
             vertex_of_point = point_of_vertex[numbers]
-        self._current = Mesh(points, simplices, neighbors, vertex_of_point, tet_of_point)
+        self._current = Mesh(points, simplices, neighbors, vertex_of_point)
         self._batches, self._numbers = [points], [numbers]
 
     def add_points(
@@ -420,11 +419,10 @@ class Delaunay:
     def __repr__(self) -> str:
         return f"<tulo3d.Delaunay of {self.npoints} points>"
 
-    def __getstate__(self) -> tuple[bool, tuple[npt.NDArray[Any], ...]]:
-        return self._incremental, self._mesh.arrays
+    def __getstate__(self) -> tuple[bool, Mesh]:
+        return self._incremental, self._mesh
 
-    def __setstate__(self, state: tuple[bool, tuple[npt.NDArray[Any], ...]]) -> None:
+    def __setstate__(self, state: tuple[bool, Mesh]) -> None:
         self._begin()
-        self._incremental, arrays = state
-        self._current = Mesh.of_unknown_origin(*arrays)
+        self._incremental, self._current = state
         self._batches = [self._current.points]

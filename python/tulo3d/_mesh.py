@@ -3,8 +3,9 @@
 
 from __future__ import annotations
 
+from collections.abc import Callable
 from functools import cached_property
-from typing import TypeVar
+from typing import Any, TypeVar
 
 import numpy as np
 import numpy.typing as npt
@@ -32,13 +33,11 @@ class Mesh:
         simplices: Int32Array,
         neighbors: Int32Array,
         vertex_of_point: Int32Array,
-        vertex_to_simplex: Int32Array,
     ) -> None:
         self.points = _frozen(points)
         self.simplices = _frozen(simplices)
         self.neighbors = _frozen(neighbors)
         self.vertex_of_point = _frozen(vertex_of_point)
-        self.vertex_to_simplex = _frozen(vertex_to_simplex)
         self.flat = _core.Mesh(points, simplices, neighbors)
 
     @classmethod
@@ -48,34 +47,31 @@ class Mesh:
         simplices: Int32Array,
         neighbors: Int32Array,
         vertex_of_point: Int32Array,
-        vertex_to_simplex: Int32Array,
     ) -> Mesh:
         """Make a mesh of arrays that somebody may have changed: no index leads out of an array."""
         for indices, least, end in (
             (simplices, 0, len(points)),
             (neighbors, -1, len(simplices)),
             (vertex_of_point, 0, len(points)),
-            (vertex_to_simplex, 0, len(simplices)),
         ):
             if indices.dtype != np.int32 or indices.min() < least or indices.max() >= end:
                 raise ValueError("these arrays are not those of a mesh")
-        return cls(points, simplices, neighbors, vertex_of_point, vertex_to_simplex)
+        return cls(points, simplices, neighbors, vertex_of_point)
 
-    @property
-    def arrays(self) -> tuple[FloatArray, Int32Array, Int32Array, Int32Array, Int32Array]:
-        """What a mesh is made of, in the order of the constructor."""
-        return (
-            self.points,
-            self.simplices,
-            self.neighbors,
-            self.vertex_of_point,
-            self.vertex_to_simplex,
-        )
+    def __reduce__(self) -> tuple[Callable[..., Mesh], tuple[npt.NDArray[Any], ...]]:
+        arrays = self.points, self.simplices, self.neighbors, self.vertex_of_point
+        return Mesh.of_unknown_origin, arrays
 
     @cached_property
     def convex_hull(self) -> Int32Array:
         tet, facet = np.nonzero(self.neighbors < 0)
         return _frozen(self.simplices[tet[:, np.newaxis], _OUTSIDE[facet]])
+
+    @cached_property
+    def vertex_to_simplex(self) -> Int32Array:
+        found = np.empty(len(self.points), dtype=np.int32)
+        found[self.simplices] = np.arange(len(self.simplices), dtype=np.int32)[:, np.newaxis]
+        return _frozen(found[self.vertex_of_point])
 
     @cached_property
     def coplanar(self) -> Int32Array:
