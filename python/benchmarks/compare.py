@@ -1,17 +1,19 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: MIT
-"""Measures the package beside insertion in C++, SciPy and PyVista, each in a process of its own.
+"""Measures the package beside insertion in C++, SciPy and PyVista, each run in a process of its own.
 
 Usage: python/benchmarks/compare.py BENCHMARK [WORKLOAD]...
 
-BENCHMARK is tulo3d_bench of a release build. Prints a table: seconds of the processor from an array to
-simplices and neighbours (in C++: to the engine's mesh; all use one thread), the least of several runs, and
-the peak of the memory in MB above that before the points were made. What takes longer than LIMIT is ended. The
-workload "find_simplex" is a million random queries of the mesh "uniform 1M".
+BENCHMARK is tulo3d_bench of a release build. Libraries take turns, so that a change of the machine's speed
+meets all of them; those that take long get one turn. Prints a table of medians: seconds of the processor
+from an array to simplices and neighbours (in C++: to the engine's mesh; all use one thread), the ratio to
+C++ in the same turn, and the peak of the memory in MB above that before the points were made. What takes
+longer than LIMIT is ended. The workloads "find in" are a million random queries in a mesh.
 """
 
 import json
 import resource
+import statistics
 import subprocess
 import sys
 import tempfile
@@ -29,95 +31,87 @@ WORKLOADS = {
     "rock scan 22k": lambda: np.loadtxt(DATA / "lidar_rock_22k.xyz")[:, :3],
     "lattice 100^3": lambda: np.array(np.meshgrid(*3 * [np.arange(100.0)])).reshape(3, -1).T.copy(),
 }
+QUERIES = {"find in 100k": "uniform 100k", "find in 1M": "uniform 1M"}
 LIMIT = 900  # seconds of the clock
-LIBRARIES = ["tulo3d", "tulo3d C++", "scipy", "pyvista"]
+LONG = 20  # seconds of the processor
+TURNS = 7
 
 
 def make(library, points):
-    """Return simplices and neighbours, or how many tetrahedra there are."""
-    if library == "tulo3d":
-        import tulo3d
+    """Return a mesh whose simplices and neighbours are there, and how many tetrahedra it has."""
+    if library == "pyvista":  # has no neighbours
+        import pyvista
 
-        mesh = tulo3d.Delaunay(points)
-        return len(mesh.simplices) if mesh.neighbors is not None else 0
-    if library == "scipy":
-        import scipy.spatial
-
-        mesh = scipy.spatial.Delaunay(points)
-        return len(mesh.simplices) if mesh.neighbors is not None else 0
-    import pyvista
-
-    return len(pyvista.PolyData(points).delaunay_3d().cells_dict[pyvista.CellType.TETRA])  # no neighbours
-
-
-def run_benchmark(program, points):
-    """Return what the C++ benchmark reports of one insertion."""
-    with tempfile.NamedTemporaryFile("w", suffix=".xyz") as file:
-        file.writelines(f"{x!r} {y!r} {z!r}\n" for x, y, z in points.tolist())
-        file.flush()
-        output = subprocess.run([program, "--file", file.name], capture_output=True, check=True).stdout
-    return json.loads(output.splitlines()[-1])
-
-
-def work(library, workload, program):
-    if library != "tulo3d C++":
-        make(library, np.random.default_rng(2).random((100, 3)))  # imports
-    before = resource.getrusage(resource.RUSAGE_SELF).ru_maxrss
-    points = WORKLOADS[workload]()
-    least, started = np.inf, time.perf_counter()
-    for _ in range(7):
-        if library == "tulo3d C++":
-            report = run_benchmark(program, points)
-            seconds, num = report["user"] + report["system"], report["tets"]
-            peak = report["peak_kb"] - report["resident_before_kb"]
-        else:
-            start = time.process_time()
-            num = make(library, points)
-            seconds = time.process_time() - start
-            peak = resource.getrusage(resource.RUSAGE_SELF).ru_maxrss - before
-        least = min(least, seconds)
-        if time.perf_counter() - started > 20:
-            break
-    print(json.dumps({"seconds": least, "tetrahedra": num, "megabytes": peak / 1024}))
-
-
-def locate(library):
-    """Time a million queries of a mesh of as many points."""
+        grid = pyvista.PolyData(points).delaunay_3d()
+        return grid, len(grid.cells_dict[pyvista.CellType.TETRA])
     import scipy.spatial
 
     import tulo3d
 
-    mesh = {"tulo3d": tulo3d, "scipy": scipy.spatial}[library].Delaunay(WORKLOADS["uniform 1M"]())
+    mesh = {"tulo3d": tulo3d, "scipy": scipy.spatial}[library].Delaunay(points)
+    return mesh, min(len(mesh.simplices), len(mesh.neighbors))
+
+
+def triangulate(library, workload):
+    before = resource.getrusage(resource.RUSAGE_SELF).ru_maxrss
+    points = WORKLOADS[workload]()
+    start = time.process_time()
+    _mesh, num = make(library, points)
+    seconds = time.process_time() - start
+    return seconds, num, resource.getrusage(resource.RUSAGE_SELF).ru_maxrss - before
+
+
+def locate(library, workload):
+    mesh, _ = make(library, WORKLOADS[QUERIES[workload]]())
     queries = np.random.default_rng(2).random((1_000_000, 3))
     start = time.process_time()
     found = mesh.find_simplex(queries)
-    print(json.dumps({"seconds": time.process_time() - start, "found": int((found >= 0).sum())}))
+    return time.process_time() - start, int((found >= 0).sum()), 0
 
 
-def in_own_process(*arguments):
-    command = [sys.executable, __file__, "--work", *arguments]
+def run(library, workload, program, file):
+    """Return seconds, tetrahedra or points found, and kilobytes; None after LIMIT or a failure."""
+    command = [sys.executable, __file__, "--work", library, workload]
+    if library == "C++":
+        command = [program, "--file", file]
     try:
-        run = subprocess.run(command, capture_output=True, check=False, timeout=LIMIT)
-    except subprocess.TimeoutExpired:
-        return f"     over {LIMIT} s"
-    if run.returncode != 0:
-        return "     failed"
-    result = json.loads(run.stdout)
-    if "found" in result:
-        return f"{result['seconds']:9.4f} {result['found']:11,} found"
-    return f"{result['seconds']:9.4f} {result['tetrahedra']:11,} {result['megabytes']:6.0f}"
+        output = subprocess.run(command, capture_output=True, check=True, timeout=LIMIT).stdout
+    except (subprocess.TimeoutExpired, subprocess.CalledProcessError):
+        return None
+    report = json.loads(output.splitlines()[-1])
+    if library == "C++":
+        return report["user"] + report["system"], report["tets"], report["peak_kb"] - report["resident_before_kb"]
+    return report
 
 
-def main(program, workloads):
-    print(f"{'':15} {'library':11} {'seconds':>9} {'tetrahedra':>11} {'MB':>6}")
-    for workload in workloads or [*WORKLOADS, "find_simplex"]:
-        for library in LIBRARIES if workload in WORKLOADS else ["tulo3d", "scipy"]:
-            line = in_own_process(library, workload, program)
-            print(f"{workload:15} {library:11} {line}", flush=True)
+def compare(workload, program):
+    libraries = ["tulo3d", "scipy"] if workload in QUERIES else ["C++", "tulo3d", "scipy", "pyvista"]
+    runs = {library: [] for library in libraries}
+    with tempfile.NamedTemporaryFile("w", suffix=".xyz") as file:
+        if workload in WORKLOADS:
+            file.writelines(f"{x!r} {y!r} {z!r}\n" for x, y, z in WORKLOADS[workload]().tolist())
+            file.flush()
+        for _ in range(TURNS):
+            for library, done in runs.items():
+                if not done or done[-1] is not None and done[-1][0] < LONG:
+                    done.append(run(library, workload, program, file.name))
+    for library, done in runs.items():
+        if None in done:
+            print(f"{workload:15} {library:8} not done after {LIMIT} s, or failed", flush=True)
+            continue
+        seconds, num, kilobytes = (statistics.median(column) for column in zip(*done))
+        pairs = zip(done, runs.get("C++", []))
+        ratio = statistics.median(mine[0] / theirs[0] for mine, theirs in pairs) if "C++" in runs else np.nan
+        line = f"{seconds:9.4f} {ratio:7.2f} {num:11,.0f} {kilobytes / 1024:6.0f} {len(done):5}"
+        print(f"{workload:15} {library:8} {line}", flush=True)
 
 
 if __name__ == "__main__":
     if sys.argv[1] == "--work":
-        locate(sys.argv[2]) if sys.argv[3] == "find_simplex" else work(*sys.argv[2:])
+        library, workload = sys.argv[2:]
+        make(library, np.random.default_rng(2).random((100, 3)))  # imports
+        print(json.dumps((locate if workload in QUERIES else triangulate)(library, workload)))
     else:
-        main(sys.argv[1], sys.argv[2:])
+        print(f"{'':15} {'library':8} {'seconds':>9} {'to C++':>7} {'number':>11} {'MB':>6} {'turns':>5}")
+        for workload in sys.argv[2:] or [*WORKLOADS, *QUERIES]:
+            compare(workload, sys.argv[1])

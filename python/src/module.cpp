@@ -6,8 +6,8 @@
 #include "Measures.h"
 
 #include <nanobind/ndarray.h>
-#include <nanobind/stl/string.h>
 #include <nanobind/stl/pair.h>
+#include <nanobind/stl/string.h>
 
 #include <algorithm>
 #include <memory>
