@@ -105,6 +105,8 @@ bool NaturalNeighbors::normalize()
 {
 	// Larger rounding errors than these are left to the caller, smaller ones are corrected.
 	constexpr double kTolerance = 1e-3;
+	constexpr double kLeft =
+	    1e-12; // as much of the distance to the neighbours may be left afterwards
 	double sum = 0.0;
 	for (const double weight : vWeights) sum += weight;
 	if (!(sum > 0.0) || !std::isfinite(sum)) return false;
@@ -132,8 +134,13 @@ bool NaturalNeighbors::normalize()
 		vWeights[n] *= 1.0 - dot(tilt, vArms[n]);
 		sum += vWeights[n];
 	}
-	for (double& weight : vWeights) weight /= sum;
-	return std::isfinite(sum) && sum > 0.0;
+	center = {};
+	for (std::size_t n = 0; n < vWeights.size(); ++n) {
+		vWeights[n] /= sum;
+		if (!(vWeights[n] >= -kTolerance)) return false;
+		center = center + vWeights[n] * vArms[n];
+	}
+	return norm(center) <= kLeft * spread;
 }
 
 } // namespace binding

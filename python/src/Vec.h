@@ -2,9 +2,11 @@
 // Three coordinates, and three equations in three unknowns.
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstddef>
+#include <limits>
 #include <utility>
 
 namespace binding {
@@ -55,39 +57,39 @@ inline Vec circumcenter(const Vec& a, const Vec& b, const Vec& c)
 	return 0.5 / dot(a, bc) * (dot(a, a) * bc + dot(b, b) * ca + dot(c, c) * ab);
 }
 
-/// The equations (rows) * solution = right side, by Gaussian elimination with pivots.
+/// The equations (rows) * solution = right side, by Gaussian elimination with complete pivoting.
 ///
 /// Unlike Cramer's rule it leaves a residual of a few roundings however flat a tetrahedron is: what is
-/// linear is interpolated exactly, up to these, in slivers too.
+/// linear is interpolated exactly, up to these, in slivers too. Rows and columns are brought to one magnitude
+/// first, by powers of two; a pivot that is rounding alone then shows as such, and decides nothing.
 class ThreeEquations
 {
 public:
 	ThreeEquations(const Vec& row0, const Vec& row1, const Vec& row2);
 
-	/// False when a pivot is zero; then the solution leaves out what it would have decided.
-	bool isRegular() const { return bRegular; }
+	/// False when a pivot is zero up to rounding; then the solution leaves out what it would have decided.
+	bool isRegular() const { return rank == 3; }
 	Vec solve(const Vec& right) const;
 
 private:
-	std::array<std::array<double, 3>, 3> a; // the triangular factors, rows permuted
-	std::array<std::size_t, 3> order{0, 1, 2};
-	bool bRegular = true;
+	void scale();
+	void choosePivot(std::size_t k);
+
+	std::array<std::array<double, 3>, 3> a; // the triangular factors, rows and columns permuted
+	std::array<std::size_t, 3> row{0, 1, 2}, column{0, 1, 2};
+	std::array<double, 3> rowScale{}, columnScale{}; // before the permutation
+	std::size_t rank = 0;
 };
 
 inline ThreeEquations::ThreeEquations(const Vec& row0, const Vec& row1, const Vec& row2)
     : a{{{row0.x, row0.y, row0.z}, {row1.x, row1.y, row1.z}, {row2.x, row2.y, row2.z}}}
 {
-	for (std::size_t k = 0; k < 3; ++k) {
-		std::size_t pivot = k;
-		for (std::size_t i = k + 1; i < 3; ++i) {
-			if (std::abs(a[i][k]) > std::abs(a[pivot][k])) pivot = i;
-		}
-		std::swap(a[k], a[pivot]);
-		std::swap(order[k], order[pivot]);
-		if (a[k][k] == 0.0) {
-			bRegular = false;
-			continue;
-		}
+	constexpr double kRounding = 4 * std::numeric_limits<double>::epsilon();
+	scale();
+	for (; rank < 3; ++rank) {
+		const std::size_t k = rank;
+		choosePivot(k);
+		if (!(std::abs(a[k][k]) > kRounding)) return;
 		for (std::size_t i = k + 1; i < 3; ++i) {
 			a[i][k] /= a[k][k];
 			for (std::size_t j = k + 1; j < 3; ++j) a[i][j] -= a[i][k] * a[k][j];
@@ -95,21 +97,54 @@ inline ThreeEquations::ThreeEquations(const Vec& row0, const Vec& row1, const Ve
 	}
 }
 
+inline void ThreeEquations::scale()
+{
+	// At most 2^1000, as the reciprocal of a denormal number may be infinite.
+	const auto scaleOf = [](double x, double y, double z) {
+		const double largest = std::max({std::abs(x), std::abs(y), std::abs(z)});
+		return largest > 0.0 ? std::scalbn(1.0, std::min(-std::ilogb(largest), 1000)) : 1.0;
+	};
+	for (std::size_t i = 0; i < 3; ++i) {
+		rowScale[i] = scaleOf(a[i][0], a[i][1], a[i][2]);
+		for (double& x : a[i]) x *= rowScale[i];
+	}
+	for (std::size_t j = 0; j < 3; ++j) {
+		columnScale[j] = scaleOf(a[0][j], a[1][j], a[2][j]);
+		for (auto& r : a) r[j] *= columnScale[j];
+	}
+}
+
+/// Moves the largest of the elements that are left to place (k, k).
+inline void ThreeEquations::choosePivot(std::size_t k)
+{
+	std::size_t pivotRow = k, pivotColumn = k;
+	for (std::size_t i = k; i < 3; ++i) {
+		for (std::size_t j = k; j < 3; ++j) {
+			if (!(std::abs(a[i][j]) > std::abs(a[pivotRow][pivotColumn]))) continue;
+			pivotRow = i;
+			pivotColumn = j;
+		}
+	}
+	std::swap(a[k], a[pivotRow]);
+	std::swap(row[k], row[pivotRow]);
+	for (auto& r : a) std::swap(r[k], r[pivotColumn]);
+	std::swap(column[k], column[pivotColumn]);
+}
+
 inline Vec ThreeEquations::solve(const Vec& right) const
 {
 	const std::array<double, 3> b{right.x, right.y, right.z};
-	std::array<double, 3> y{};
-	for (std::size_t i = 0; i < 3; ++i) {
-		y[i] = b[order[i]];
-		for (std::size_t j = 0; j < i; ++j) {
-			if (a[j][j] != 0.0) y[i] -= a[i][j] * y[j];
-		}
+	std::array<double, 3> y{}, solution{};
+	for (std::size_t i = 0; i < rank; ++i) {
+		y[i] = b[row[i]] * rowScale[row[i]];
+		for (std::size_t j = 0; j < i; ++j) y[i] -= a[i][j] * y[j];
 	}
-	for (std::size_t i = 3; i-- > 0;) {
-		for (std::size_t j = i + 1; j < 3; ++j) y[i] -= a[i][j] * y[j];
-		y[i] = a[i][i] != 0.0 ? y[i] / a[i][i] : 0.0;
+	for (std::size_t i = rank; i-- > 0;) {
+		for (std::size_t j = i + 1; j < rank; ++j) y[i] -= a[i][j] * y[j];
+		y[i] /= a[i][i];
+		solution[column[i]] = y[i] * columnScale[column[i]];
 	}
-	return {y[0], y[1], y[2]};
+	return {solution[0], solution[1], solution[2]};
 }
 
 } // namespace binding

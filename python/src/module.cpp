@@ -246,7 +246,7 @@ NB_MODULE(_core, m)
 
 	m.attr("version") = TULO3D_PYTHON_VERSION;
 
-	nb::exception<InternalError>(m, "InternalError", PyExc_RuntimeError);
+	const nb::exception<InternalError> internalError(m, "InternalError", PyExc_RuntimeError);
 
 	// Arrays come as they are: a copy made on the way in would be filled in vain, or read in vain.
 	const auto array = [](const char* name) { return nb::arg(name).noconvert(); };

@@ -1,47 +1,33 @@
 # SPDX-License-Identifier: MIT
-"""Inputs that are hard for a mesh, each as a function of a number of points, and the laws of a mesh."""
+"""The hard inputs of the C++ tests, by their names, and the laws of a mesh."""
+
+import os
+import subprocess
+import tempfile
+from pathlib import Path
 
 import numpy as np
 import tulo3d
 
-
-def _random(seed=1):
-    return np.random.default_rng(seed)
+ROOT = Path(__file__).parents[2]
 
 
-def _lattice(n):
-    side = round(n ** (1 / 3))
-    return np.array(np.meshgrid(*3 * [np.arange(side)], indexing="ij")).reshape(3, -1).T
+def _families(size):
+    sources = Path(__file__).with_suffix(".cpp"), ROOT / "inputs" / "points.cpp"
+    folders = f"-I{ROOT / 'include'}", f"-I{ROOT / 'inputs'}"
+    with tempfile.TemporaryDirectory() as folder:
+        program = Path(folder) / "families"
+        compiler = os.environ.get("CXX", "c++")
+        subprocess.run([compiler, "-std=c++17", "-DTULO3D_STATIC", *folders, *sources, "-o", program], check=True)
+        text = subprocess.run([program, str(size)], check=True, capture_output=True, text=True).stdout
+    lines = iter(text.splitlines())
+    for name, num in map(str.split, lines):
+        rows = [list(map(float.fromhex, next(lines).split())) for _ in range(int(num))]
+        if name not in ("FlatGrid", "FarPlane"):  # these have no tetrahedra
+            yield name, np.array(rows)
 
 
-def _sphere(n):
-    p = _random().normal(size=(n, 3))
-    return p / np.linalg.norm(p, axis=1)[:, np.newaxis]
-
-
-def _curve(n):
-    t = np.arange(min(n, 300))
-    return np.stack([t, t**2, t**3], axis=1)
-
-
-FAMILIES = {
-    "uniform": lambda n: _random().random((n, 3)),
-    "lattice": _lattice,
-    "nudged lattice": lambda n: _lattice(n) + 1e-13 * _random().normal(size=_lattice(n).shape),
-    "tenths": lambda n: _lattice(n) * 0.1,
-    "sphere": _sphere,
-    "repeated": lambda n: _random().random((n // 3, 3))[_random(2).integers(n // 3, size=n)],
-    "flat then apex": lambda n: np.append(_random().integers(30, size=(n, 3)) * [1, 1, 0], [[3, 4, 5]], 0),
-    "two lines": lambda n: np.concatenate(
-        [np.outer(np.arange(60), [1, 0, 0]), np.outer(np.arange(60), [0, 1, 0]) + [3, -7, 5]]
-    ),
-    "moment curve": _curve,
-    "far out": lambda n: np.append(_random().random((n, 3)), [[1e9, 1e9, 1e9]], 0),
-    "needle": lambda n: _random().random((n, 3)) * [1, 1, 1e6],
-    "huge": lambda n: _random().uniform(-1e60, 1e60, (n, 3)),
-    "tiny": lambda n: _random().random((n, 3)) * 1e-150,
-    "distant": lambda n: _random().random((n, 3)) + [4e5, 5e6, 100],
-}
+FAMILIES = dict(_families(400))
 
 
 def sorted_rows(simplices):

@@ -42,8 +42,7 @@ def test_queries_may_have_any_shape():
 
 def test_points_on_the_hull_are_inside():
     # Exactly on facets, edges and corners: the coordinates are sums of few powers of two.
-    lattice = FAMILIES["lattice"](64) / 4
-    mesh = tulo3d.Delaunay(lattice)
+    mesh = tulo3d.Delaunay(np.indices((4, 4, 4)).reshape(3, -1).T / 4)
     queries = np.array(np.meshgrid(*3 * [np.arange(-1, 14) / 16])).reshape(3, -1).T
     inside = ((queries >= 0) & (queries <= 0.75)).all(axis=1)
     np.testing.assert_array_equal(mesh.find_simplex(queries) >= 0, inside)
@@ -53,9 +52,9 @@ def test_points_on_the_hull_are_inside():
 
 
 @pytest.mark.parametrize("interpolator", INTERPOLATORS)
-@pytest.mark.parametrize("family", [*FAMILIES])
+@pytest.mark.parametrize("family", sorted(FAMILIES.keys() - {"DenormalsOnly"}))  # its slopes would be infinite
 def test_linear_functions_are_found_again_in_hard_meshes(interpolator, family):
-    points = np.asarray(FAMILIES[family](500), dtype=float)
+    points = FAMILIES[family]
     mesh = tulo3d.Delaunay(points)
     scale = abs(points - points.mean(axis=0)).max()
     slope = np.array([[3, -2, 1], [0.5, 0.25, -4]]) / scale
