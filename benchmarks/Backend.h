@@ -34,6 +34,8 @@ public:
 	/// Collects handles of the tetrahedra around each vertex, vertex by vertex; the sum of the
 	/// numbers of handles.
 	virtual std::size_t collectStars() { refuse(); }
+	/// Checks the whole mesh, its geometry at least, and returns 1 when it is valid, else 0.
+	virtual std::size_t check() { refuse(); }
 
 	virtual std::size_t numVertices() const = 0;
 	virtual std::size_t numTets() const = 0;

@@ -53,6 +53,8 @@ public:
 		return num;
 	}
 
+	std::size_t check() override { return triangulation.checkValidity("", true) ? 1 : 0; }
+
 	std::size_t numVertices() const override { return triangulation.getNumVertices(); }
 	std::size_t numTets() const override { return triangulation.getNumTetrahedra(); }
 

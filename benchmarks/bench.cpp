@@ -44,6 +44,7 @@ const std::map<std::string, Operation> kOperations = {
     {"locate", {true, [](Backend& b) { return b.locate(); }}},
     {"list", {true, [](Backend& b) { return b.listTets(); }}},
     {"stars", {true, [](Backend& b) { return b.collectStars(); }}},
+    {"check", {true, [](Backend& b) { return b.check(); }}},
 };
 
 template <class Table>

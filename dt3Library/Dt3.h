@@ -247,6 +247,11 @@ private:
 	void reportProgress(std::size_t numInserted, std::size_t numVertices) const;
 	// Dt3Query.cpp
 	LiveTets liveTets() const;
+	/// The tetrahedra of `getAllTetrahedra`: none, with a notice, when no vertex knows an unmarked one.
+	LiveTets listedTets() const;
+	// Dt3Check.cpp
+	/// Prints and draws the first facet of the tetrahedron that is not locally Delaunay; true if there is none.
+	bool checkFacets(const Tet3& tet, const std::string& name, bool bCheckSphereInc) const;
 	// Dt3Vertex.cpp
 	/// Throws `text` for a tetrahedron that the host has left marked. To be called before the first change: the
 	/// mesh stays usable; points that are stored and not inserted stay out of it.

@@ -81,7 +81,7 @@ void Dt3::beginStoring(const Point3* pFirst, std::size_t numPoints)
 	CONDITION_CHECK_AS(bInRange, kRangeText);
 	CONDITION_CHECK_AS(numPoints <= kMaxPoints - hc3.size(), kNumberText);
 	// Only now that all points are accepted: refused ones must not make the engine slower.
-	if (bTiny) batchTests.neighbours = batchTests.tinyNeighbours;
+	if (bTiny && batchTests.pForTiny != nullptr) batchTests = *batchTests.pForTiny;
 	bUnfinished = true;
 }
 

@@ -51,19 +51,20 @@ void Dt3::getAllTetrahedra(std::vector<Tet3*>& vTet) const
 {
 	expectFinished();
 	CONDITION_CHECK(vTet.empty());
-	const auto isEntry = [](const Point3* pVtx) {
-		return pVtx->getOneTet() != nullptr && !pVtx->getOneTet()->hasBeenVisited;
-	};
-	std::vector<Point3*> vVertices;
-	getVertices(vVertices);
-	if (std::none_of(vVertices.begin(), vVertices.end(), isEntry)) {
-		Message() << "Dt3::getAllTetrahedra(), oneTet==NULL" << std::endl;
-		return;
-	}
-
-	const LiveTets live = liveTets();
+	const LiveTets live = listedTets();
 	vTet.reserve(live.size());
 	live.forEach([&vTet](Tet3* pTet) { vTet.push_back(pTet); });
+}
+
+LiveTets Dt3::listedTets() const
+{
+	const auto isEntry = [](const IdxVtx* pItem) {
+		const Tet3* pTet = pItem->pVtx->getOneTet();
+		return pTet != nullptr && !pTet->hasBeenVisited;
+	};
+	if (std::any_of(hc3.items.begin(), hc3.items.end(), isEntry)) return liveTets();
+	Message() << "Dt3::getAllTetrahedra(), oneTet==NULL" << std::endl;
+	return LiveTets({}, {});
 }
 
 LiveTets Dt3::liveTets() const

@@ -15,7 +15,7 @@ TEST(BatchTests, NoVariantDecidesAWrongSign)
 {
 	const BatchTests* variants[] = {&kPortableTests, avx2Tests()};
 	points::Random random(5);
-	int numOf[6] = {}; // undecided, inside, outside, positive; the same side, beyond
+	int numOf[7] = {}; // undecided, inside, outside, positive; the same side, beyond; Delaunay
 	for (const points::Family& family : points::families()) {
 		// Where products underflow the engine uses the first stage, and then all of them at another scale.
 		const bool bUnderflow = family.name.rfind("Denormals", 0) == 0;
@@ -36,19 +36,26 @@ TEST(BatchTests, NoVariantDecidesAWrongSign)
 			const NeighbourBatch batch = {
 			    {&p[0], &p[1], &p[2], &p[3]}, {&p[4], &p[5], &p[6], &p[7]}};
 			const bool bFirstStage = bUnderflow && round % 4 < 2;
-			const auto test = bUnderflow ? &BatchTests::tinyNeighbours : &BatchTests::neighbours;
+			const auto variantOf = [bUnderflow](const BatchTests& tests) -> const BatchTests& {
+				return bUnderflow ? *tests.pForTiny : tests;
+			};
+			const BatchTests& portable = variantOf(kPortableTests);
 			const NeighbourVerdicts first = bFirstStage ? TwoLaneVariant::verdicts(batch, p[8])
-			                                            : (kPortableTests.*test)(batch, p[8]);
-			const FacetSides sides = kPortableTests.facets(batch.corner, p[8]);
+			                                            : portable.neighbours(batch, p[8]);
+			const FacetSides sides = portable.facets(batch.corner, p[8]);
+			const unsigned quick = TwoLaneVariant::delaunay(batch);
+			const unsigned delaunay = bFirstStage ? quick : quick | portable.delaunay(batch);
 			for (const BatchTests* pTests : variants) {
 				if (pTests == nullptr) continue; // not on this CPU
-				const NeighbourVerdicts v = (pTests->*test)(batch, p[8]);
+				pTests = &variantOf(*pTests);
+				const NeighbourVerdicts v = pTests->neighbours(batch, p[8]);
 				ASSERT_TRUE(bFirstStage ||
 				    (v.inside == first.inside && v.outside == first.outside &&
 				        v.positive == first.positive))
 				    << "T7";
 				const FacetSides s = pTests->facets(batch.corner, p[8]);
 				ASSERT_TRUE(s.positive == sides.positive && s.negative == sides.negative) << "T7";
+				ASSERT_TRUE(bFirstStage || (quick | pTests->delaunay(batch)) == delaunay) << "T7";
 			}
 			for (int i = 0; i < 4; ++i) {
 				const Point3 &a = p[kOutside[i][0]], &b = p[kOutside[i][1]], &c = p[kOutside[i][2]];
@@ -63,10 +70,16 @@ TEST(BatchTests, NoVariantDecidesAWrongSign)
 				const bool bAbove = sides.positive >> i & 1, bBelow = sides.negative >> i & 1;
 				ASSERT_TRUE((!bAbove || beyond < 0) && (!bBelow || beyond > 0))
 				    << family.name << " round " << round;
+				const bool bDelaunay = delaunay >> i & 1;
+				ASSERT_TRUE(!bDelaunay ||
+				    (oracle::quickOrientation(a, b, c, p[4 + i]) > 0 &&
+				        oracle::quickInSphere(a, c, b, p[i], p[4 + i]) <= 0))
+				    << family.name << " round " << round;
 				++numOf[bInside ? 1 : bOutside ? 2 : 0];
 				numOf[3] += bPositive;
 				numOf[4] += bAbove;
 				numOf[5] += bBelow;
+				numOf[6] += bDelaunay;
 			}
 		}
 	}

@@ -112,6 +112,30 @@ TEST_F(Check, AMeshThatIsOrientedButNotDelaunayFailsOnlyTheSphereTest)
 	        str(*vTets[0]) + ", Vertex=" + str(vtx) + "\n" + expectDump("sphereIncBug.list", end));
 }
 
+TEST_F(Check, AMissingCornerIsSkippedAndALinkThatIsNotReturnedEndsTheProcess)
+{
+	for (Point3* const pApex : {vHandles[3], vHandles[4]}) {
+		Tet3* const pTet = pApex->getOneTet();
+		const int i = pTet->getIntraTetIndex(pApex);
+		pTet->setCorner(i, nullptr);
+		EXPECT_EQ(check(false), header("2", "without") + kPassed);
+		pTet->setCorner(i, pApex);
+	}
+	support::Recorded r;
+	r.insert(points::make("Uniform", 12));
+	setStopHandler([](StopReason, const char* text) { throw std::logic_error(text); });
+	for (Tet3* const pTet : r.tets()) {
+		for (int i = 0; i < 4; ++i) {
+			Tet3* const pNeigh = pTet->getOppTet(i);
+			if (pNeigh == nullptr) continue;
+			pTet->setOppTet(i, nullptr);
+			EXPECT_THROW(r.mesh.checkValidity("x", true), std::logic_error);
+			pTet->setOppTet(i, pNeigh);
+		}
+	}
+	setStopHandler(nullptr);
+}
+
 TEST_F(Check, AFlagLeftSetIsReportedAndThrows)
 {
 	vTets[1]->hasBeenVisited = true;

@@ -26,12 +26,31 @@ TULO3D_ALWAYS_INLINE Lanes magnitude(const Lanes& v)
 	return maskedWith(v, 0x7fffffffffffffff);
 }
 
-/// The points of the facets that are tested side by side: their own corners, those of the other half of
-/// the tetrahedron, and the corners beyond.
+/// The points of tests side by side that have one query point: of a tetrahedron, and one beyond each facet.
+/// They are mapped before they are sorted into columns: two of the columns are the same points.
 template <typename Lanes>
-struct Group
+struct NeighbourGroup
 {
-	Points<Lanes> own, other, beyond;
+	Points<Lanes> own, other, beyond, query;
+
+	template <typename Map>
+	TULO3D_ALWAYS_INLINE auto map(const Map& f) const
+	{
+		return facetsAnd(f(own), f(other), f(beyond));
+	}
+};
+
+/// The same with a query point for each facet of a tetrahedron.
+template <typename Lanes>
+struct DelaunayGroup
+{
+	Points<Lanes> own, other, query;
+
+	template <typename Map>
+	TULO3D_ALWAYS_INLINE auto map(const Map& f) const
+	{
+		return mapped(facetsFromInside(own, other), f);
+	}
 };
 
 TULO3D_ALWAYS_INLINE bool allOf(const Flags2& flags)
@@ -49,28 +68,27 @@ TULO3D_ALWAYS_INLINE bool allOf(const Flags4& flags)
 template <typename Lanes>
 struct LaneStage
 {
-	SphereRow<Lanes> own, other, beyond;
+	Quad<SphereRow<Lanes>> rows;
 	SphereDeterminant<Lanes> d;
 	Lanes facetSum;  // the product of three column sums
 	Lanes sphereSum; // of four
 };
 
-template <typename Lanes>
-TULO3D_ALWAYS_INLINE LaneStage<Lanes> laneStage(const Group<Lanes>& group, const Point3& query)
+template <template <typename> class Group, typename Lanes>
+TULO3D_ALWAYS_INLINE LaneStage<Lanes> laneStage(const Group<Lanes>& group)
 {
 	LaneStage<Lanes> s;
-	s.own = rowsOf(group.own, query);
-	s.other = rowsOf(group.other, query);
-	s.beyond = rowsOf(group.beyond, query);
-	s.d = determinants(s.own, s.other, s.beyond);
+	s.rows =
+	    group.map([&group](const auto& p) TULO3D_INLINE_LAMBDA { return rowsOf(p, group.query); });
+	s.d = determinants(s.rows);
 
-	const Lanes sumX = sumOverFacet(magnitude(s.own.x), magnitude(s.other.x));
-	const Lanes sumY = sumOverFacet(magnitude(s.own.y), magnitude(s.other.y));
-	const Lanes sumZ = sumOverFacet(magnitude(s.own.z), magnitude(s.other.z));
-	const Lanes sumL = sumOverFacet(s.own.l, s.other.l);
+	const auto& [a, b, c, d] = s.rows;
+	const Lanes sumX = magnitude(a.x) + magnitude(b.x) + magnitude(c.x);
+	const Lanes sumY = magnitude(a.y) + magnitude(b.y) + magnitude(c.y);
+	const Lanes sumZ = magnitude(a.z) + magnitude(b.z) + magnitude(c.z);
 	s.facetSum = sumX * sumY * sumZ;
-	s.sphereSum = (sumX + magnitude(s.beyond.x)) * (sumY + magnitude(s.beyond.y)) *
-	    (sumZ + magnitude(s.beyond.z)) * (sumL + s.beyond.l);
+	s.sphereSum = (sumX + magnitude(d.x)) * (sumY + magnitude(d.y)) * (sumZ + magnitude(d.z)) *
+	    (a.l + b.l + c.l + d.l);
 	return s;
 }
 
@@ -90,33 +108,33 @@ TULO3D_ALWAYS_INLINE LaneVerdicts<Lanes> fastStage(const LaneStage<Lanes>& s)
 /// determinant are multiples of a power of g, at most 2^50 times as large: nothing was rounded, if
 /// the differences themselves were not. That they are multiples of g is seen when adding 1.5 * 2^52 g
 /// and taking it away again leaves them as they are; that they are exact, by their tails.
-template <typename Lanes>
-TULO3D_ALWAYS_INLINE void exactStage(const Group<Lanes>& group, const Point3& query,
-    const LaneStage<Lanes>& s, LaneVerdicts<Lanes>& verdicts)
+template <template <typename> class Group, typename Lanes>
+TULO3D_ALWAYS_INLINE void exactStage(
+    const Group<Lanes>& group, const LaneStage<Lanes>& s, LaneVerdicts<Lanes>& verdicts)
 {
-	const auto size = [](const SphereRow<Lanes>& r) TULO3D_INLINE_LAMBDA {
+	const auto sizes = mapped(s.rows, [](const auto& r) TULO3D_INLINE_LAMBDA {
 		return magnitude(r.x) + magnitude(r.y) + magnitude(r.z);
-	};
-	const Lanes largest =
-	    sumOverFacet<Lanes>(size(s.own), size(s.other)) + size(s.beyond); // or more
+	});
+	const Lanes largest = sizes.a + sizes.b + sizes.c + sizes.d;      // or more
 	const Lanes powerOfTwo = maskedWith(largest, 0x7ff0000000000000); // at most that, above half
 	const Lanes shifter = (1.5 * 0x1p45) * powerOfTwo; // 1.5 * 2^52 g with g = powerOfTwo / 2^7
 
 	Flags<Lanes> inexact = (Flags<Lanes>)(powerOfTwo == 0.0); // so small that products underflow
-	const auto check = [&](const Lanes& coordinate, double origin) TULO3D_INLINE_LAMBDA {
-		const DoubleDouble<Lanes> difference = twoDiff<Lanes>(coordinate, Lanes{} + origin);
+	const auto check = [&](const Lanes& coordinate, const Lanes& origin) TULO3D_INLINE_LAMBDA {
+		const DoubleDouble<Lanes> difference = twoDiff(coordinate, origin);
 		const Lanes rounded = (difference.hi + shifter) - shifter;
 		inexact |= (Flags<Lanes>)(difference.lo != 0.0) | (Flags<Lanes>)(rounded != difference.hi);
 	};
 	const auto checkPoints = [&](const Points<Lanes>& p) TULO3D_INLINE_LAMBDA {
-		check(p.x, query.x());
-		check(p.y, query.y());
-		check(p.z, query.z());
+		check(p.x, group.query.x);
+		check(p.y, group.query.y);
+		check(p.z, group.query.z);
 	};
-	checkPoints(swapPairs(group.own));
-	checkPoints(group.other);
-	checkPoints(swapPairs(group.other));
-	checkPoints(group.beyond);
+	const auto points = group.map([](const auto& p) TULO3D_INLINE_LAMBDA { return p; });
+	checkPoints(points.a);
+	checkPoints(points.b);
+	checkPoints(points.c);
+	checkPoints(points.d);
 
 	verdicts.inside |= ~inexact & (Flags<Lanes>)(s.d.det < 0.0);
 	verdicts.outside |=
@@ -125,31 +143,36 @@ TULO3D_ALWAYS_INLINE void exactStage(const Group<Lanes>& group, const Point3& qu
 }
 
 /// Double-doubles with a bound for their error: nearly cospherical points, but not quite.
-template <typename Lanes>
-TULO3D_ALWAYS_INLINE void doubleDoubleStage(const Group<Lanes>& group, const Point3& query,
-    const LaneStage<Lanes>& s, LaneVerdicts<Lanes>& verdicts)
+template <template <typename> class Group, typename Lanes>
+TULO3D_ALWAYS_INLINE void doubleDoubleStage(
+    const Group<Lanes>& group, const LaneStage<Lanes>& s, LaneVerdicts<Lanes>& verdicts)
 {
-	const auto rows = [&query](const Points<Lanes>& p) TULO3D_INLINE_LAMBDA {
-		const Lanes x = Lanes{} + query.x(), y = Lanes{} + query.y(), z = Lanes{} + query.z();
-		return lifted<DoubleDouble<Lanes>>({twoDiff(p.x, x), twoDiff(p.y, y), twoDiff(p.z, z)});
-	};
-	const Lanes det = determinants(rows(group.own), rows(group.other), rows(group.beyond)).det.hi;
+	const auto rows = group.map([&group](const auto& p) TULO3D_INLINE_LAMBDA {
+		const Points<Lanes>& q = group.query;
+		return lifted<DoubleDouble<Lanes>>(
+		    {twoDiff(p.x, q.x), twoDiff(p.y, q.y), twoDiff(p.z, q.z)});
+	});
+	const Lanes det = determinants(rows).det.hi;
 	const Lanes bound = kSphereBoundDoubleDouble * s.sphereSum;
 	verdicts.inside |= (Flags<Lanes>)(det < -bound);
 	verdicts.outside |= (Flags<Lanes>)(det > bound);
 }
 
-template <typename Lanes>
-TULO3D_ALWAYS_INLINE LaneVerdicts<Lanes> slowStages(const Points<Lanes>& own,
-    const Points<Lanes>& other, const Points<Lanes>& beyond, const Point3& query)
+template <template <typename> class Group, typename Lanes>
+TULO3D_ALWAYS_INLINE LaneVerdicts<Lanes> slowStages(const Group<Lanes>& group)
 {
-	const Group<Lanes> group{own, other, beyond};
-	const LaneStage<Lanes> stage = laneStage(group, query);
+	const LaneStage<Lanes> stage = laneStage(group);
 	LaneVerdicts<Lanes> verdicts = fastStage(stage);
-	exactStage(group, query, stage, verdicts);
-	if (!allOf(verdicts.inside | verdicts.outside))
-		doubleDoubleStage(group, query, stage, verdicts);
+	exactStage(group, stage, verdicts);
+	if (!allOf(verdicts.inside | verdicts.outside)) doubleDoubleStage(group, stage, verdicts);
 	return verdicts;
+}
+
+template <typename Variant, typename Stage>
+TULO3D_ALWAYS_INLINE NeighbourVerdicts decideByPoints(const NeighbourBatch& batch, Stage stage)
+{
+	return Variant::decide(
+	    batch, [](const auto& points) TULO3D_INLINE_LAMBDA { return points; }, stage);
 }
 
 /// The other stages, for a batch with an undecided facet. Out of line: inlined, they would cost the hot path
@@ -159,10 +182,26 @@ TULO3D_ALWAYS_INLINE NeighbourVerdicts slowVerdicts(
     const NeighbourBatch& batch, const Point3& query)
 {
 	return Variant::compiled([&batch, &query]() TULO3D_INLINE_LAMBDA {
-		return Variant::decide(
-		    batch, [](const auto& points) TULO3D_INLINE_LAMBDA { return points; },
-		    [&query](const auto& own, const auto& other, const auto& beyond)
-		        TULO3D_INLINE_LAMBDA { return slowStages(own, other, beyond, query); });
+		return decideByPoints<Variant>(batch,
+		    [&query](const auto& own, const auto& other, const auto& beyond) TULO3D_INLINE_LAMBDA {
+			    using Lanes = decltype(own.x + own.x);
+			    const Points<Lanes> everywhere{
+			        Lanes{} + query.x(), Lanes{} + query.y(), Lanes{} + query.z()};
+			    return slowStages(NeighbourGroup<Lanes>{own, other, beyond, everywhere});
+		    });
+	});
+}
+
+template <typename Variant>
+unsigned testDelaunay(const NeighbourBatch& batch)
+{
+	return Variant::compiled([&batch]() TULO3D_INLINE_LAMBDA {
+		const NeighbourVerdicts verdicts = decideByPoints<Variant>(batch,
+		    [](const auto& own, const auto& other, const auto& opposite) TULO3D_INLINE_LAMBDA {
+			    using Lanes = decltype(own.x + own.x);
+			    return slowStages(DelaunayGroup<Lanes>{own, other, opposite});
+		    });
+		return verdicts.outside & verdicts.positive;
 	});
 }
 
@@ -172,6 +211,12 @@ template <typename Variant>
 NeighbourVerdicts slowVerdicts(const NeighbourBatch&, const Point3&)
 {
 	return {0, 0, 0};
+}
+
+template <typename Variant>
+unsigned testDelaunay(const NeighbourBatch&)
+{
+	return 0;
 }
 
 #endif
@@ -207,20 +252,31 @@ FacetSides testFacets(const Point3* const (&corner)[4], const Point3& query)
 }
 
 template <typename Variant>
-constexpr BatchTests testsOf()
+unsigned testScaledDelaunay(const NeighbourBatch& batch)
 {
-	return {testNeighbours<Variant>, testScaledNeighbours<Variant>, testFacets<Variant>,
-	    Variant::bAvx2};
+	const auto& [corner, opposite] = batch;
+	ScaledPoints<8> p({corner[0], corner[1], corner[2], corner[3], opposite[0], opposite[1],
+	                      opposite[2], opposite[3]},
+	    Scales::kCommon);
+	if (!p.areSafe()) return 0;
+	return testDelaunay<Variant>({{&p[0], &p[1], &p[2], &p[3]}, {&p[4], &p[5], &p[6], &p[7]}});
 }
+
+template <typename Variant>
+constexpr BatchTests kTinyTests{testScaledNeighbours<Variant>, testFacets<Variant>,
+    testScaledDelaunay<Variant>, Variant::bAvx2, nullptr};
+
+template <typename Variant>
+constexpr BatchTests kTests{testNeighbours<Variant>, testFacets<Variant>, testDelaunay<Variant>,
+    Variant::bAvx2, &kTinyTests<Variant>};
 
 } // namespace
 
-const BatchTests kPortableTests = testsOf<TwoLaneVariant>();
+const BatchTests kPortableTests = kTests<TwoLaneVariant>;
 
 const BatchTests* avx2Tests()
 {
-	static constexpr BatchTests tests = testsOf<FourLaneVariant>();
-	return cpuHasAvx2() ? &tests : nullptr;
+	return cpuHasAvx2() ? &kTests<FourLaneVariant> : nullptr;
 }
 
 const BatchTests& bestTests()

@@ -37,14 +37,20 @@ struct FacetSides
 
 using FacetTest = FacetSides (*)(const Point3* const (&corner)[4], const Point3& query);
 
+/// The facets, one bit for each, that are certainly locally Delaunay: the opposite corner lies strictly
+/// beyond the facet, and not inside the sphere of the tetrahedron.
+using DelaunayTest = unsigned (*)(const NeighbourBatch& batch);
+
 /// The tests of one variant.
 struct BatchTests
 {
 	NeighbourTest neighbours; ///< all stages
-	NeighbourTest
-	    tinyNeighbours; ///< replaces it once a nonzero coordinate below kLeastSafe is stored (T5)
 	FacetTest facets;
-	bool bAvx2; ///< which copy runLoop runs of a loop with an inlined first stage
+	DelaunayTest delaunay; ///< all stages
+	bool bAvx2;            ///< which copy runLoop runs of a loop with an inlined first stage
+	/// Replace these once a nonzero coordinate below kLeastSafe is stored (T5): they compute at a scale where no
+	/// product underflows, or decide nothing. Null in themselves.
+	const BatchTests* pForTiny;
 };
 
 /// For any CPU.

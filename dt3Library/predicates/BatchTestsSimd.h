@@ -132,33 +132,59 @@ struct LaneVerdicts
 	Flags<Lanes> inside, outside, positive;
 };
 
-/// Over the three corners of a facet: columns A, B and C of the table above.
-template <typename Lanes>
-TULO3D_ALWAYS_INLINE Lanes sumOverFacet(const Lanes& own, const Lanes& other)
+/// A facet in each lane and a fourth point for each: four points, or their rows.
+template <typename R>
+struct Quad
 {
-	return swapPairs(own) + other + swapPairs(other);
+	R a, b, c, d;
+};
+
+/// The facets from outside, with points beyond them: columns A, B and C of the table above.
+template <typename R>
+TULO3D_ALWAYS_INLINE Quad<R> facetsAnd(const R& own, const R& other, const R& beyond)
+{
+	return {swapPairs(own), other, swapPairs(other), beyond};
 }
 
-template <typename N>
-TULO3D_ALWAYS_INLINE SphereDeterminant<N> determinants(
-    const SphereRow<N>& own, const SphereRow<N>& other, const SphereRow<N>& beyond)
+/// The tetrahedron itself, in each lane with another facet, from inside, and the corner opposite it.
+template <typename R>
+TULO3D_ALWAYS_INLINE Quad<R> facetsFromInside(const R& own, const R& other)
 {
-	return sphereDeterminant(swapPairs(own), other, swapPairs(other), beyond);
+	return {other, swapPairs(own), swapPairs(other), own};
 }
 
+/// The points seen from one query point, or from one in each lane.
 template <typename Lanes>
 TULO3D_ALWAYS_INLINE SphereRow<Lanes> rowsOf(const Points<Lanes>& p, const Point3& query)
 {
 	return lifted<Lanes>({p.x - query.x(), p.y - query.y(), p.z - query.z()});
 }
 
+template <typename Lanes>
+TULO3D_ALWAYS_INLINE SphereRow<Lanes> rowsOf(const Points<Lanes>& p, const Points<Lanes>& query)
+{
+	return lifted<Lanes>({p.x - query.x, p.y - query.y, p.z - query.z});
+}
+
+/// `map` of each of the four.
+template <typename R, typename Map>
+TULO3D_ALWAYS_INLINE auto mapped(const Quad<R>& q, const Map& map)
+{
+	return Quad<decltype(map(q.a))>{map(q.a), map(q.b), map(q.c), map(q.d)};
+}
+
+template <typename N>
+TULO3D_ALWAYS_INLINE SphereDeterminant<N> determinants(const Quad<SphereRow<N>>& q)
+{
+	return sphereDeterminant(q.a, q.b, q.c, q.d);
+}
+
 /// Doubles with a cheap, generous bound, which nearly always decides all lanes.
 template <typename Lanes>
-TULO3D_ALWAYS_INLINE LaneVerdicts<Lanes> quickStage(
-    const SphereRow<Lanes>& own, const SphereRow<Lanes>& other, const SphereRow<Lanes>& beyond)
+TULO3D_ALWAYS_INLINE LaneVerdicts<Lanes> quickStage(const Quad<SphereRow<Lanes>>& q)
 {
-	const SphereDeterminant<Lanes> d = determinants(own, other, beyond);
-	const Lanes sumL = sumOverFacet(own.l, other.l) + beyond.l;
+	const SphereDeterminant<Lanes> d = determinants(q);
+	const Lanes sumL = q.a.l + q.b.l + q.c.l + q.d.l;
 	const Lanes volume = sumL * aboveRoot(sumL);
 	const Lanes bound = kQuickSphereBound * volume * sumL + kLostInQuickStage;
 	return {(Flags<Lanes>)(d.det < -bound), (Flags<Lanes>)(d.det > bound),
@@ -177,7 +203,7 @@ TULO3D_ALWAYS_INLINE LaneSides<Lanes> sidesOfFacets(
     const SphereRow<Lanes>& own, const SphereRow<Lanes>& other)
 {
 	const Lanes xyz = orientationDeterminant(swapPairs(own), other, swapPairs(other));
-	const Lanes sumL = sumOverFacet(own.l, other.l);
+	const Lanes sumL = swapPairs(own.l) + other.l + swapPairs(other.l);
 	const Lanes bound = kQuickFacetBound * (sumL * aboveRoot(sumL)) + kLostInQuickStage;
 	return {(Flags<Lanes>)(xyz > bound), (Flags<Lanes>)(xyz < -bound)};
 }
@@ -218,6 +244,7 @@ TULO3D_ALWAYS_INLINE NeighbourVerdicts unpacked(
 //              must be inlined into it
 //   decide     gathers the points, maps each group of them to rows, and calls a stage for each register
 //   verdicts   the first stage of the neighbour test
+//   delaunay   the first stage of the test for locally Delaunay facets
 //   sides      the first stage of the facet test, which has no other
 
 /// The first stage of a variant, alone.
@@ -231,7 +258,19 @@ struct FirstStage
 		    batch,
 		    [&query](const auto& points) TULO3D_INLINE_LAMBDA { return rowsOf(points, query); },
 		    [](const auto& own, const auto& other, const auto& beyond)
-		        TULO3D_INLINE_LAMBDA { return quickStage(own, other, beyond); });
+		        TULO3D_INLINE_LAMBDA { return quickStage(facetsAnd(own, other, beyond)); });
+	}
+
+	static TULO3D_ALWAYS_INLINE unsigned delaunay(const NeighbourBatch& batch)
+	{
+		const NeighbourVerdicts verdicts = Variant::decide(
+		    batch, [](const auto& points) TULO3D_INLINE_LAMBDA { return points; },
+		    [](const auto& own, const auto& other, const auto& opposite) TULO3D_INLINE_LAMBDA {
+			    return quickStage(mapped(facetsFromInside(own, other),
+			        [&opposite](const auto& p)
+			            TULO3D_INLINE_LAMBDA { return rowsOf(p, opposite); }));
+		    });
+		return verdicts.outside & verdicts.positive;
 	}
 };
 
@@ -310,6 +349,7 @@ struct TwoLaneVariant
 		return function();
 	}
 	static NeighbourVerdicts verdicts(const NeighbourBatch&, const Point3&) { return {0, 0, 0}; }
+	static unsigned delaunay(const NeighbourBatch&) { return 0; }
 	static FacetSides sides(const Point3* const (&)[4], const Point3&) { return {0, 0}; }
 };
 using FourLaneVariant = TwoLaneVariant;
