@@ -9,6 +9,9 @@
 #include "mesh/Prefetch.h"
 #include "predicates/BatchTestsSimd.h"
 
+#include <algorithm>
+#include <cstddef>
+
 namespace TULO3D {
 
 namespace {
@@ -45,23 +48,23 @@ void reportSphere(const Tet3& tet, const Point3& vtx)
 	vis.close();
 }
 
-// Distances of prefetching, in tetrahedra: a record must have come before its neighbours and corners can be
-// prefetched. Those of the neighbours are corners of tetrahedra nearby, and mostly in the cache.
-constexpr std::ptrdiff_t kTetsAhead = 32;
-constexpr std::ptrdiff_t kNeighboursAhead = 16;
-constexpr std::ptrdiff_t kVerticesAhead = 8;
+/// So many tetrahedra are gathered before they are tested, so that the cache misses of their vertices overlap;
+/// meanwhile the neighbours of the next ones are prefetched.
+constexpr std::ptrdiff_t kBlock = 16;
 
 /// A tetrahedron with the corners opposite its facets, as the batched test takes them.
 struct OppositeCorners
 {
 	NeighbourBatch batch;
-	unsigned hull = 0; ///< facets without a neighbour, where a corner of the tetrahedron stands in
-	bool bRegular = true; ///< no corner is null, and every neighbour names the tetrahedron
+	unsigned hull; ///< facets without a neighbour, where a corner of the tetrahedron stands in
+	int bRegular;  ///< no corner is null, and every neighbour names the tetrahedron
 };
 
 TULO3D_ALWAYS_INLINE OppositeCorners oppositeCorners(const Tet3& tet)
 {
 	OppositeCorners around;
+	around.hull = 0;
+	around.bRegular = 1;
 	for (int i = 0; i < 4; ++i) {
 		const Tet3* pNeigh = tet.getOppTet(i);
 		const bool bHull = pNeigh == nullptr;
@@ -73,19 +76,27 @@ TULO3D_ALWAYS_INLINE OppositeCorners oppositeCorners(const Tet3& tet)
 		around.batch.corner[i] = tet.getCorner(i);
 		around.batch.opposite[i] = pNeigh->getCorner(j);
 		around.hull |= static_cast<unsigned>(bHull) << i;
-		around.bRegular &= (bHull | (pNeigh->getOppTet(j) == &tet)) &
-		    (tet.getCorner(i) != nullptr) & (pNeigh->getCorner(j) != nullptr);
+		around.bRegular &= (int{bHull} | int{pNeigh->getOppTet(j) == &tet}) &
+		    int{tet.getCorner(i) != nullptr} & int{pNeigh->getCorner(j) != nullptr};
 	}
 	return around;
+}
+
+TULO3D_ALWAYS_INLINE void prefetchPoints(const NeighbourBatch& batch)
+{
+	for (int i = 0; i < 4; ++i) {
+		prefetchVertex(batch.corner[i]);
+		prefetchVertex(batch.opposite[i]);
+	}
 }
 
 /// True when all facets are certainly sound. Otherwise each of them is to be tested alone, in order: whatever
 /// is wrong with the mesh is found there.
 template <typename Variant>
-TULO3D_ALWAYS_INLINE bool isCertainlyDelaunay(const Tet3& tet, const BatchTests& tests)
+TULO3D_ALWAYS_INLINE bool isCertainlyDelaunay(
+    const OppositeCorners& around, const BatchTests& tests)
 {
-	const OppositeCorners around = oppositeCorners(tet);
-	if (!around.bRegular) return false;
+	if (around.bRegular == 0) return false;
 	const unsigned passed = around.hull | Variant::delaunay(around.batch);
 	return passed == 0xFU || (passed | tests.delaunay(around.batch)) == 0xFU;
 }
@@ -101,15 +112,20 @@ bool Dt3::checkValidity(const std::string& name, bool bCheckSphereInc) const
 	bool bValid = true;
 	tets.forEachRun(0, tets.size(), [&](const Tet3* pFirst, const Tet3* pLast) {
 		runLoop(batchTests, [&](auto variant) TULO3D_INLINE_LAMBDA {
-			for (const Tet3* pTet = pFirst; bValid && pTet != pLast; ++pTet) {
-				if (pLast - pTet > kTetsAhead) {
-					prefetchTet(pTet + kTetsAhead);
-					prefetchNeighbours(pTet[kNeighboursAhead]);
-					prefetchCorners(pTet[kVerticesAhead]);
+			OppositeCorners aAround[kBlock];
+			while (bValid && pFirst != pLast) {
+				const std::ptrdiff_t num = std::min(kBlock, pLast - pFirst);
+				for (std::ptrdiff_t i = 0; i < num; ++i) {
+					if (pLast - pFirst > kBlock + i) prefetchNeighbours(pFirst[kBlock + i]);
+					aAround[i] = oppositeCorners(pFirst[i]);
+					prefetchPoints(aAround[i].batch);
 				}
-				checkNotVisited(*pTet);
-				bValid = isCertainlyDelaunay<decltype(variant)>(*pTet, batchTests) ||
-				    checkFacets(*pTet, name, bCheckSphereInc);
+				for (std::ptrdiff_t i = 0; bValid && i < num; ++i) {
+					checkNotVisited(pFirst[i]);
+					bValid = isCertainlyDelaunay<decltype(variant)>(aAround[i], batchTests) ||
+					    checkFacets(pFirst[i], name, bCheckSphereInc);
+				}
+				pFirst += num;
 			}
 		});
 	});
