@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
-// The progress line: throttled while bytes are counted, a ticking clock while the library works.
+// The progress line: throttled where a share is known, else a ticking clock.
 #include "Progress.h"
+
+#include <cmath>
 
 #ifdef _WIN32
 #  include <io.h>
@@ -9,6 +11,19 @@
 #endif
 
 namespace app {
+
+namespace {
+
+// Rounded up: work that is not done yet takes a second at least.
+std::string timeLeft(double elapsed, double share)
+{
+	const double seconds = std::ceil(elapsed * (1 - share) / share);
+	const bool bMinutes = seconds >= 100;
+	return std::to_string(std::lround(bMinutes ? seconds / 60 : seconds)) +
+	    (bMinutes ? " min left" : " s left");
+}
+
+} // namespace
 
 bool isTerminal(std::FILE* pFile)
 {
@@ -30,22 +45,31 @@ void Progress::show(const std::string& text)
 	bLineShown = !text.empty();
 }
 
-void Progress::update(const char* what, std::size_t done, std::size_t total)
+void Progress::begin(const std::string& what)
 {
-	if (!bShow || Clock::now() - lastUpdate < std::chrono::milliseconds(100)) return;
-	lastUpdate = Clock::now();
-	const bool bShare = total > 0 && done <= total;
-	const auto share = static_cast<double>(done) / static_cast<double>(bShare ? total : 1);
-	show(std::string(what) + " " +
-	    (bShare ? std::to_string(static_cast<int>(100 * share)) + " %"
-	            : std::to_string(done >> 20) + " MB"));
+	stop();
+	began = Clock::now();
+	lastUpdate = {};
+	if (bShow) show(what);
+}
+
+void Progress::update(const std::string& what, std::size_t done, std::size_t total)
+{
+	const auto now = Clock::now();
+	if (!bShow || done == 0 || now - lastUpdate < std::chrono::milliseconds(100)) return;
+	lastUpdate = now;
+	if (total == 0 || done > total) return show(what + " " + std::to_string(done >> 20) + " MB");
+	const auto share = static_cast<double>(done) / static_cast<double>(total);
+	const double elapsed = std::chrono::duration<double>(now - began).count();
+	const auto percent = static_cast<int>(100 * share);
+	show(what + " " + std::to_string(percent) + " %" +
+	    (percent > 0 ? ", " + timeLeft(elapsed, share) : ""));
 }
 
 void Progress::start(const std::string& what)
 {
-	stop();
+	begin(what);
 	if (!bShow) return;
-	show(what);
 	ticker = std::thread([this, what] {
 		std::unique_lock<std::mutex> lock(mutex);
 		for (int seconds = 1;

@@ -25,11 +25,16 @@ public:
 	Progress(const Progress&) = delete;
 	Progress& operator=(const Progress&) = delete;
 
-	/// Shows how much of `total` is done, at most ten times a second; a total of 0 is unknown.
-	void update(const char* what, std::size_t done, std::size_t total);
+	/// Nothing is shown otherwise, so nobody needs to call `update`.
+	bool isShown() const { return bShow; }
 
-	/// Shows `what` and the seconds since this call until `stop`. The library reports no share of an
-	/// insertion that is done, so none is invented here.
+	/// Shows `what` until `update` or `stop`.
+	void begin(const std::string& what);
+	/// Shows how much of `total` is done and, from a hundredth on, the time left at this rate; at most ten
+	/// times a second. A total of 0 is unknown.
+	void update(const std::string& what, std::size_t done, std::size_t total);
+	/// Shows `what` and the seconds since this call until `stop`: for work whose share that is done is
+	/// not known.
 	void start(const std::string& what);
 	/// Wipes the line.
 	void stop();
@@ -43,6 +48,7 @@ private:
 	const bool bWarn;
 	const bool bShow;
 	bool bLineShown = false;
+	Clock::time_point began = Clock::now();
 	Clock::time_point lastUpdate{};
 	std::thread ticker;
 	std::mutex mutex;

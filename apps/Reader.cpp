@@ -128,6 +128,7 @@ std::vector<TULO3D::Point3> readPoints(
 {
 	const std::string name = file == "-" ? "(standard input)" : file;
 	const Source source{name, readWhole(file, name, progress), progress};
+	progress.begin("reading");
 	PointList points;
 	chooseFormat(source, format).read(source, points);
 	return points.take();

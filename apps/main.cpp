@@ -79,7 +79,14 @@ ExitStatus run(const Options& options, LibraryMessages& messages)
 	Tulo_3D triangulation;
 	triangulation.setVerbosity(options.bVerbose);
 	std::vector<Point3*> vHandles;
-	progress.start("inserting " + std::to_string(measured.numPoints) + " points");
+	const auto inserting = "inserting " + std::to_string(measured.numPoints) + " points";
+	progress.begin(inserting);
+	if (progress.isShown()) {
+		triangulation.setProgress([&](std::size_t numInserted, std::size_t numVertices) {
+			progress.update(inserting, numInserted, numVertices);
+			return true;
+		});
+	}
 	measured.insertSeconds = timed([&] { triangulation.insert(vPoints, vHandles); });
 	std::vector<Point3>().swap(vPoints);
 	requireMesh(options.file, triangulation);
