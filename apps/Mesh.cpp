@@ -2,6 +2,7 @@
 // The arrays of the mesh, and the check of its links.
 #include "Mesh.h"
 
+#include <array>
 #include <numeric>
 #include <utility>
 
@@ -14,18 +15,32 @@ using Numbers = std::vector<std::int32_t>;
 // The corners of facet i, counter-clockwise from outside.
 constexpr int kOutside[4][3] = {{1, 2, 3}, {0, 3, 2}, {0, 1, 3}, {0, 2, 1}};
 
+// Three numbers that are the same for two facets if and only if their corners are: the least, the largest and
+// the sum. Without branches, since the order in which the corners come cannot be predicted.
+std::array<std::int64_t, 3> facetKey(const std::int32_t* pCorners, std::size_t i)
+{
+	const std::int64_t a = pCorners[(i + 1) & 3], b = pCorners[(i + 2) & 3],
+	                   c = pCorners[(i + 3) & 3];
+	return {std::min(std::min(a, b), c), std::max(std::max(a, b), c), a + b + c};
+}
+
+// The first place of the number in a row of four; 3 when it is in none. Without branches, too.
+std::size_t placeIn(const std::int32_t* pRow, std::int32_t number)
+{
+	std::size_t place = 3;
+	for (std::size_t i = 3; i-- > 0;) place = pRow[i] == number ? i : place;
+	return place;
+}
+
 // True when neighbour i of the tetrahedron names it in turn, and has its corners but for corner i.
 bool isLinked(const Numbers& vCorners, const Numbers& vNeighbours, std::size_t tet, std::size_t i)
 {
 	const auto neigh = 4 * static_cast<std::size_t>(vNeighbours[4 * tet + i]);
 	if (neigh >= vNeighbours.size()) return false;
-	const auto* const pBack = &vNeighbours[neigh];
-	const auto back = std::find(pBack, pBack + 4, static_cast<std::int32_t>(tet)) - pBack;
-	if (back == 4) return false;
-	std::int32_t aExpected[4];
-	std::copy_n(&vCorners[4 * tet], 4, aExpected);
-	aExpected[i] = vCorners[neigh + static_cast<std::size_t>(back)];
-	return std::is_permutation(aExpected, aExpected + 4, &vCorners[neigh]);
+	const auto number = static_cast<std::int32_t>(tet);
+	const auto back = placeIn(&vNeighbours[neigh], number);
+	return vNeighbours[neigh + back] == number &&
+	    facetKey(&vCorners[4 * tet], i) == facetKey(&vCorners[neigh], back);
 }
 
 const char* findBrokenRecord(const Mesh& mesh)

@@ -66,6 +66,7 @@ const Damage kDamages[] = {
 	{"neighbours without a common facet", kLink, [](Parts& p) { p.pT->setOppTet(0, p.pT->getOppTet(1)); p.pT->setOppTet(1, p.pN); }},
 	{"a link that does not come back exactly once", kLink, [](Parts& p) { p.pT->setOppTet(0, p.pH); }},
 	{"a link that does not come back exactly once", kLink, [](Parts& p) { p.pT->setOppTet(0, nullptr); }},
+	{"a link that does not come back exactly once", kLink, [](Parts& p) { p.pT->setOppTet(3, nullptr); }},
 	{"a link to a tetrahedron that is not in the mesh", kNotAsked, [](Parts& p) { p.pT->setOppTet(0, reinterpret_cast<Tet3*>(&p.mesh.input[0])); }},
 	{"a hull edge not between exactly two hull facets", "the hull is not closed", [](Parts& p) { p.cut(0), p.cut(1); }},
 	{"two hull facets over each other", "V - E + F - T is not 1", [](Parts& p) { p.cut(0); }},
