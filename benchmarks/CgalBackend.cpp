@@ -63,6 +63,8 @@ public:
 		return num;
 	}
 
+	std::size_t check() override { return delaunay.is_valid() ? 1 : 0; }
+
 	std::size_t numVertices() const override { return delaunay.number_of_vertices(); }
 	std::size_t numTets() const override { return delaunay.number_of_finite_cells(); }
 

@@ -43,6 +43,11 @@ TABLE = [
     Row("locate", "uniform", 100000, LOCATORS, 0.24),
     Row("list", "uniform", 100000, READERS, None, 20),
     Row("stars", "uniform", 100000, READERS, 1.0, 5),
+    # Their seconds are to be compared with those of "build", too: at most a quarter of them.
+    Row("check", "uniform", 1000000, READERS, None),
+    Row("check", "sphere", 1000000, READERS, None),
+    Row("check", "grid", 1000000, READERS, None),
+    Row("check", "outliers", 1000000, READERS, None),
     # Hard on the curve that orders the vertices.
     Row("build", "pipe", 100000, BUILDERS, None),
     Row("build", "box", 100000, BUILDERS, None),
