@@ -147,6 +147,28 @@ Cloud longBox(std::size_t size, Random& random)
 	});
 }
 
+/// Rounded points of the moment curve, in order: every two of them are adjacent.
+Cloud moment(std::size_t size, Random&)
+{
+	double t = 0;
+	return repeat(size, [&t, step = 1.0 / static_cast<double>(size)] {
+		t += step;
+		return Point3(t, t * t, t * t * t);
+	});
+}
+
+/// Exactly on five skew lines.
+Cloud lines(std::size_t size, Random& random)
+{
+	const Point3 directions[] = {{1, 2, 3}, {-2, 1, 1}, {3, -1, 2}, {1, 1, -4}, {2, 3, -1}};
+	return repeat(size, [&] {
+		const int line = random.below(5);
+		const double t = random.below(1 << 20);
+		const Point3& d = directions[line];
+		return Point3(t * d.x() + line, t * d.y() + 7 * line, t * d.z() - 3 * line);
+	});
+}
+
 Cloud tiny(std::size_t size, Random& random)
 {
 	return repeat(size, [&] { return random.point(0, 1e-60); });
@@ -192,6 +214,8 @@ const std::vector<Workload>& workloads()
 	    {"pipe", "a long pipe along x with a wall", pipe},
 	    {"box", "random points of a box of 0.1 x 0.1 x 500", longBox},
 	    {"flat", "x = f(y, z): hardly any extent in x", terrainFlatInX},
+	    {"moment", "points of the moment curve in order", moment},
+	    {"lines", "random points exactly on five lines", lines},
 	    {"tiny", "random points of a cube with a side of 1e-60", tiny},
 	    {"scales8", "random directions, distances over 8 decades", scales<8>},
 	    {"scales12", "the same over 12 decades", scales<12>},

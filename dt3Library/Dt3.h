@@ -14,6 +14,7 @@
 #include "ardo_tools/SimplePool.h"
 #include "lookahead/ColdCavity.h"
 #include "mesh/CollisionIndex.h"
+#include "mesh/HullEdges.h"
 #include "mesh/StarLinker.h"
 #include "predicates/BatchTests.h"
 
@@ -279,7 +280,8 @@ private:
 	/// A new tetrahedron over a facet of the cavity boundary, linked to the neighbour that stays.
 	Tet3* closeFacet(const CavityFacet& facet, Point3* pVtx);
 	// Dt3Hull.cpp
-	std::vector<Tet3*> gatherVisibleTets(const Point3* pVtx, Tet3* pCurTet, int outIndex) const;
+	/// The tetrahedra with a hull facet that is visible from pVtx, first pCurTet.
+	std::vector<Tet3*> gatherVisibleTets(const Point3* pVtx, Tet3* pCurTet, int outIndex);
 	// Dt3Link.cpp
 	/// Prints what is wrong with a link from a tetrahedron to itself.
 	static void refuseSelfLink(const Tet3* pTet);
@@ -297,6 +299,7 @@ private:
 	StarLinker star; ///< the tetrahedra that the current insertion makes
 	Cavity cavity{vDeadTets, star, batchTests, predicates};
 	ColdCavity coldCavity;
+	HullEdges hullEdges;
 	CollisionIndex collisionIndex; ///< finds the partner in a long vHashCollisions
 };
 

@@ -20,7 +20,6 @@
 #include "Dt3.h"
 #include "Dt3Inline.h"
 #include "Message.h"
-#include "TetAroundEdgeIterator.h"
 #include "ardo_tools/SmallPointerSet.h"
 
 namespace TULO3D {
@@ -55,12 +54,13 @@ Tet3* Dt3::insertAtHull(Point3** ppVtx, Tet3* pCurTet, int outIndex)
 	Tet3* pNewTet2 = vDoomedTets.empty() ? nullptr : retriangulateDoomedTets(vDoomedTets, pVtx);
 
 	linkOpenStar();
+	for (Tet3* pTet : star.vTets) hullEdges.update(*pTet);
 	if (pNewTet1 == nullptr) pNewTet1 = pNewTet2;
 	CONDITION_CHECK(pNewTet1!=0);
 	return pNewTet1;
 }
 
-std::vector<Tet3*> Dt3::gatherVisibleTets(const Point3* pVtx, Tet3* pCurTet, int outIndex) const
+std::vector<Tet3*> Dt3::gatherVisibleTets(const Point3* pVtx, Tet3* pCurTet, int outIndex)
 {
 	// A search over the hull surface, from facet to facet around their common edges: the visible facets
 	// are connected, because the hull is convex. A tetrahedron is gathered with all its facets that are
@@ -83,11 +83,10 @@ std::vector<Tet3*> Dt3::gatherVisibleTets(const Point3* pVtx, Tet3* pCurTet, int
 	gathered.add(pCurTet);
 	gather(pCurTet, outIndex);
 	while (!vEdges.empty()) {
-		TetAroundEdgeIterator it(vEdges.back());
+		const Facet3 facet = hullEdges.across(vEdges.back());
 		vEdges.pop_back();
-		while (!it.nextIsNull()) ++it;
-		Tet3* pHullTet = *it;
-		const int h = it.getOpp2Index();
+		Tet3* pHullTet = facet.getTet();
+		const int h = facet.getOpp3Index();
 		CONDITION_CHECK_AS(pHullTet->getOppTet(h) == nullptr, "pCurTet->getOppTet(opp2ICI)==0");
 		if (gathered.contains(pHullTet)) continue;
 		if (predicates.getOrientation3(pHullTet, h, pVtx) != ORIENTATION3_NEGATIVE) continue;

@@ -2,7 +2,9 @@
 // How points arrive: each promise of the insertion with its shortest case, and the large inputs that
 // are hard for a walk or a cavity.
 #include "Dt3.h"
+#include "TetAroundEdgeIterator.h"
 #include "lookahead/WalkStart.h"
+#include "mesh/HullEdges.h"
 #include "support.h"
 
 using namespace TULO3D;
@@ -220,6 +222,29 @@ TEST(Insert, CavitiesFoundAheadMakeTheSameTetrahedra)
 		const auto expected = outcomeWith(first, cloud, kPortableTests, false);
 		EXPECT_TRUE(outcomeWith(first, cloud, kPortableTests, true) == expected);
 		EXPECT_TRUE(outcomeWith(first, cloud, bestTests(), true) == expected);
+	}
+}
+
+TEST(Insert, TheHullFacetAcrossAnEdgeIsWhereACirculationEnds)
+{
+	points::Random random(4);
+	for (const bool bLines : {false, true}) {
+		support::Recorded mesh;
+		HullEdges edges;                // outlives the facets that it remembers
+		for (int i = 1; i < 120; ++i) { // at the ends of the moment curve, or of two lines, in turn
+			const double t = i % 2 == 0 ? i : -i;
+			const Point3 onLine(std::max(t, 0.0), std::min(t, 0.0), i % 2);
+			mesh.insert(bLines ? random.nudged(onLine) : Point3(t, t * t, t * t * t));
+			for (Tet3* pTet : mesh.tets()) {
+				for (int k = 0; k < 16; ++k) {
+					if (k / 4 == k % 4 || pTet->getOppTet(k / 4) != nullptr) continue;
+					const Edge3 edge = pTet->getEdge(k / 4, k % 4);
+					TetAroundEdgeIterator it(edge);
+					while (!it.nextIsNull()) ++it;
+					ASSERT_EQ(edges.across(edge), Facet3(*it, it.getOpp2Index())) << i;
+				}
+			}
+		}
 	}
 }
 
