@@ -3,6 +3,7 @@
 #pragma once
 
 #include "ArdoTest3.h"
+#include "Vec.h"
 
 #include <array>
 #include <cstddef>
@@ -38,6 +39,15 @@ struct FlatMesh
 		return k;
 	}
 };
+
+/// The edges of tetrahedron `t` from its corner 0 to the others.
+inline std::array<Vec, 3> edgesFrom0(const FlatMesh& mesh, std::int32_t t)
+{
+	const std::int32_t* pCorner = mesh.corners(t);
+	const double* p0 = mesh.point(pCorner[0]);
+	return {between(p0, mesh.point(pCorner[1])), between(p0, mesh.point(pCorner[2])),
+	    between(p0, mesh.point(pCorner[3]))};
+}
 
 /// Facet k, counter-clockwise from outside.
 constexpr int kOutside[4][3] = {{1, 2, 3}, {0, 3, 2}, {0, 1, 3}, {0, 2, 1}};

@@ -11,20 +11,20 @@ namespace binding {
 
 namespace {
 
-/// The edges of tetrahedron `t` from its corner 0 to the others.
-std::array<Vec, 3> edgesFrom0(const FlatMesh& mesh, std::int32_t t)
-{
-	const std::int32_t* pCorner = mesh.corners(t);
-	const double* p0 = mesh.point(pCorner[0]);
-	return {between(p0, mesh.point(pCorner[1])), between(p0, mesh.point(pCorner[2])),
-	    between(p0, mesh.point(pCorner[3]))};
-}
-
 /// Adds up values, each `weight` times.
 void addValues(const Samples& samples, std::int32_t v, double weight, double* pResult)
 {
 	const double* pValue = samples.pValues + static_cast<std::size_t>(v) * samples.numColumns;
 	for (std::size_t j = 0; j < samples.numColumns; ++j) pResult[j] += weight * pValue[j];
+}
+
+/// The weights of the corners of tetrahedron `t` that make up point `p`; their sum is 1.
+std::array<double, 4> barycentric(const FlatMesh& mesh, std::int32_t t, const double* p)
+{
+	const auto [a, b, c] = edgesFrom0(mesh, t);
+	const ThreeEquations equations({a.x, b.x, c.x}, {a.y, b.y, c.y}, {a.z, b.z, c.z});
+	const Vec w = equations.solve(between(mesh.point(mesh.corners(t)[0]), p));
+	return {1.0 - w.x - w.y - w.z, w.x, w.y, w.z};
 }
 
 /// Writes one linear interpolant.
@@ -38,14 +38,6 @@ void addLinearly(
 }
 
 } // namespace
-
-std::array<double, 4> barycentric(const FlatMesh& mesh, std::int32_t t, const double* p)
-{
-	const auto [a, b, c] = edgesFrom0(mesh, t);
-	const ThreeEquations equations({a.x, b.x, c.x}, {a.y, b.y, c.y}, {a.z, b.z, c.z});
-	const Vec w = equations.solve(between(mesh.point(mesh.corners(t)[0]), p));
-	return {1.0 - w.x - w.y - w.z, w.x, w.y, w.z};
-}
 
 void interpolateLinearly(
     const FlatMesh& mesh, const Samples& samples, double fill, double* pResults, const Poll& poll)

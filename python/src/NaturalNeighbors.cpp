@@ -2,6 +2,7 @@
 // Sibson's coordinates.
 #include "NaturalNeighbors.h"
 
+#include <array>
 #include <cmath>
 
 namespace binding {
@@ -19,6 +20,8 @@ Vec circumcenter(const Vec& a, const Vec& b)
 
 bool NaturalNeighbors::find(const double* p, std::int32_t t)
 {
+	const auto [a, b, c] = edgesFrom0(mesh, t);
+	scale = unitScale(a, b, c);
 	findCavity(p, t);
 	vertices.clear();
 	vArms.clear();
@@ -51,11 +54,9 @@ void NaturalNeighbors::meet(std::int32_t t, const double* p)
 	exact.setTet(t);
 	Met met{exact.isInSphere(), {}};
 	if (met.bInCavity) {
-		const std::int32_t* pCorner = mesh.corners(t);
-		const double* p0 = mesh.point(pCorner[0]);
-		met.center = between(p, p0) +
-		    binding::circumcenter(between(p0, mesh.point(pCorner[1])),
-		        between(p0, mesh.point(pCorner[2])), between(p0, mesh.point(pCorner[3])));
+		const auto [a, b, c] = edgesFrom0(mesh, t);
+		met.center = scaledBetween(p, mesh.point(*mesh.corners(t))) +
+		    binding::circumcenter(scale * a, scale * b, scale * c);
 	}
 	vMet.push_back(met);
 }
@@ -64,7 +65,7 @@ std::size_t NaturalNeighbors::numberOf(std::int32_t v, const double* p)
 {
 	const std::size_t number = vertices.numberOf(v);
 	if (number == vArms.size()) {
-		vArms.push_back(between(p, mesh.point(v)));
+		vArms.push_back(scaledBetween(p, mesh.point(v)));
 		vWeights.push_back(0.0);
 	}
 	return number;

@@ -6,15 +6,11 @@
 #include "IndexMap.h"
 #include "Vec.h"
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <vector>
 
 namespace binding {
-
-/// The weights of the corners of tetrahedron `t` that make up point `p`; their sum is 1.
-std::array<double, 4> barycentric(const FlatMesh& mesh, std::int32_t t, const double* p);
 
 /// The natural neighbours of one point after the other, and their weights.
 ///
@@ -44,9 +40,11 @@ private:
 	struct Met
 	{
 		bool bInCavity;
-		Vec center; ///< of its sphere, if in the cavity; as all vectors here, seen from the point
+		Vec center; ///< of its sphere, if in the cavity; as all vectors here, seen from the point, scaled
 	};
 
+	/// From point `q` to point `p`, brought to the magnitude of the tetrahedron around the query point.
+	Vec scaledBetween(const double* q, const double* p) const { return scale * between(q, p); }
 	void findCavity(const double* p, std::int32_t t);
 	void meet(std::int32_t t, const double* p);
 	/// Adds what facet k of cavity tetrahedron `t` contributes.
@@ -59,6 +57,7 @@ private:
 
 	const FlatMesh& mesh;
 	ExactTests exact;
+	double scale = 1.0;
 	IndexMap tets;
 	std::vector<Met> vMet; // by the numbers of `tets`
 	IndexMap vertices;

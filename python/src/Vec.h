@@ -6,6 +6,7 @@
 #include <array>
 #include <cmath>
 #include <cstddef>
+#include <initializer_list>
 #include <limits>
 #include <utility>
 
@@ -48,6 +49,20 @@ inline double norm(const Vec& a)
 inline Vec between(const double* q, const double* p)
 {
 	return {p[0] - q[0], p[1] - q[1], p[2] - q[2]};
+}
+
+/// The power of two that brings the largest of the values to less than 2 and, unless it is a denormal number,
+/// to at least 1. Products of values scaled like this neither overflow nor, where they matter, underflow.
+inline double unitScale(std::initializer_list<double> values)
+{
+	double largest = 0.0;
+	for (const double x : values) largest = std::max(largest, std::abs(x));
+	// At most 2^1000, as the reciprocal of a denormal number may be infinite.
+	return largest > 0.0 ? std::scalbn(1.0, std::min(-std::ilogb(largest), 1000)) : 1.0;
+}
+inline double unitScale(const Vec& a, const Vec& b, const Vec& c)
+{
+	return unitScale({a.x, a.y, a.z, b.x, b.y, b.z, c.x, c.y, c.z});
 }
 
 /// The centre of the sphere through 0, a, b and c; not finite when these are coplanar.
@@ -99,17 +114,12 @@ inline ThreeEquations::ThreeEquations(const Vec& row0, const Vec& row1, const Ve
 
 inline void ThreeEquations::scale()
 {
-	// At most 2^1000, as the reciprocal of a denormal number may be infinite.
-	const auto scaleOf = [](double x, double y, double z) {
-		const double largest = std::max({std::abs(x), std::abs(y), std::abs(z)});
-		return largest > 0.0 ? std::scalbn(1.0, std::min(-std::ilogb(largest), 1000)) : 1.0;
-	};
 	for (std::size_t i = 0; i < 3; ++i) {
-		rowScale[i] = scaleOf(a[i][0], a[i][1], a[i][2]);
+		rowScale[i] = unitScale({a[i][0], a[i][1], a[i][2]});
 		for (double& x : a[i]) x *= rowScale[i];
 	}
 	for (std::size_t j = 0; j < 3; ++j) {
-		columnScale[j] = scaleOf(a[0][j], a[1][j], a[2][j]);
+		columnScale[j] = unitScale({a[0][j], a[1][j], a[2][j]});
 		for (auto& r : a) r[j] *= columnScale[j];
 	}
 }

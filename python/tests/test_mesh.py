@@ -102,6 +102,9 @@ def test_derived_arrays_agree_with_their_definitions():
     for i in range(0, 300, 10):
         np.testing.assert_array_equal(indices[indptr[i] : indptr[i + 1]], np.nonzero(mesh.simplices == i)[0])
     assert 0 < mesh.quality.min() and mesh.quality.max() <= 1
+    tiny = tulo3d.Delaunay(points * 2.0**-400)  # the squares of its coordinates underflow
+    np.testing.assert_allclose(np.sort(tiny.quality), np.sort(mesh.quality))
+    np.testing.assert_allclose(np.sort(tiny.circumradii) * 2.0**400, np.sort(mesh.circumradii))
     regular = tulo3d.Delaunay([[1, 1, 1], [1, -1, -1], [-1, 1, -1], [-1, -1, 1]])
     assert regular.quality == pytest.approx([1]) and regular.volumes == pytest.approx([8 / 3])
 

@@ -94,6 +94,7 @@ def test_natural_weights_are_the_volumes_taken_from_voronoi_cells():
     points = np.random.default_rng(7).random((120, 3))
     values = np.eye(120)  # the results are the weights themselves
     natural = tulo3d.NaturalNeighborInterpolator(points, values)
+    tiny = tulo3d.NaturalNeighborInterpolator(points * 2.0**-400, values)
 
     def cells(sites):
         voronoi = scipy.spatial.Voronoi(sites)
@@ -110,6 +111,7 @@ def test_natural_weights_are_the_volumes_taken_from_voronoi_cells():
             taken = np.nan_to_num(before - after[:-1])
         assert np.isfinite(after[-1])
         np.testing.assert_allclose(natural(query), taken / after[-1], atol=1e-9)
+        np.testing.assert_allclose(tiny(np.multiply(query, 2.0**-400)), natural(query), atol=1e-12)
 
 
 def test_natural_interpolation_is_smooth_between_points():
