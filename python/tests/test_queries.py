@@ -51,9 +51,8 @@ def test_points_on_the_hull_are_inside():
     assert (mesh.find_simplex(outside) < 0).all()
 
 
-@pytest.mark.parametrize("interpolator", INTERPOLATORS)
 @pytest.mark.parametrize("family", sorted(FAMILIES.keys() - {"DenormalsOnly"}))  # its slopes would be infinite
-def test_linear_functions_are_found_again_in_hard_meshes(interpolator, family):
+def test_linear_functions_are_found_again_in_hard_meshes(family):
     points = FAMILIES[family]
     mesh = tulo3d.Delaunay(points)
     scale = abs(points - points.mean(axis=0)).max()
@@ -64,7 +63,8 @@ def test_linear_functions_are_found_again_in_hard_meshes(interpolator, family):
     queries = np.concatenate([queries, points[:100], points[mesh.convex_hull[:100]].mean(axis=1)])
     queries = queries[mesh.find_simplex(queries) >= 0]
     expected = (queries - points.mean(axis=0)) @ slope.T
-    np.testing.assert_allclose(interpolator(mesh, values)(queries), expected, atol=1e-11)
+    for interpolator in INTERPOLATORS:
+        np.testing.assert_allclose(interpolator(mesh, values)(queries), expected, atol=1e-11)
 
 
 def test_the_linear_interpolant_is_that_of_scipy():
@@ -78,15 +78,11 @@ def test_the_linear_interpolant_is_that_of_scipy():
     for xi in ((x, y, z), ((x, y, z),), (0.5, 0.5, 0.5), ((QUERIES[:3], 0.5, 0.5),)):
         np.testing.assert_allclose(ours(*xi), theirs(*xi), atol=1e-9)
         assert ours.gradient(*xi).shape == (*ours(*xi).shape, 3)
-    inner = QUERIES[ours.mesh.find_simplex(QUERIES) >= 0]
-    step = 1e-6 * np.eye(3)
-    found = ours.mesh.find_simplex(inner)
-    same = (ours.mesh.find_simplex(inner[:, np.newaxis] + step).T == found).all(axis=0)
-    numeric = np.stack([(ours(inner + h) - ours(inner)) / 1e-6 for h in step], axis=-1)
-    # In flat tetrahedra the gradients are large, and rounding with them.
-    gradient = ours.gradient(inner)
-    error = abs(gradient - numeric)[same].max(axis=(1, 2)) / (1 + abs(gradient[same]).max(axis=(1, 2)))
-    assert same.sum() > 1000 and error.max() < 1e-5
+    found = ours.mesh.find_simplex(QUERIES)
+    inner, corners = QUERIES[found >= 0], ours.mesh.simplices[found[found >= 0]]
+    arms = POINTS[corners] - inner[:, np.newaxis]
+    at_corners = ours(inner)[:, np.newaxis] + np.einsum("nci,nki->nkc", ours.gradient(inner), arms)
+    np.testing.assert_allclose(at_corners, values[corners], atol=1e-9)
     assert np.isnan(ours.gradient([5, 5, 5])).all() and ours.gradient([5, 5, 5]).shape == (3, 3)
 
 
@@ -98,15 +94,14 @@ def test_natural_weights_are_the_volumes_taken_from_voronoi_cells():
 
     def cells(sites):
         voronoi = scipy.spatial.Voronoi(sites)
-        regions = [voronoi.regions[i] for i in voronoi.point_region]
-        return [
-            np.inf if -1 in region else scipy.spatial.ConvexHull(voronoi.vertices[region]).volume
-            for region in regions
-        ]
+        corners = (voronoi.vertices[voronoi.regions[i]] for i in voronoi.point_region)
+        bounded = (-1 not in voronoi.regions[i] for i in voronoi.point_region)
+        volumes = (scipy.spatial.ConvexHull(v).volume if b else np.inf for v, b in zip(corners, bounded))
+        return np.array(list(volumes))
 
-    before = np.array(cells(points))
+    before = cells(points)
     for query in ([0.5, 0.5, 0.5], [0.4, 0.6, 0.5], [0.45, 0.45, 0.6], points[:4].mean(axis=0) / 2 + 0.25):
-        after = np.array(cells([*points, query]))
+        after = cells([*points, query])
         with np.errstate(invalid="ignore"):
             taken = np.nan_to_num(before - after[:-1])
         assert np.isfinite(after[-1])
@@ -115,17 +110,13 @@ def test_natural_weights_are_the_volumes_taken_from_voronoi_cells():
 
 
 def test_natural_interpolation_is_smooth_between_points():
-    rng = np.random.default_rng(8)
-    points = rng.random((200, 3))
-    natural = tulo3d.NaturalNeighborInterpolator(points, np.sin(7 * points).prod(axis=1))
-    linear = tulo3d.LinearInterpolator(natural.mesh, np.sin(7 * points).prod(axis=1))
+    points = np.random.default_rng(8).random((200, 3))
+    values = np.sin(7 * points).prod(axis=1)
     t = np.linspace(0.3, 0.7, 20001)[:, np.newaxis]
     line = t * [1, 1, 1] + [0.01, -0.02, 0.015]
 
-    def largest_jump_of_slope(interpolator):
-        return abs(np.diff(interpolator(line), 2)).max() / (t[1] - t[0])[0]
-
-    assert 100 * largest_jump_of_slope(natural) < largest_jump_of_slope(linear)
+    linear, natural = (abs(np.diff(make(points, values)(line), 2)).max() for make in INTERPOLATORS)
+    assert 100 * natural < linear
 
 
 def test_values_have_any_number_of_columns_and_points_may_come_as_a_mesh():
@@ -137,8 +128,7 @@ def test_values_have_any_number_of_columns_and_points_may_come_as_a_mesh():
         single = make(POINTS, values[:, 1, 2], fill_value=0)(QUERIES)
         np.testing.assert_allclose(np.nan_to_num(whole[..., 1, 2].ravel()), single, atol=1e-12)
         before = make(mesh, values)
-        at_points = before(POINTS)
-        np.testing.assert_allclose(at_points, values, atol=1e-12)
+        np.testing.assert_allclose(before(POINTS), values, atol=1e-12)
     mesh.add_points([[2, 2, 2]])
     assert np.isnan(before([1.5, 1.5, 1.5])).all()
     with pytest.raises(ValueError, match="values must"):
