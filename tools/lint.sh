@@ -20,15 +20,7 @@ check() { # NAME COMMAND...
 }
 
 tidy() {
-	local log
-	log=$(mktemp)
-	cmake --preset clang >/dev/null &&
-		run-clang-tidy -p build/clang -quiet -j "$(nproc)" '/(dt3Library|apps|examples)/' &>"$log"
-	local status=$?
-	# Of all that it says, the findings and the lines that explain them.
-	((status == 0)) || grep -vE '^clang-tidy|warnings generated|^Suppressed|^Use -header-filter' "$log"
-	rm -f "$log"
-	return "$status"
+	cmake --preset clang >/dev/null && tools/tidy.sh build/clang '/(dt3Library|apps|examples)/'
 }
 
 mapfile -t sources < <(git ls-files --cached --others --exclude-standard '*.cpp' '*.h')

@@ -54,9 +54,9 @@ test_preset() {
 	return "$status"
 }
 
-# Builds and installs the wheel and tests it there.
+# Builds and installs the wheel, reads its sources with tools and tests it there.
 test_python() {
-	local wheels=$root/build/wheels status=0
+	local wheels=$root/build/wheels build=build/python/wheel status=0
 	if ! has_package python3-dev || ! python3 -c "import sys; sys.exit(sys.version_info < (3, 10))"; then
 		echo "The Python package needs Python 3.10 or newer with its headers (Debian package python3-dev)."
 		return 77
@@ -70,13 +70,19 @@ test_python() {
 
 	echo "== python: build"
 	rm -rf "$wheels"
-	"${pip[@]}" wheel --no-build-isolation --no-deps --wheel-dir "$wheels" . &&
+	SKBUILD_BUILD_DIR=$build CMAKE_EXPORT_COMPILE_COMMANDS=ON \
+		"${pip[@]}" wheel --no-build-isolation --no-deps --wheel-dir "$wheels" . &&
 		"${pip[@]}" install --no-deps --force-reinstall "$wheels"/*.whl || return 1
 	if ! "${pip[@]}" install "$(echo "$wheels"/*.whl)[test]"; then
 		echo "What its tests need cannot be had from the Python package index."
 		return 77
 	fi
 	[[ $(uname) != Linux ]] || "$venv/bin/auditwheel" show "$wheels"/*.whl || status=1
+
+	if command -v run-clang-tidy >/dev/null; then
+		echo "== python: clang-tidy"
+		tools/tidy.sh "$build" '/python/src/' || status=1
+	fi
 
 	echo "== python: test"
 	local report=$wheels/test-report.xml
