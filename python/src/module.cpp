@@ -246,7 +246,9 @@ NB_MODULE(_core, m)
 
 	m.attr("version") = TULO3D_PYTHON_VERSION;
 
-	const nb::exception<InternalError> internalError(m, "InternalError", PyExc_RuntimeError);
+	nb::exception<InternalError> internalError(m, "InternalError", PyExc_RuntimeError);
+	internalError.doc() =
+	    "The library has found a state that only a defect can bring about: please report it.";
 
 	// Arrays come as they are: a copy made on the way in would be filled in vain, or read in vain.
 	const auto array = [](const char* name) { return nb::arg(name).noconvert(); };

@@ -65,9 +65,10 @@ class Delaunay:
 
     All arrays are read-only and never change: `add_points` makes new ones. So any number of threads may
     read one object and ask it at the same time; `add_points` and `close` need it for themselves and raise
-    `RuntimeError` when another thread is at it. While points are inserted and while queries are
-    answered, other Python threads run. Ctrl-C ends both; a constructor then leaves nothing behind, and
-    an object whose `add_points` was ended is as it was before.
+    `RuntimeError` when another thread is at it, as do arrays that have not been made since. While the
+    C++ part is at work, other Python threads run. Ctrl-C ends insertion, `find_simplex` and interpolation,
+    not `is_valid` or an array in the making; a constructor then leaves nothing behind, and an object whose
+    `add_points` was ended is as it was before.
 
     Pickles and copies hold the arrays; nothing is triangulated again until the next `add_points`.
 
@@ -303,7 +304,10 @@ class Delaunay:
 
     @property
     def volumes(self) -> FloatArray:
-        """The volumes of the tetrahedra, shape (nsimplex,), in the unit of the points to the third power."""
+        """The volumes of the tetrahedra, shape (nsimplex,), in the unit of the points to the third power.
+
+        Zero where the volume is less than the smallest double, with edges of about 1e-108.
+        """
         return self._mesh.volumes
 
     @property
@@ -355,6 +359,11 @@ class Delaunay:
             Index of a tetrahedron that contains the point, inside or on its boundary; -1 outside of the
             hull and for NaN. A point on the hull is found.
 
+        Raises
+        ------
+        ValueError
+            For queries of another shape or type.
+
         Notes
         -----
         Walks through the mesh [1]_, from query to query along a space-filling curve.
@@ -384,14 +393,14 @@ class Delaunay:
     def to_pyvista(self) -> pyvista.UnstructuredGrid:
         """Return the mesh as a grid of PyVista, with the cell array "quality".
 
-        Needs PyVista: ``pip install tulo3d[plot]``.
+        Needs PyVista: ``pip install pyvista``.
         """
         return _pictures.to_pyvista(self)
 
     def plot(self, clip: _pictures.Clip = None, **options: Any) -> Any:
         """Show the mesh, coloured by `quality`.
 
-        Needs PyVista: ``pip install tulo3d[plot]``.
+        Needs PyVista: ``pip install pyvista``.
 
         Parameters
         ----------
@@ -412,7 +421,7 @@ class Delaunay:
     def to_meshio(self) -> meshio.Mesh:
         """Return the mesh for meshio, which writes it to files of some forty formats.
 
-        Needs meshio: ``pip install tulo3d[io]``.
+        Needs meshio: ``pip install meshio``.
         """
         return _pictures.to_meshio(self)
 

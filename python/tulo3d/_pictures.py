@@ -21,7 +21,7 @@ def to_pyvista(mesh: Delaunay) -> pyvista.UnstructuredGrid:
     try:
         import pyvista
     except ImportError as error:
-        raise ImportError("this takes PyVista: pip install tulo3d[plot]") from error
+        raise ImportError("this takes PyVista: pip install pyvista") from error
     grid = pyvista.UnstructuredGrid({pyvista.CellType.TETRA: mesh.simplices}, np.array(mesh.points))
     grid.cell_data["quality"] = mesh.quality
     return grid
@@ -40,5 +40,5 @@ def to_meshio(mesh: Delaunay) -> meshio.Mesh:
     try:
         import meshio
     except ImportError as error:
-        raise ImportError("this takes meshio: pip install tulo3d[io]") from error
+        raise ImportError("this takes meshio: pip install meshio") from error
     return meshio.Mesh(mesh.points, [("tetra", mesh.simplices)])
