@@ -53,6 +53,19 @@ TABLE = [
     Row("build", "box", 100000, BUILDERS, None),
     Row("build", "flat", 100000, BUILDERS, None),
     Row("build", "twoclusters", 100000, BUILDERS, None),
+    # Points at many scales, and far below 1.
+    Row("build", "scales8", 1000000, READERS, 0.80),
+    Row("build", "scales12", 300000, READERS, 0.80),
+    Row("build", "scales30", 200000, READERS, 0.80),
+    Row("build", "decades", 10000, READERS, 0.80),
+    Row("build", "tiny", 100000, READERS, 1.50),
+    Row("build", "Denormals", 10000, READERS, 1.50),
+    # Many tetrahedra at each edge.
+    Row("single", "moment", 1000, READERS, 3.0),
+    Row("single", "TwoSkewLines", 1000, READERS, 3.0),
+    Row("build", "MomentCurve", 1000, READERS, 1.0),
+    Row("build", "lines", 4000, READERS, 1.0),
+    Row("build", "Cylinder", 200000, READERS, 1.0),
 ]
 SIZES = [m * 10**e for e in range(3, 7) for m in (1, 3)] + [5 * 10**6, 10**7]
 SWEEP = [Row("build", "uniform", n, BUILDERS, None) for n in SIZES]

@@ -147,12 +147,12 @@ Cloud longBox(std::size_t size, Random& random)
 	});
 }
 
-/// Rounded points of the moment curve, in order: every two of them are adjacent.
+/// Rounded points of the moment curve, at its two ends in turn: every two of them are adjacent.
 Cloud moment(std::size_t size, Random&)
 {
 	double t = 0;
 	return repeat(size, [&t, step = 1.0 / static_cast<double>(size)] {
-		t += step;
+		t = t < 0 ? step - t : -t - step;
 		return Point3(t, t * t, t * t * t);
 	});
 }
@@ -214,7 +214,7 @@ const std::vector<Workload>& workloads()
 	    {"pipe", "a long pipe along x with a wall", pipe},
 	    {"box", "random points of a box of 0.1 x 0.1 x 500", longBox},
 	    {"flat", "x = f(y, z): hardly any extent in x", terrainFlatInX},
-	    {"moment", "points of the moment curve in order", moment},
+	    {"moment", "points of the moment curve, at its ends in turn", moment},
 	    {"lines", "random points exactly on five lines", lines},
 	    {"tiny", "random points of a cube with a side of 1e-60", tiny},
 	    {"scales8", "random directions, distances over 8 decades", scales<8>},
