@@ -188,7 +188,7 @@ void insphereTest(State& state, Kind kind)
 	for (Case& c : vCases) records.make(&c[0], &c[1], &c[2], &c[3]);
 	std::size_t i = 0;
 	for (auto _ : state) {
-		benchmark::DoNotOptimize(kPredicates.sphereInclusionTest(records.vTets[i], &vCases[i][4]));
+		benchmark::DoNotOptimize(kPredicates.sphereInclusionTest(records.vTets[i], &vCases[i][4], 0xF));
 		i = (i + 1) % kNumCases;
 	}
 }
@@ -212,7 +212,7 @@ void neighbourTest(State& state, Kind kind, const BatchTests* pTests)
 	}
 	std::size_t i = 0;
 	for (auto _ : state) {
-		benchmark::DoNotOptimize(pTests->neighbours(vBatches[i], vCases[i][4]));
+		benchmark::DoNotOptimize(pTests->neighbours(vBatches[i], vCases[i][4], 0xF));
 		i = (i + 1) % kNumCases;
 	}
 	state.SetItemsProcessed(4 * state.iterations());

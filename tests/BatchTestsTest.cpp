@@ -41,14 +41,14 @@ TEST(BatchTests, NoVariantDecidesAWrongSign)
 			};
 			const BatchTests& portable = variantOf(kPortableTests);
 			const NeighbourVerdicts first = bFirstStage ? TwoLaneVariant::verdicts(batch, p[8])
-			                                            : portable.neighbours(batch, p[8]);
+			                                            : portable.neighbours(batch, p[8], 0xF);
 			const FacetSides sides = portable.facets(batch.corner, p[8]);
 			const unsigned quick = TwoLaneVariant::delaunay(batch);
 			const unsigned delaunay = bFirstStage ? quick : quick | portable.delaunay(batch);
 			for (const BatchTests* pTests : variants) {
 				if (pTests == nullptr) continue; // not on this CPU
 				pTests = &variantOf(*pTests);
-				const NeighbourVerdicts v = pTests->neighbours(batch, p[8]);
+				const NeighbourVerdicts v = pTests->neighbours(batch, p[8], 0xF);
 				ASSERT_TRUE(bFirstStage ||
 				    (v.inside == first.inside && v.outside == first.outside &&
 				        v.positive == first.positive))

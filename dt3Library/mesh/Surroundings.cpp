@@ -9,7 +9,7 @@ NeighbourVerdicts decideRest(Tet3* pTet, unsigned undecided, const Point3& vtx,
     const BatchTests& tests, const ArdoTest3& predicates)
 {
 	const Surroundings around = gatherNeighbours(pTet);
-	NeighbourVerdicts verdicts = tests.neighbours(batchOf(*pTet, around), vtx);
+	NeighbourVerdicts verdicts = tests.neighbours(batchOf(*pTet, around), vtx, undecided);
 	undecided &= ~(verdicts.inside | verdicts.outside);
 	for (int i = 0; undecided >> i != 0; ++i) {
 		if ((undecided >> i & 1U) == 0) continue;

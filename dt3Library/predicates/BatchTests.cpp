@@ -53,14 +53,15 @@ struct DelaunayGroup
 	}
 };
 
-TULO3D_ALWAYS_INLINE bool allOf(const Flags2& flags)
+/// `wanted` has a bit for each lane.
+template <typename Lanes>
+TULO3D_ALWAYS_INLINE bool areDecided(const LaneVerdicts<Lanes>& verdicts, unsigned wanted)
 {
-	return (flags[0] & flags[1]) != 0;
-}
-
-TULO3D_ALWAYS_INLINE bool allOf(const Flags4& flags)
-{
-	return (flags[0] & flags[1] & flags[2] & flags[3]) != 0;
+	constexpr unsigned kLanes = sizeof(Lanes) / sizeof(double);
+	const Flags<Lanes> decided = verdicts.inside | verdicts.outside;
+	bool bAll = true;
+	for (unsigned i = 0; i < kLanes; ++i) bAll &= (wanted >> i & 1U) == 0 || decided[i] != 0;
+	return bAll;
 }
 
 /// What the stages have in common: the rows and determinants in doubles, and the bounds before
@@ -159,12 +160,12 @@ TULO3D_ALWAYS_INLINE void doubleDoubleStage(
 }
 
 template <template <typename> class Group, typename Lanes>
-TULO3D_ALWAYS_INLINE LaneVerdicts<Lanes> slowStages(const Group<Lanes>& group)
+TULO3D_ALWAYS_INLINE LaneVerdicts<Lanes> slowStages(const Group<Lanes>& group, unsigned wanted)
 {
 	const LaneStage<Lanes> stage = laneStage(group);
 	LaneVerdicts<Lanes> verdicts = fastStage(stage);
 	exactStage(group, stage, verdicts);
-	if (!allOf(verdicts.inside | verdicts.outside)) doubleDoubleStage(group, stage, verdicts);
+	if (!areDecided(verdicts, wanted)) doubleDoubleStage(group, stage, verdicts);
 	return verdicts;
 }
 
@@ -179,16 +180,18 @@ TULO3D_ALWAYS_INLINE NeighbourVerdicts decideByPoints(const NeighbourBatch& batc
 /// registers (spills).
 template <typename Variant>
 TULO3D_ALWAYS_INLINE NeighbourVerdicts slowVerdicts(
-    const NeighbourBatch& batch, const Point3& query)
+    const NeighbourBatch& batch, const Point3& query, unsigned wanted)
 {
-	return Variant::compiled([&batch, &query]() TULO3D_INLINE_LAMBDA {
+	return Variant::compiled([&batch, &query, wanted]() TULO3D_INLINE_LAMBDA {
 		return decideByPoints<Variant>(batch,
-		    [&query](const auto& own, const auto& other, const auto& beyond) TULO3D_INLINE_LAMBDA {
-			    using Lanes = decltype(own.x + own.x);
-			    const Points<Lanes> everywhere{
-			        Lanes{} + query.x(), Lanes{} + query.y(), Lanes{} + query.z()};
-			    return slowStages(NeighbourGroup<Lanes>{own, other, beyond, everywhere});
-		    });
+		    [&query, wanted](const auto& own, const auto& other, const auto& beyond, int firstFacet)
+		        TULO3D_INLINE_LAMBDA {
+			        using Lanes = decltype(own.x + own.x);
+			        const Points<Lanes> everywhere{
+			            Lanes{} + query.x(), Lanes{} + query.y(), Lanes{} + query.z()};
+			        return slowStages(NeighbourGroup<Lanes>{own, other, beyond, everywhere},
+			            wanted >> firstFacet);
+		        });
 	});
 }
 
@@ -197,10 +200,11 @@ unsigned testDelaunay(const NeighbourBatch& batch)
 {
 	return Variant::compiled([&batch]() TULO3D_INLINE_LAMBDA {
 		const NeighbourVerdicts verdicts = decideByPoints<Variant>(batch,
-		    [](const auto& own, const auto& other, const auto& opposite) TULO3D_INLINE_LAMBDA {
-			    using Lanes = decltype(own.x + own.x);
-			    return slowStages(DelaunayGroup<Lanes>{own, other, opposite});
-		    });
+		    [](const auto& own, const auto& other, const auto& opposite, int /*firstFacet*/)
+		        TULO3D_INLINE_LAMBDA {
+			        using Lanes = decltype(own.x + own.x);
+			        return slowStages(DelaunayGroup<Lanes>{own, other, opposite}, 0xFU);
+		        });
 		return verdicts.outside & verdicts.positive;
 	});
 }
@@ -208,7 +212,7 @@ unsigned testDelaunay(const NeighbourBatch& batch)
 #else
 
 template <typename Variant>
-NeighbourVerdicts slowVerdicts(const NeighbourBatch&, const Point3&)
+NeighbourVerdicts slowVerdicts(const NeighbourBatch&, const Point3&, unsigned)
 {
 	return {0, 0, 0};
 }
@@ -222,18 +226,19 @@ unsigned testDelaunay(const NeighbourBatch&)
 #endif
 
 template <typename Variant>
-NeighbourVerdicts testNeighbours(const NeighbourBatch& batch, const Point3& query)
+NeighbourVerdicts testNeighbours(const NeighbourBatch& batch, const Point3& query, unsigned wanted)
 {
-	return Variant::compiled([&batch, &query]() TULO3D_INLINE_LAMBDA {
+	return Variant::compiled([&batch, &query, wanted]() TULO3D_INLINE_LAMBDA {
 		const NeighbourVerdicts verdicts = Variant::verdicts(batch, query);
-		if ((verdicts.inside | verdicts.outside) == 0xFU) return verdicts;
-		return slowVerdicts<Variant>(batch, query);
+		if ((wanted & ~(verdicts.inside | verdicts.outside)) == 0) return verdicts;
+		return slowVerdicts<Variant>(batch, query, wanted);
 	});
 }
 
 /// The same at a scale where no product underflows; undecided where there is none.
 template <typename Variant>
-NeighbourVerdicts testScaledNeighbours(const NeighbourBatch& batch, const Point3& query)
+NeighbourVerdicts testScaledNeighbours(
+    const NeighbourBatch& batch, const Point3& query, unsigned wanted)
 {
 	const auto& [corner, opposite] = batch;
 	ScaledPoints<9> p({corner[0], corner[1], corner[2], corner[3], opposite[0], opposite[1],
@@ -241,7 +246,7 @@ NeighbourVerdicts testScaledNeighbours(const NeighbourBatch& batch, const Point3
 	    Scales::kCommon);
 	if (!p.areSafe()) return {0, 0, 0};
 	return testNeighbours<Variant>(
-	    {{&p[0], &p[1], &p[2], &p[3]}, {&p[4], &p[5], &p[6], &p[7]}}, p[8]);
+	    {{&p[0], &p[1], &p[2], &p[3]}, {&p[4], &p[5], &p[6], &p[7]}}, p[8], wanted);
 }
 
 template <typename Variant>

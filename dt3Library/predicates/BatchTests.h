@@ -24,8 +24,10 @@ struct NeighbourVerdicts
 	unsigned positive; ///< strictly on the tetrahedron's own side of the facet
 };
 
-/// A variant of the test. Variants may differ in what they leave undecided, never in a sign (T7).
-using NeighbourTest = NeighbourVerdicts (*)(const NeighbourBatch& batch, const Point3& query);
+/// A variant of the test. Variants may differ in what they leave undecided, never in a sign (T7). Stages end once
+/// the facets `wanted` are decided: a stand-in would be no reason to go on.
+using NeighbourTest = NeighbourVerdicts (*)(
+    const NeighbourBatch& batch, const Point3& query, unsigned wanted);
 
 /// On which sides of a tetrahedron's facets a point lies, one bit for each facet; exact where set.
 /// Where both are clear it is in the plane of the facet, or too close to tell.

@@ -257,7 +257,7 @@ struct FirstStage
 		return Variant::decide(
 		    batch,
 		    [&query](const auto& points) TULO3D_INLINE_LAMBDA { return rowsOf(points, query); },
-		    [](const auto& own, const auto& other, const auto& beyond)
+		    [](const auto& own, const auto& other, const auto& beyond, int /*firstFacet*/)
 		        TULO3D_INLINE_LAMBDA { return quickStage(facetsAnd(own, other, beyond)); });
 	}
 
@@ -265,11 +265,12 @@ struct FirstStage
 	{
 		const NeighbourVerdicts verdicts = Variant::decide(
 		    batch, [](const auto& points) TULO3D_INLINE_LAMBDA { return points; },
-		    [](const auto& own, const auto& other, const auto& opposite) TULO3D_INLINE_LAMBDA {
-			    return quickStage(mapped(facetsFromInside(own, other),
-			        [&opposite](const auto& p)
-			            TULO3D_INLINE_LAMBDA { return rowsOf(p, opposite); }));
-		    });
+		    [](const auto& own, const auto& other, const auto& opposite, int /*firstFacet*/)
+		        TULO3D_INLINE_LAMBDA {
+			        return quickStage(mapped(facetsFromInside(own, other),
+			            [&opposite](const auto& p)
+			                TULO3D_INLINE_LAMBDA { return rowsOf(p, opposite); }));
+		        });
 		return verdicts.outside & verdicts.positive;
 	}
 };
@@ -290,7 +291,7 @@ struct FourLaneVariant : FirstStage<FourLaneVariant>
 	    const NeighbourBatch& batch, ToRow toRow, Stage stage)
 	{
 		const auto own = toRow(gather(batch.corner));
-		return unpacked(stage(own, swapHalves(own), toRow(gather(batch.opposite))));
+		return unpacked(stage(own, swapHalves(own), toRow(gather(batch.opposite)), 0));
 	}
 
 	static TULO3D_ALWAYS_INLINE FacetSides sides(
@@ -320,8 +321,9 @@ struct TwoLaneVariant : FirstStage<TwoLaneVariant>
 	{
 		const auto rows01 = toRow(gather(batch.corner[0], batch.corner[1]));
 		const auto rows23 = toRow(gather(batch.corner[2], batch.corner[3]));
-		return unpacked(stage(rows01, rows23, toRow(gather(batch.opposite[0], batch.opposite[1]))),
-		    stage(rows23, rows01, toRow(gather(batch.opposite[2], batch.opposite[3]))));
+		const auto beyond01 = toRow(gather(batch.opposite[0], batch.opposite[1]));
+		const auto beyond23 = toRow(gather(batch.opposite[2], batch.opposite[3]));
+		return unpacked(stage(rows01, rows23, beyond01, 0), stage(rows23, rows01, beyond23, 2));
 	}
 
 	static TULO3D_ALWAYS_INLINE FacetSides sides(
