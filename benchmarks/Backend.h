@@ -27,6 +27,8 @@ public:
 	virtual void build() = 0;
 	/// Triangulates the points one by one in the order given, without a hint.
 	virtual void insertOneByOne() { refuse(); }
+	/// The same with the vertex before as a hint, where the library takes one.
+	virtual void insertInOrder() { refuse(); }
 	/// Locates every query and returns how many lie in a tetrahedron.
 	virtual std::size_t locate() { refuse(); }
 	/// Collects a handle of each tetrahedron and returns their number.

@@ -35,6 +35,12 @@ public:
 		for (const auto& p : vPoints) delaunay.insert(p);
 	}
 
+	void insertInOrder() override
+	{
+		typename Delaunay::Vertex_handle hint;
+		for (const auto& p : vPoints) hint = delaunay.insert(p, hint);
+	}
+
 	std::size_t locate() override
 	{
 		std::size_t num = 0;

@@ -26,6 +26,8 @@ public:
 		for (Point3& p : vPoints) triangulation.insert(p);
 	}
 
+	void insertInOrder() override { insertOneByOne(); }
+
 	std::size_t locate() override
 	{
 		std::size_t num = 0;

@@ -41,6 +41,7 @@ struct Operation
 const std::map<std::string, Operation> kOperations = {
     {"build", {false, [](Backend& b) { return b.build(), std::size_t{0}; }}},
     {"single", {false, [](Backend& b) { return b.insertOneByOne(), std::size_t{0}; }}},
+    {"ordered", {false, [](Backend& b) { return b.insertInOrder(), std::size_t{0}; }}},
     {"locate", {true, [](Backend& b) { return b.locate(); }}},
     {"list", {true, [](Backend& b) { return b.listTets(); }}},
     {"stars", {true, [](Backend& b) { return b.collectStars(); }}},
@@ -139,7 +140,7 @@ int main(int argc, char** argv)
 	    ->check(CLI::PositiveNumber);
 	cli.add_flag_callback("--libraries", listLibraries, "Print the libraries of this build");
 	CLI11_PARSE(cli, argc, argv)
-	if (options.operation == "build" || options.operation == "single") options.repeat = 1;
+	if (!kOperations.at(options.operation).bNeedsMesh) options.repeat = 1;
 	try {
 		run(options);
 	} catch (const std::exception& error) {

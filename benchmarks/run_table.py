@@ -40,6 +40,7 @@ TABLE = [
     Row("build", "sphere", 1000000, BUILDERS, 0.80),
     Row("build", "grid", 1000000, BUILDERS, 0.60),
     Row("single", "uniform", 100000, LOCATORS, 0.50),
+    Row("ordered", "laser", 100000, LOCATORS, 0.80),
     Row("locate", "uniform", 100000, LOCATORS, 0.24),
     Row("list", "uniform", 100000, READERS, None, 20),
     Row("stars", "uniform", 100000, READERS, 1.0, 5),

@@ -89,6 +89,21 @@ Cloud terrain(std::size_t size, Random& random)
 	});
 }
 
+/// As a laser scans a surface: line by line, each in the same direction, the points off the surface
+/// and the raster by a tenth of their distance.
+Cloud laser(std::size_t size, Random& random)
+{
+	const auto numPerLine = std::max(2.0, std::ceil(std::sqrt(static_cast<double>(size))));
+	const double spacing = 1 / numPerLine;
+	double numBefore = 0;
+	return repeat(size, [&] {
+		const double line = std::floor(numBefore / numPerLine);
+		const double x = spacing * (numBefore - line * numPerLine), y = spacing * line;
+		++numBefore;
+		return around({x, y, height(x, y)}, 0.1 * spacing, random);
+	});
+}
+
 Cloud terrainFlatInX(std::size_t size, Random& random)
 {
 	return repeat(size, [&] {
@@ -208,6 +223,7 @@ const std::vector<Workload>& workloads()
 	    {"clusters", "100 gaussian clusters in a cube", clusters},
 	    {"outliers", "uniform, 8 of the points a thousand times farther out", outliers},
 	    {"terrain", "z = f(x, y) over a square", terrain},
+	    {"laser", "the same in scan order, line by line, with a little noise", laser},
 	    {"helix", "random points around a helix with 10 turns", helix},
 	    {"sphere", "random points of a sphere", sphere},
 	    {"grid", "the nearest cubic integer grid, x running slowest", grid},
