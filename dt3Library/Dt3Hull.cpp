@@ -131,8 +131,13 @@ Tet3* Dt3::retriangulateDoomedTets(const std::vector<Tet3*>& vDoomedTets, Point3
 		for (int i = 0; i < 4; ++i) {
 			Tet3* pOppTet = pDoomedTet->getOppTet(i);
 			if (pOppTet != nullptr && CavityMark::isSet(*pOppTet)) continue;
-			// Only a hull facet may fail: one that the vertex sees, or in whose plane it lies, disappears.
-			if (predicates.getOrientation3(pDoomedTet, i, pVtx) != ORIENTATION3_POSITIVE) continue;
+			// A hull facet that the vertex sees, or in whose plane it lies, disappears. Any other facet has the vertex
+			// on its inner side, without a test: its plane is where the powers with respect to the two circumspheres
+			// are equal. Beyond it that of pOppTet is the smaller one, and pOppTet would be in conflict, too.
+			if (pOppTet == nullptr &&
+			    predicates.getOrientation3(pDoomedTet, i, pVtx) != ORIENTATION3_POSITIVE) {
+				continue;
+			}
 			pNewTet = closeFacet({pDoomedTet, static_cast<unsigned>(i), 1U << i}, pVtx);
 			CONDITION_CHECK(pNewTet!=0);
 			CONDITION_CHECK(!pNewTet->hasBeenVisited);

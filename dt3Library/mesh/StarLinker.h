@@ -72,14 +72,14 @@ public:
 	}
 
 	/// Links a star that ends at the hull: facets without a partner get a null neighbour, for which the
-	/// entries are cleared first. False, with nothing linked, when there are too many vertices.
+	/// entries that will be read are cleared first. False, with nothing linked, when there are too many vertices.
 	bool linkOpen()
 	{
 		const bool bLinks = numberVertices();
 		if (bLinks) {
-			for (std::uint32_t i = 0; i < numVertices; ++i) {
-				Tet3** pRow = edges + std::size_t{i} * kMaxVertices;
-				std::fill(pRow, pRow + numVertices, nullptr);
+			for (const Tet3* pTet : vTets) {
+				const Places at = placesOfNeighbours(*pTet);
+				edges[at.facet1] = edges[at.facet2] = edges[at.facet3] = nullptr;
 			}
 			linkNumbered();
 		}
@@ -127,6 +127,15 @@ private:
 	static std::uint32_t numberOf(const Point3* pVtx)
 	{
 		return static_cast<std::uint32_t>(reinterpret_cast<std::uintptr_t>(pVtx->getOneTet()));
+	}
+
+	/// The edges of its triangle reversed.
+	static Places placesOfNeighbours(const Tet3& tet)
+	{
+		const std::uint32_t a = numberOf(tet.getCorner(1));
+		const std::uint32_t b = numberOf(tet.getCorner(2));
+		const std::uint32_t c = numberOf(tet.getCorner(3));
+		return {c * kMaxVertices + b, a * kMaxVertices + c, b * kMaxVertices + a};
 	}
 
 	void giveLinksBack()
