@@ -298,6 +298,7 @@ private:
 	int* pNextLabel = &Tet3::runningLabel;
 	StarLinker star; ///< the tetrahedra that the current insertion makes
 	Cavity cavity{vDeadTets, star, batchTests, predicates};
+	ScratchArray<CavityFacet> vDoomedFacets; ///< the cavity boundary of an insertion at the hull
 	ColdCavity coldCavity;
 	HullEdges hullEdges;
 	CollisionIndex collisionIndex; ///< finds the partner in a long vHashCollisions

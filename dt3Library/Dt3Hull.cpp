@@ -31,9 +31,11 @@ Tet3* Dt3::insertAtHull(Point3** ppVtx, Tet3* pCurTet, int outIndex)
 	CONDITION_CHECK(numStoredTCS==0);
 	Point3* pVtx = *ppVtx;
 
+	const std::vector<Tet3*> vVisible = gatherVisibleTets(pVtx, pCurTet, outIndex);
 	std::vector<Tet3*> vCHTets;
 	std::vector<Tet3*> vInConflict;
-	for (Tet3* pTet : gatherVisibleTets(pVtx, pCurTet, outIndex)) {
+	vInConflict.reserve(vVisible.size());
+	for (Tet3* pTet : vVisible) {
 		const bool bStays = predicates.sphereInclusionTest(pTet, pVtx) == SIC_OUTSIDE;
 		if (bStays) expectUnmarked(*pTet, "!pCHTet->hasBeenVisited");
 		(bStays ? vCHTets : vInConflict).push_back(pTet);
@@ -126,22 +128,30 @@ Tet3* Dt3::retriangulateDoomedTets(const std::vector<Tet3*>& vDoomedTets, Point3
 		return nullptr;
 	}
 	Tet3* pNewTet = nullptr;
+	vDoomedFacets.clear();
 	for (Tet3* pDoomedTet : vDoomedTets) {
 		CONDITION_CHECK(pDoomedTet->hasBeenVisited);
-		for (int i = 0; i < 4; ++i) {
-			Tet3* pOppTet = pDoomedTet->getOppTet(i);
-			if (pOppTet != nullptr && CavityMark::isSet(*pOppTet)) continue;
-			// A hull facet that the vertex sees, or in whose plane it lies, disappears. Any other facet has the vertex
-			// on its inner side, without a test: its plane is where the powers with respect to the two circumspheres
-			// are equal. Beyond it that of pOppTet is the smaller one, and pOppTet would be in conflict, too.
-			if (pOppTet == nullptr &&
-			    predicates.getOrientation3(pDoomedTet, i, pVtx) != ORIENTATION3_POSITIVE) {
-				continue;
-			}
-			pNewTet = closeFacet({pDoomedTet, static_cast<unsigned>(i), 1U << i}, pVtx);
-			CONDITION_CHECK(pNewTet!=0);
-			CONDITION_CHECK(!pNewTet->hasBeenVisited);
+		auto facets = vDoomedFacets.writer(4);
+		for (unsigned i = 0; i < 4; ++i) {
+			const Tet3* pOppTet = pDoomedTet->getOppTet(static_cast<int>(i));
+			const bool bHull = pOppTet == nullptr;
+			const bool bOpen = !CavityMark::isSet(bHull ? *pDoomedTet : *pOppTet);
+			facets.pushIf(bHull | bOpen, {pDoomedTet, i, unsigned{bOpen} << i});
 		}
+		vDoomedFacets.accept(facets);
+	}
+	for (const auto& [pDoomedTet, i, positive] : vDoomedFacets) {
+		// A hull facet that the vertex sees, or in whose plane it lies, disappears. Any other facet has the vertex on
+		// its inner side, without a test: in its plane the powers with respect to the two circumspheres are equal;
+		// beyond it that of the tetrahedron which stays is the smaller one, and this would be in conflict, too.
+		if (positive == 0 &&
+		    predicates.getOrientation3(pDoomedTet, static_cast<int>(i), pVtx) !=
+		        ORIENTATION3_POSITIVE) {
+			continue;
+		}
+		pNewTet = closeFacet({pDoomedTet, i, 1U << i}, pVtx);
+		CONDITION_CHECK(pNewTet!=0);
+		CONDITION_CHECK(!pNewTet->hasBeenVisited);
 	}
 	return pNewTet;
 }
