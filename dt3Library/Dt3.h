@@ -263,8 +263,11 @@ private:
 	/// locateConflictTet, taken up again up to a thousand times where the watchdog stops it.
 	int locatePersistently(const Point3& p, Tet3*& pStartTet);
 	/// The same from a start that the curve has offered. A walk of more than 64 facet tests is taken up
-	/// from a nearer vertex around the point on the curve.
-	int locateByCurve(const Point3& p, Tet3*& pStartTet);
+	/// from a nearer vertex around the point on the curve. Unless null, pTetAtLast is nearer than pStartTet.
+	int locateByCurve(const Point3& p, Tet3*& pStartTet, Tet3* pTetAtLast);
+	/// A tetrahedron at the vertex that came singly before `p`, if that is nearer to `p` than pStartTet is, as in
+	/// the lines of a scan; else null.
+	Tet3* tetAtLastPoint(const Point3& p, Tet3* pStartTet) const;
 	// Dt3Cavity.cpp
 	/// Removes the tetrahedra in conflict with pVtx, of which pStartTet is one, and joins pVtx to the facets
 	/// of that cavity; the last tetrahedron made.
@@ -295,6 +298,7 @@ private:
 	TwoTetStruct* takeCollision(const Tet3* pTet, const Point3* key0, const Point3* key1);
 
 	FlatWitness flatWitness;
+	const Point3* pLastVtx = nullptr; ///< of the last point that came singly
 	int* pNextLabel = &Tet3::runningLabel;
 	StarLinker star; ///< the tetrahedra that the current insertion makes
 	Cavity cavity{vDeadTets, star, batchTests, predicates};

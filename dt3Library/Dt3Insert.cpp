@@ -103,6 +103,7 @@ Point3* Dt3::storeAndInsert(const Point3& p)
 		if (pLastTet == nullptr) pLastTet = hc3.findNearbyTet(*pVtx);
 		expectUnmarked(*pLastTet, "!pLastTet->hasBeenVisited");
 		insertVertex(&pVtx, pLastTet, true);
+		pLastVtx = pVtx;
 		return pVtx;
 	}
 	pLastTet = startUp();

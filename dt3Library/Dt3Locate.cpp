@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Where a point lies: walks from one start or from two.
 #include "Dt3.h"
+#include "store/NearestStart.h"
 
 namespace TULO3D {
 
@@ -34,23 +35,36 @@ int Dt3::locatePersistently(const Point3& p, Tet3*& pStartTet)
 	return publicResult(end);
 }
 
-int Dt3::locateByCurve(const Point3& p, Tet3*& pStartTet)
+Tet3* Dt3::tetAtLastPoint(const Point3& p, Tet3* pStartTet) const
 {
-	Tet3* pNearer = hc3.nearerTet(p, pStartTet);
-	if (pNearer == pStartTet) return locatePersistently(p, pStartTet);
+	if (pLastVtx == nullptr) return nullptr;
+	NearestStart nearest(p, pStartTet);
+	nearest.consider(*pLastVtx);
+	return nearest.tet() == pStartTet ? nullptr : nearest.tet();
+}
 
-	// The result is that of a walk from pStartTet, or of one from pNearer where that walk is longer than 64 facet
-	// tests. Only one tetrahedron has a point strictly inside, whatever the start; so the walk from pNearer,
-	// which saves cache misses, comes first. Only where it ends otherwise does the start decide what is found.
-	Tet3* pTet = pNearer;
+int Dt3::locateByCurve(const Point3& p, Tet3*& pStartTet, Tet3* pTetAtLast)
+{
+	Tet3* pFirstTry = pTetAtLast != nullptr ? pTetAtLast : hc3.nearerTet(p, pStartTet);
+	if (pFirstTry == pStartTet) return locatePersistently(p, pStartTet);
+
+	// The result is that of a walk from pStartTet, or of one from a nearer vertex around the point on the curve where
+	// that walk is longer than 64 facet tests. Only one tetrahedron has a point strictly inside, whatever the start;
+	// so a walk that is probably shorter, which saves cache misses, comes first. Only where it ends otherwise does the
+	// start decide what is found.
+	Tet3* pTet = pFirstTry;
 	if (walk.run(p, pTet, kFacetTestsOfAShortWalk) == Walk::kInside) {
 		pStartTet = pTet;
 		return Walk::kInside;
 	}
 	pTet = pStartTet;
 	const int end = walk.run(p, pTet, kFacetTestsOfAShortWalk);
-	pStartTet = end == Walk::kTooLong ? pNearer : pTet;
-	return end == Walk::kTooLong ? locatePersistently(p, pStartTet) : publicResult(end);
+	if (end != Walk::kTooLong) {
+		pStartTet = pTet;
+		return publicResult(end);
+	}
+	pStartTet = pTetAtLast != nullptr ? hc3.nearerTet(p, pStartTet) : pFirstTry;
+	return locatePersistently(p, pStartTet);
 }
 
 Tet3* Dt3::locate(const Point3& p)
@@ -59,7 +73,7 @@ Tet3* Dt3::locate(const Point3& p)
 	if (!hc3.bValid || !isInRange(p)) return nullptr;
 	Tet3* pTet = hc3.findNearbyTet(p);
 	if (pTet == nullptr) return nullptr;
-	const int result = locateByCurve(p, pTet);
+	const int result = locateByCurve(p, pTet, nullptr);
 	return result == Walk::kInside || result == Walk::kAtCorner ? pTet : nullptr;
 }
 

@@ -25,9 +25,10 @@ Tet3* Dt3::insertVertex(Point3** ppVtx, Tet3* pStartTet, bool bByCurve)
 
 	const auto age = static_cast<unsigned>(Tet3::loadLabel(*pNextLabel)) -
 	    static_cast<unsigned>(pStartTet->label);
-	const bool bCold = bLooksAhead && age > ColdCavity::kAge;
-	const int locateResult =
-	    bByCurve ? locateByCurve(**ppVtx, pCurTet) : locatePersistently(**ppVtx, pCurTet);
+	Tet3* pTetAtLast = bByCurve ? tetAtLastPoint(**ppVtx, pStartTet) : nullptr;
+	const bool bCold = bLooksAhead && age > ColdCavity::kAge && pTetAtLast == nullptr;
+	const int locateResult = bByCurve ? locateByCurve(**ppVtx, pCurTet, pTetAtLast)
+	                                  : locatePersistently(**ppVtx, pCurTet);
 	CONDITION_CHECK(locateResult!=-99);
 	if (locateResult == -2) return resolveDuplicate(ppVtx, pCurTet, locateResult);
 	if (locateResult >= 0) {
