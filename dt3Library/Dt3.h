@@ -263,11 +263,11 @@ private:
 	/// locateConflictTet, taken up again up to a thousand times where the watchdog stops it.
 	int locatePersistently(const Point3& p, Tet3*& pStartTet);
 	/// The same from a start that the curve has offered. A walk of more than 64 facet tests is taken up
-	/// from a nearer vertex around the point on the curve. Unless null, pTetAtLast is nearer than pStartTet.
+	/// from a nearer vertex around the point on the curve. Unless null, pTetAtLast is near to `p`.
 	int locateByCurve(const Point3& p, Tet3*& pStartTet, Tet3* pTetAtLast);
-	/// A tetrahedron at the vertex that came singly before `p`, if that is nearer to `p` than pStartTet is, as in
-	/// the lines of a scan; else null.
-	Tet3* tetAtLastPoint(const Point3& p, Tet3* pStartTet) const;
+	/// A tetrahedron at the vertex that came singly before `p`, if that is as near to `p` as to a corner of the
+	/// tetrahedron, as in the lines of a scan; else null.
+	Tet3* tetAtLastPoint(const Point3& p) const;
 	// Dt3Cavity.cpp
 	/// Removes the tetrahedra in conflict with pVtx, of which pStartTet is one, and joins pVtx to the facets
 	/// of that cavity; the last tetrahedron made.

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: MIT
 // Where a point lies: walks from one start or from two.
 #include "Dt3.h"
-#include "store/NearestStart.h"
+#include "geometry/vectors.h"
+
+#include <algorithm>
 
 namespace TULO3D {
 
@@ -35,25 +37,29 @@ int Dt3::locatePersistently(const Point3& p, Tet3*& pStartTet)
 	return publicResult(end);
 }
 
-Tet3* Dt3::tetAtLastPoint(const Point3& p, Tet3* pStartTet) const
+Tet3* Dt3::tetAtLastPoint(const Point3& p) const
 {
-	if (pLastVtx == nullptr) return nullptr;
-	NearestStart nearest(p, pStartTet);
-	nearest.consider(*pLastVtx);
-	return nearest.tet() == pStartTet ? nullptr : nearest.tet();
+	// Not compared with the start from the curve: that would wait for a cache miss where points are scattered.
+	Tet3* pTet = pLastVtx != nullptr ? pLastVtx->getOneTet() : nullptr;
+	if (pTet == nullptr || pTet->hasBeenVisited) return nullptr;
+	double longest = 0;
+	for (int i = 0; i < 4; ++i) {
+		longest = std::max(longest, squaredDistance(*pLastVtx, *pTet->getCorner(i)));
+	}
+	return squaredDistance(*pLastVtx, p) <= longest ? pTet : nullptr;
 }
 
 int Dt3::locateByCurve(const Point3& p, Tet3*& pStartTet, Tet3* pTetAtLast)
 {
 	Tet3* pFirstTry = pTetAtLast != nullptr ? pTetAtLast : hc3.nearerTet(p, pStartTet);
-	if (pFirstTry == pStartTet) return locatePersistently(p, pStartTet);
+	if (pTetAtLast == nullptr && pFirstTry == pStartTet) return locatePersistently(p, pStartTet);
 
 	// The result is that of a walk from pStartTet, or of one from a nearer vertex around the point on the curve where
 	// that walk is longer than 64 facet tests. Only one tetrahedron has a point strictly inside, whatever the start;
 	// so a walk that is probably shorter, which saves cache misses, comes first. Only where it ends otherwise does the
 	// start decide what is found.
 	Tet3* pTet = pFirstTry;
-	if (walk.run(p, pTet, kFacetTestsOfAShortWalk) == Walk::kInside) {
+	if (pTet != pStartTet && walk.run(p, pTet, kFacetTestsOfAShortWalk) == Walk::kInside) {
 		pStartTet = pTet;
 		return Walk::kInside;
 	}

@@ -25,7 +25,7 @@ Tet3* Dt3::insertVertex(Point3** ppVtx, Tet3* pStartTet, bool bByCurve)
 
 	const auto age = static_cast<unsigned>(Tet3::loadLabel(*pNextLabel)) -
 	    static_cast<unsigned>(pStartTet->label);
-	Tet3* pTetAtLast = bByCurve ? tetAtLastPoint(**ppVtx, pStartTet) : nullptr;
+	Tet3* pTetAtLast = bByCurve ? tetAtLastPoint(**ppVtx) : nullptr;
 	const bool bCold = bLooksAhead && age > ColdCavity::kAge && pTetAtLast == nullptr;
 	const int locateResult = bByCurve ? locateByCurve(**ppVtx, pCurTet, pTetAtLast)
 	                                  : locatePersistently(**ppVtx, pCurTet);
