@@ -225,6 +225,21 @@ TEST(Insert, CavitiesFoundAheadMakeTheSameTetrahedra)
 	}
 }
 
+TEST(Insert, ThousandsOfTetrahedraMayMeetInAnEdgeOfTheHull)
+{
+	points::Cloud cloud; // of the moment curve, at its ends in turn
+	for (int i = 0; i < 300; ++i) {
+		const double t = (i % 2 == 0 ? -i : i) * 0.01;
+		cloud.emplace_back(t, t * t, t * t * t);
+	}
+	support::Recorded().insert(cloud); // the first box of a process gets another margin
+	support::Recorded mesh;
+	mesh.insert(points::Cloud(cloud.begin(), cloud.begin() + 100));
+	for (std::size_t i = 100; i < 150; ++i) mesh.insert(cloud[i]);
+	mesh.insert(points::Cloud(cloud.begin() + 150, cloud.end()));
+	EXPECT_VALID(mesh);
+}
+
 TEST(Insert, TheHullFacetAcrossAnEdgeIsWhereACirculationEnds)
 {
 	points::Random random(4);

@@ -41,7 +41,7 @@ Facet3 HullEdges::across(const Edge3& edge)
 		const auto known = found.find(edge);
 		if (known == found.end()) continue;
 		for (const Facet3& facet : known->second) {
-			if (facet != left && isOnHullAt(facet, edge)) return facet;
+			if (isOnHullAt(facet, edge) && facet != left) return facet;
 		}
 	}
 	const Facet3 facet(pTet, exit);
