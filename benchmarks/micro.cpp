@@ -188,7 +188,7 @@ void insphereTest(State& state, Kind kind)
 	for (Case& c : vCases) records.make(&c[0], &c[1], &c[2], &c[3]);
 	std::size_t i = 0;
 	for (auto _ : state) {
-		benchmark::DoNotOptimize(kPredicates.sphereInclusionTest(records.vTets[i], &vCases[i][4], 0xF));
+		benchmark::DoNotOptimize(kPredicates.sphereInclusionTest(records.vTets[i], &vCases[i][4]));
 		i = (i + 1) % kNumCases;
 	}
 }

@@ -45,8 +45,8 @@ public:
 private:
 	/// The end of a walk that has made more tests than it may.
 	int stopEarly(Tet3*& pTet, std::size_t maxFacetTests);
-	/// The end of a walk strictly inside pTet.
-	int stopInside(const Tet3* pTet, const FacetSides& sides, const Point3* pVtx) const;
+	/// The end of a walk strictly inside pStartTet.
+	int stopInside(const Tet3* pStartTet, const FacetSides& sides, const Point3* pVtx) const;
 	/// The end of a walk in the plane of facet f, beyond no facet.
 	int stopInPlane(Tet3*& pTet, int f, const FacetSides& sides, const Point3& target) const;
 	/// Circulates around the edge that avoids f and opp2ICI: an inner edge, or one on the hull; then the result is

@@ -242,7 +242,8 @@ TEST(Predicates, SignsAreExactWhateverUnderflows)
 		const double scales[] = {1, 0x1p-300, 0x1p-700, 0x1p-1060};
 		const double sz = random.below(4) == 0 ? 0x1p-700 : 0x1p-1040;
 		const bool bTogether = random.below(3) == 0;
-		const double sx = bTogether ? sz : random.of(scales), sy = bTogether ? sz : random.of(scales);
+		const double sx = bTogether ? sz : random.of(scales),
+		             sy = bTogether ? sz : random.of(scales);
 		for (Point3& q : p) q = Point3(q.x() * sx, q.y() * sy, q.z() * sz);
 		if (random.below(3) == 0) p[0] = Point3(kMaxCoordinate, p[0].y(), kMaxCoordinate);
 		const int truth = oracle::orientation(p[0], p[1], p[2], p[3]);
@@ -262,8 +263,8 @@ TEST(Predicates, SignsAreExactWhateverUnderflows)
 
 	// Half of the least number would be none.
 	const double least = DBL_TRUE_MIN;
-	const Loose widest({Point3(0, 0, 0), Point3(least, 0, 0), Point3(0, least, 0),
-	    Point3(0, 0, kMaxCoordinate)});
+	const Loose widest(
+	    {Point3(0, 0, 0), Point3(least, 0, 0), Point3(0, least, 0), Point3(0, 0, kMaxCoordinate)});
 	const Point3 onSphere(least, least, 0);
 	EXPECT_EQ(test.sphereInclusionTest(&widest.tet, &onSphere), SIC_OUTSIDE);
 }
