@@ -30,10 +30,11 @@
 //   T3  Only a computation without any rounding error decides a zero: differences without tails in stage B,
 //       batches of doubles that are proved to be exact, stage D, big integers. Two cases need no
 //       computation: all points have one coordinate in common, or every product is zero.
-//   T4  The last stage decides everything. It is D; where a nonzero coordinate is below kLeastSafe,
-//       it is the one in big integers.
+//   T4  The last stage decides everything. It is D; where a nonzero coordinate is below kLeastSafe at any scale
+//       of the test, it is the one in big integers.
 //   T5  A filter that may meet products that underflow has an allowance for that in its bound. The other stages
-//       have none and are not entered when a nonzero coordinate of the test is below kLeastSafe.
+//       have none; when a nonzero coordinate of the test is below kLeastSafe, they are entered at another
+//       scale, a power of two, that lifts all above it, or not at all.
 //   T6  For coordinates of at most kMaxCoordinate in magnitude nothing overflows.
 //   T7  Variants of the batched tests never differ in a sign, and those for SSE2 and AVX2 decide the same facets.
 //

@@ -10,6 +10,10 @@ namespace TULO3D {
 
 TetAroundEdgeIterator& TetAroundEdgeIterator::operator++()
 {
+	const Tet3* pFrom = curEdge.getTet();
+	const Point3* pSource = curEdge.getSourceVtx();
+	const Point3* pTarget = curEdge.getTargetVtx();
+
 	// clang-format off
 	//
 	//            q               the edge seen along its direction: E is both pSource and pTarget
@@ -21,12 +25,15 @@ TetAroundEdgeIterator& TetAroundEdgeIterator::operator++()
 	// clang-format on
 	// A step crosses facet opp2ICI, which contains the edge and the corner opp3ICI. In the next tetrahedron
 	// that corner becomes opp2ICI, so the next step crosses the other facet at the edge: the sense of
-	// rotation stays. So do the ends of the edge, which need not be looked up again.
-	const Tet3* pFrom = curEdge.pTet;
+	// rotation stays.
 	Tet3* pTo = previewNextTet();
-	curEdge.opp2ICI = pTo->getIntraTetIndex(pFrom->getCorner(curEdge.opp3ICI));
-	curEdge.opp3ICI = pTo->getIntraTetIndex(pFrom);
-	curEdge.pTet = pTo;
+	const int opp3ICI = pTo->getIntraTetIndex(pFrom);
+	int opp2ICI = 0;
+	for (; opp2ICI < 4; ++opp2ICI) {
+		const Point3* p = pTo->getCorner(opp2ICI);
+		if (opp2ICI != opp3ICI && p != pSource && p != pTarget) break;
+	}
+	curEdge = Edge3(pTo, opp3ICI, opp2ICI);
 	return *this;
 }
 

@@ -48,8 +48,6 @@ public:
 	bool operator<(const Edge3& other) const;
 
 private:
-	friend class TetAroundEdgeIterator;
-
 	Tet3* pTet;
 	int opp3ICI;
 	int opp2ICI;

@@ -34,8 +34,9 @@ Facet3 HullEdges::across(const Edge3& edge)
 	int exit = edge.getOpp2Index();
 	int numTets = 1;
 	for (; Tet3* pNext = pTet->getOppTet(exit); ++numTets) {
+		const int entry = pNext->getIntraTetIndex(pTet);
 		exit = pNext->getIntraTetIndex(pThird);
-		pThird = pNext->getCorner(pNext->getIntraTetIndex(pTet));
+		pThird = pNext->getCorner(entry);
 		pTet = pNext;
 		if (numTets != kManyTets) continue;
 		const auto known = found.find(edge);

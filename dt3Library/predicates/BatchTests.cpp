@@ -235,18 +235,26 @@ NeighbourVerdicts testNeighbours(const NeighbourBatch& batch, const Point3& quer
 	});
 }
 
-/// The same at a scale where no product underflows; undecided where there is none.
-template <typename Variant>
-NeighbourVerdicts testScaledNeighbours(
-    const NeighbourBatch& batch, const Point3& query, unsigned wanted)
+/// A test at a scale where no product underflows; undecided where there is none.
+template <typename Test>
+auto atAnotherScale(const NeighbourBatch& batch, const Point3& query, Test test)
+    -> decltype(test(batch, query))
 {
 	const auto& [corner, opposite] = batch;
 	ScaledPoints<9> p({corner[0], corner[1], corner[2], corner[3], opposite[0], opposite[1],
 	                      opposite[2], opposite[3], &query},
 	    Scales::kCommon);
-	if (!p.areSafe()) return {0, 0, 0};
-	return testNeighbours<Variant>(
-	    {{&p[0], &p[1], &p[2], &p[3]}, {&p[4], &p[5], &p[6], &p[7]}}, p[8], wanted);
+	if (!p.areSafe()) return {};
+	return test({{&p[0], &p[1], &p[2], &p[3]}, {&p[4], &p[5], &p[6], &p[7]}}, p[8]);
+}
+
+template <typename Variant>
+NeighbourVerdicts testScaledNeighbours(
+    const NeighbourBatch& batch, const Point3& query, unsigned wanted)
+{
+	return atAnotherScale(batch, query, [wanted](const NeighbourBatch& scaled, const Point3& q) {
+		return testNeighbours<Variant>(scaled, q, wanted);
+	});
 }
 
 template <typename Variant>
@@ -259,12 +267,8 @@ FacetSides testFacets(const Point3* const (&corner)[4], const Point3& query)
 template <typename Variant>
 unsigned testScaledDelaunay(const NeighbourBatch& batch)
 {
-	const auto& [corner, opposite] = batch;
-	ScaledPoints<8> p({corner[0], corner[1], corner[2], corner[3], opposite[0], opposite[1],
-	                      opposite[2], opposite[3]},
-	    Scales::kCommon);
-	if (!p.areSafe()) return 0;
-	return testDelaunay<Variant>({{&p[0], &p[1], &p[2], &p[3]}, {&p[4], &p[5], &p[6], &p[7]}});
+	return atAnotherScale(batch, *batch.corner[0],
+	    [](const NeighbourBatch& scaled, const Point3&) { return testDelaunay<Variant>(scaled); });
 }
 
 template <typename Variant>
