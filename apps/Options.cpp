@@ -4,7 +4,7 @@
 
 #include "Failure.h"
 #include "Progress.h"
-#include "Reader.h"
+#include "read/Reader.h"
 
 #include <CLI/CLI.hpp>
 

@@ -4,9 +4,9 @@
 #include "LibraryMessages.h"
 #include "Options.h"
 #include "Progress.h"
-#include "Reader.h"
+#include "read/Reader.h"
 #include "Report.h"
-#include "Writer.h"
+#include "write/Writer.h"
 
 #include <chrono>
 #include <cstdio>

@@ -3,7 +3,7 @@
 #include "Writer.h"
 
 #include "Failure.h"
-#include "LineReader.h"
+#include "read/LineReader.h"
 #include "OutputFile.h"
 
 #include <algorithm>
