@@ -4,7 +4,6 @@
 
 #include "Failure.h"
 #include "Progress.h"
-#include "read/Reader.h"
 
 #include <CLI/CLI.hpp>
 
@@ -13,10 +12,16 @@ namespace app {
 namespace {
 
 const char* const kFooter =
-    R"(Input: XYZ, CSV, TXT and PTS text, PLY, OBJ, OFF, uncompressed LAS, TetGen .node
+    R"(Input: XYZ, CSV, TXT and PTS text, PLY, OBJ, OFF, uncompressed LAS, TetGen .node;
+       each of them also compressed by gzip
 Exit status: 0 done, 1 internal error or out of memory, 2 wrong command line, 3 bad input,
              4 no four points span space, 5 output not written, 6 mesh not valid
 Example: tulo3d scan.ply -o mesh.vtu --check --stats)";
+
+std::string failureMessage(const CLI::App*, const CLI::Error& error)
+{
+	return errorPrefix() + error.what() + "\nRun with --help for more information.\n";
+}
 
 } // namespace
 
@@ -25,10 +30,21 @@ std::optional<int> parseCommandLine(int argc, char** argv, Options& options)
 	CLI::App cli(
 	    "Triangulates points in space: the Delaunay tetrahedralization of a file.", "tulo3d");
 	cli.footer(kFooter);
-	cli.set_version_flag("--version", TULO3D::getTulo3DVersion());
+	cli.failure_message(failureMessage);
+	cli.set_version_flag("--version", "tulo3d " TULO3D_VERSION);
 	cli.add_option("FILE", options.file, "The points; - is standard input");
-	cli.add_option("-f,--format", options.format, "Input format; overrides detection")
+	cli.add_option("-f,--format", options.reading.format, "Input format; overrides detection")
 	    ->check(CLI::IsMember(getFormatNames()));
+	cli.add_option("--columns", options.reading.vColumns,
+	       "The columns of a text: the numbers (from 1) or names of those of x, y and z, or the "
+	       "names "
+	       "of all in their order, such as id,x,y,z")
+	    ->delimiter(',')
+	    ->allow_extra_args(false);
+	cli.add_option("--skip-lines", options.reading.numSkippedLines,
+	    "Pass over the first lines of a text, so many");
+	cli.add_flag("--skip-invalid", options.reading.bSkipInvalid,
+	    "Leave out points with a coordinate that is no finite number, and count them");
 	cli.add_option("-o,--output", options.vOutputs,
 	       "Write the mesh, as the extension says: .vtu (ParaView), .node/.ele/.neigh (TetGen, all "
 	       "three), .off (the hull), .list/.oogl (Geomview). May be repeated")

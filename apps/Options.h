@@ -2,6 +2,8 @@
 // The command line of the program.
 #pragma once
 
+#include "read/Reader.h"
+
 #include <optional>
 #include <string>
 #include <vector>
@@ -13,7 +15,7 @@ enum class Check { kNone, kGeometry, kAll };
 struct Options
 {
 	std::string file = "-";
-	std::string format;
+	ReadOptions reading;
 	std::vector<std::string> vOutputs;
 	Check check = Check::kGeometry;
 	bool bStatistics = false;

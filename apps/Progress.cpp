@@ -3,6 +3,7 @@
 #include "Progress.h"
 
 #include <cmath>
+#include <cstdlib>
 
 #ifdef _WIN32
 #  include <io.h>
@@ -23,6 +24,13 @@ std::string timeLeft(double elapsed, double share)
 	    (bMinutes ? " min left" : " s left");
 }
 
+std::string coloured(const std::string& text, const char* colour)
+{
+	const char* const pNoColour = std::getenv("NO_COLOR");
+	const bool bColour = isTerminal(stderr) && !(pNoColour && *pNoColour);
+	return bColour ? std::string("\033[1;") + colour + "m" + text + "\033[0m" : text;
+}
+
 } // namespace
 
 bool isTerminal(std::FILE* pFile)
@@ -32,6 +40,16 @@ bool isTerminal(std::FILE* pFile)
 #else
 	return isatty(fileno(pFile)) != 0;
 #endif
+}
+
+std::string errorPrefix()
+{
+	return coloured("tulo3d:", "31") + " ";
+}
+
+std::string warningPrefix()
+{
+	return coloured("tulo3d: warning:", "33") + " ";
 }
 
 Progress::Progress(bool bQuiet) : bWarn(!bQuiet), bShow(!bQuiet && isTerminal(stderr))
@@ -96,7 +114,7 @@ void Progress::warn(const std::string& text)
 {
 	if (!bWarn) return;
 	if (bLineShown) show("");
-	std::fprintf(stderr, "tulo3d: warning: %s\n", text.c_str());
+	std::fprintf(stderr, "%s%s\n", warningPrefix().c_str(), text.c_str());
 }
 
 } // namespace app

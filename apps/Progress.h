@@ -15,6 +15,11 @@ namespace app {
 /// True when the stream is a terminal.
 bool isTerminal(std::FILE* pFile);
 
+/// What the lines with an error or a warning begin with; in colour on a terminal, unless the variable NO_COLOR
+/// of the environment is set.
+std::string errorPrefix();
+std::string warningPrefix();
+
 /// One line on standard error that is overwritten repeatedly, and only when that is a terminal.
 class Progress
 {

@@ -6,6 +6,10 @@
 #include <charconv>
 #include <vector>
 
+#ifndef _WIN32
+#  include <sys/resource.h>
+#endif
+
 using TULO3D::Point3;
 
 namespace app {
@@ -16,7 +20,7 @@ namespace {
 struct Fact
 {
 	const char* key;
-	const char* label;
+	std::string label;
 	std::string json;
 	std::string text;
 };
@@ -42,6 +46,23 @@ Fact seconds(const char* key, const char* label, double value)
 	return {key, label, decimal(value), text};
 }
 
+// The most memory that the program has had so far.
+Fact peakMemory()
+{
+#ifdef _WIN32
+	return {"peakMemoryBytes", "", "null", ""};
+#else
+	struct rusage usage = {};
+	getrusage(RUSAGE_SELF, &usage);
+	auto bytes = static_cast<std::size_t>(usage.ru_maxrss);
+#  ifndef __APPLE__
+	bytes *= 1024;
+#  endif
+	return {"peakMemoryBytes", "peak memory", std::to_string(bytes),
+	    std::to_string(bytes >> 20) + " MB"};
+#endif
+}
+
 Fact number(const char* key, const char* label, double value)
 {
 	return {key, label, decimal(value), decimal(value, std::chars_format::general, 6)};
@@ -53,23 +74,52 @@ Fact corner(const char* key, const char* label, const Point3& p)
 	return {key, label, "[" + x + ", " + y + ", " + z + "]", x + " " + y + " " + z};
 }
 
+Fact leftOut(const Measured& measured)
+{
+	auto fact = count("invalidPoints", "invalid, left out", measured.numLeftOut);
+	if (measured.numLeftOut == 0) fact.text.clear();
+	return fact;
+}
+
 Fact validity(const Measured& measured)
 {
 	if (!measured.bChecked) return {"valid", "valid", "null", "not checked"};
 	return {"valid", "valid", measured.bValid ? "true" : "false", measured.bValid ? "yes" : "no"};
 }
 
+// The length of the character of UTF-8 that starts at byte i; 0 when none does.
+std::size_t utf8Length(const std::string& text, std::size_t i)
+{
+	const auto byte = [&](std::size_t k) -> unsigned {
+		return k < text.size() ? static_cast<unsigned char>(text[k]) : 0;
+	};
+	const unsigned first = byte(i), second = byte(i + 1);
+	if (first < 0x80) return 1;
+	const std::size_t length = first >= 0xF0 ? 4 : first >= 0xE0 ? 3 : 2;
+	// No character has two encodings, none is half of a pair, and none is beyond the last one.
+	const unsigned least = first == 0xE0 ? 0xA0 : first == 0xF0 ? 0x90 : 0x80;
+	const unsigned most = first == 0xED ? 0x9F : first == 0xF4 ? 0x8F : 0xBF;
+	if (first < 0xC2 || first > 0xF4 || second < least || second > most) return 0;
+	for (std::size_t k = i + 2; k < i + length; ++k)
+		if ((byte(k) & 0xC0) != 0x80) return 0;
+	return length;
+}
+
+// A name of a file need not be UTF-8, JSON has to be: what is not becomes U+FFFD.
 std::string jsonText(const std::string& text)
 {
 	static const char* const kHex = "0123456789abcdef";
 	std::string quoted = "\"";
-	for (const char c : text) {
-		if (c == '"' || c == '\\') quoted += '\\';
-		const auto code = static_cast<unsigned char>(c);
-		if (code < 32)
+	for (std::size_t i = 0, length = 0; i < text.size(); i += std::max(length, std::size_t{1})) {
+		length = utf8Length(text, i);
+		const auto code = static_cast<unsigned char>(text[i]);
+		if (text[i] == '"' || text[i] == '\\') quoted += '\\';
+		if (length == 0)
+			quoted += "\\ufffd";
+		else if (code < 32)
 			(quoted += "\\u00") += {kHex[code / 16], kHex[code % 16]};
 		else
-			quoted += c;
+			quoted.append(text, i, length);
 	}
 	return quoted + "\"";
 }
@@ -87,8 +137,9 @@ std::vector<Fact> basicFacts(const Measured& measured, const Mesh& mesh)
 {
 	const auto points = static_cast<double>(measured.numPoints);
 	const double rate = measured.insertSeconds > 0 ? points / measured.insertSeconds : 0;
-	return {{"file", "file", jsonText(measured.file), measured.file},
-	    count("points", "points", measured.numPoints),
+	return {{"version", "", jsonText(TULO3D_VERSION), ""},
+	    {"file", "file", jsonText(measured.file), measured.file},
+	    count("points", "points", measured.numPoints), leftOut(measured),
 	    count("distinctVertices", "distinct vertices", mesh.numVertices()),
 	    count("tetrahedra", "tetrahedra", mesh.numTets()),
 	    count("hullFacets", "hull facets", mesh.numHullFacets()),
@@ -105,17 +156,21 @@ std::vector<Fact> statistics(const Measured& measured, const Mesh& mesh)
 	forEachTet(mesh, [&](const std::int32_t* pCorners) { total += volume(mesh, pCorners); });
 	const auto vHullNumbers = numberHullVertices(mesh);
 	const auto numInside = std::count(vHullNumbers.begin(), vHullNumbers.end(), -1);
-	const auto numVertices = static_cast<double>(mesh.numVertices());
-	return {count("repeatedPoints", "repeated points", measured.numPoints - mesh.numVertices()),
+	const double ratio =
+	    static_cast<double>(mesh.numTets()) / static_cast<double>(mesh.numVertices());
+	return {count("repeatedPoints", "duplicate points", measured.numPoints - mesh.numVertices()),
 	    count("hullVertices", "hull vertices",
 	        mesh.numVertices() - static_cast<std::size_t>(numInside)),
 	    count("facets", "facets", mesh.numFacets()),
-	    number("tetrahedraPerVertex", "tetrahedra a vertex", // each counts for its four corners
-	        4 * static_cast<double>(mesh.numTets()) / numVertices),
+	    number("tetrahedraOverVertices", "tetrahedra / distinct vertices", ratio),
+	    number("meanIncidentTetrahedra", "mean tetrahedra incident to a vertex",
+	        4 * ratio), // each has four corners
 	    number("hullVolume", "hull volume", total), corner("boxMin", "box from", box.getMinPoint()),
 	    corner("boxMax", "box to", box.getMaxPoint()),
 	    seconds("readSeconds", "seconds to read", measured.readSeconds),
-	    seconds("checkSeconds", "seconds to check", measured.checkSeconds)};
+	    seconds("checkSeconds", "seconds to check", measured.checkSeconds),
+	    seconds("writeSeconds", "seconds to write", measured.writeSeconds),
+	    seconds("totalSeconds", "seconds in total", measured.totalSeconds), peakMemory()};
 }
 
 } // namespace
@@ -125,11 +180,12 @@ std::string reportText(const Measured& measured, const Mesh& mesh, bool bStatist
 	auto vFacts = basicFacts(measured, mesh);
 	if (bStatistics)
 		for (auto& fact : statistics(measured, mesh)) vFacts.push_back(std::move(fact));
+	std::size_t width = 20;
+	for (const auto& fact : vFacts) width = std::max(width, fact.label.size());
 	std::string text;
 	for (const auto& fact : vFacts) {
-		std::string label = fact.label;
-		label.resize(20, ' ');
-		text += label + " " + fact.text + "\n";
+		if (fact.text.empty()) continue; // for JSON alone
+		text += fact.label + std::string(width + 1 - fact.label.size(), ' ') + fact.text + "\n";
 	}
 	return text;
 }

@@ -13,10 +13,14 @@ struct Measured
 {
 	std::string file;
 	std::size_t numPoints = 0;
+	/// Points of the file that were left out because they are invalid.
+	std::size_t numLeftOut = 0;
 	double readSeconds = 0;
 	/// The insertion alone: neither reading nor checking nor writing.
 	double insertSeconds = 0;
 	double checkSeconds = 0;
+	double writeSeconds = 0;
+	double totalSeconds = 0;
 	bool bChecked = false;
 	bool bValid = false;
 };

@@ -4,8 +4,9 @@
 #include "LibraryMessages.h"
 #include "Options.h"
 #include "Progress.h"
-#include "read/Reader.h"
 #include "Report.h"
+#include "read/Reader.h"
+#include "messages.h"
 #include "write/Writer.h"
 
 #include <chrono>
@@ -20,13 +21,20 @@ namespace app {
 
 namespace {
 
+using Clock = std::chrono::steady_clock;
+
+double secondsSince(Clock::time_point start)
+{
+	return std::chrono::duration<double>(Clock::now() - start).count();
+}
+
 // The seconds that `work` takes.
 template <class Work>
 double timed(Work work)
 {
-	const auto start = std::chrono::steady_clock::now();
+	const auto start = Clock::now();
 	work();
-	return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+	return secondsSince(start);
 }
 
 // Output names are checked before the computation, not after it.
@@ -54,7 +62,8 @@ bool isValid(const Mesh& mesh, const Options& options)
 {
 	if (!mesh.triangulation.checkValidity(options.file, true)) return false;
 	const char* reason = options.check == Check::kAll ? findBrokenLink(mesh) : nullptr;
-	if (reason) std::fprintf(stderr, "tulo3d: %s: %s\n", options.file.c_str(), reason);
+	if (reason)
+		std::fprintf(stderr, "%s%s: %s\n", errorPrefix().c_str(), options.file.c_str(), reason);
 	return !reason;
 }
 
@@ -64,18 +73,27 @@ void print(const std::string& text)
 		throw Failure(kNotWritten, "standard output: cannot be written");
 }
 
+// Where the library would end the process, the program ends with a message of its own.
+void stop(TULO3D::StopReason, const char* text)
+{
+	throw Failure(kInternalError, text && *text ? text : "internal error");
+}
+
 ExitStatus run(const Options& options, LibraryMessages& messages)
 {
+	const auto start = Clock::now();
 	checkOutputNames(options);
 	Progress progress(options.bQuiet);
 	Measured measured;
 	measured.file = options.file;
 
-	std::vector<Point3> vPoints;
+	Input input;
 	measured.readSeconds =
-	    timed([&] { vPoints = readPoints(options.file, options.format, progress); });
-	measured.numPoints = vPoints.size();
+	    timed([&] { input = readPoints(options.file, options.reading, progress); });
+	measured.numPoints = input.vPoints.size();
+	measured.numLeftOut = input.vLeftOut.size();
 
+	TULO3D::setStopHandler(stop);
 	Tulo_3D triangulation;
 	triangulation.setVerbosity(options.bVerbose);
 	std::vector<Point3*> vHandles;
@@ -87,8 +105,8 @@ ExitStatus run(const Options& options, LibraryMessages& messages)
 			return true;
 		});
 	}
-	measured.insertSeconds = timed([&] { triangulation.insert(vPoints, vHandles); });
-	std::vector<Point3>().swap(vPoints);
+	measured.insertSeconds = timed([&] { triangulation.insert(input.vPoints, vHandles); });
+	std::vector<Point3>().swap(input.vPoints);
 	requireMesh(options.file, triangulation);
 	const Mesh mesh = makeMesh(triangulation, vHandles);
 	std::vector<Point3*>().swap(vHandles);
@@ -99,12 +117,15 @@ ExitStatus run(const Options& options, LibraryMessages& messages)
 		measured.checkSeconds = timed([&] { measured.bValid = isValid(mesh, options); });
 	}
 	const bool bBroken = measured.bChecked && !measured.bValid;
-	for (const auto& output : options.vOutputs) {
-		if (bBroken) break;
-		progress.start("writing " + output);
-		writeMesh(mesh, output);
-	}
+	measured.writeSeconds = timed([&] {
+		for (const auto& output : options.vOutputs) {
+			if (bBroken) break;
+			progress.start("writing " + output);
+			writeMesh(mesh, output);
+		}
+	});
 	progress.stop();
+	measured.totalSeconds = secondsSince(start);
 
 	if (options.bJson)
 		print(reportJson(measured, mesh));
@@ -129,7 +150,7 @@ int main(int argc, char** argv)
 	const auto fail = [](const char* text, app::ExitStatus status) {
 		if (status == app::kInternalError || status == app::kNotValid) messages.release();
 		messages.dismiss();
-		std::fprintf(stderr, "tulo3d: %s\n", text);
+		std::fprintf(stderr, "%s%s\n", app::errorPrefix().c_str(), text);
 		return status;
 	};
 	try {

@@ -4,6 +4,7 @@
 
 Every format in and out, bad and cut input, exit statuses, and what goes to which stream.
 """
+import gzip
 import importlib.util
 import json
 import os
@@ -59,9 +60,22 @@ def las(minor=2, compressed=0):
         struct.pack("<iii8x", *(round((c - 2e6) * 100) for c in p)) for p in RASTER)
 
 
+def german(points, sep):
+    return lines(points, sep).replace(".", ",")
+
+
 CSV = "".join(f"{i},{z!r}, {x!r} ,+{abs(y)!r}\n" for i, (x, y, z) in enumerate(POINTS))
 OFF = "# a comment\n{} {} 0\n" + lines(POINTS, tail=" 0.5 0.5 0.5") + "\n3 0 1 2\n3 3 4 15\n"
+SWAPPED = [(z, x, y) for x, y, z in POINTS]
 FORMATS = {  # name: content; all hold POINTS, the LAS files RASTER
+    "comment.xyz": "# z, x, y of no date\n#  z x y\n" + lines(SWAPPED, tail=" 7"),
+    "survey.csv": 'Point,"Elevation [m]",Easting (m),NORTHING,X-Axis\n' + lines(SWAPPED, ",", head="P1,", end=",5\nP1,")[:-3],
+    "view.csv": '"Points:2","Points:0","Points:1"\n' + lines(SWAPPED, ","), "units.txt": "Z [m] X [m] Y [m]\n" + lines(SWAPPED),
+    "comma.csv": "Name;X;Y;Z\n" + "".join(f"a, b. c;{row}\n" for row in german(POINTS, ";").splitlines()),
+    "comma.txt": german(POINTS, "\t"),
+    "zipped": gzip.compress(lines(POINTS[:9]).encode()) + gzip.compress(lines(POINTS[9:]).encode()),
+    "zipped.OFF.gz": gzip.compress(b"OFF 40 0 0\n" + lines(POINTS).encode()),
+    "piped": "40 3 1 0\n" + lines(POINTS, numbered=1, tail=" 0.5"),
     "blanks.TSV": lines(POINTS, "\t  ", head="\ufeff# made here\n// also a comment\n\n", tail=" 255 # end"),
     "semicolons.txt": lines(POINTS, " ; ", "\r\n"), "counted.pts": lines(POINTS, head="40\n", tail=" 9"),
     "columns.CSV": 'id,"Z",X,y\n' + CSV, "bare": lines(POINTS)[:-1],
@@ -75,9 +89,15 @@ FORMATS = {  # name: content; all hold POINTS, the LAS files RASTER
 }
 FOUR = "0 0 0\n1 0 0\n0 1 0\n"
 BAD = [  # name, content, exit status, what standard error says
-    ("a.xyz", FOUR + "0 0 1,5\n", 3, "a.xyz:4: '0 0 1' is not a number"),
+    ("a.xyz", FOUR + "0 0 1.5\n0 1,5 1\n", 3, "a.xyz:5: '1,5': some numbers have a decimal point and"),
+    ("a.txt", "1,5 2,5 3,5\n1 1 1.5\n", 3, "a.txt:2: '1.5': some numbers have a decimal point and"),
+    ("a.csv", FOUR.replace(" ", ";") + "0;0;1.234,5\n", 3, "a.csv:4: '1.234,5' is not a number"),
+    ("a.xyz", lines(POINTS, numbered=100), 3, "the first column counts the lines, from 100 on"),
+    ("a.csv", "X,East,North,Height,Elevation\n", 3, "a.csv:1: both 'X' and 'East' may be meant"),
+    ("a.gz", FORMATS["zipped"][:-5], 3, "a.gz: the file is cut short"),
+    ("a.gz", FORMATS["zipped"][:60] + b"x" + FORMATS["zipped"][61:], 3, "a.gz: the compressed data are damaged"),
     ("a.csv", FOUR.replace(" ", ",") + "0,x7,1\n", 3, "a.csv:4: 'x7' is not a number"),
-    ("a.csv", "easting,northing,up\n1,2,3\n", 3, "a.csv:1: 'easting' is not a number"),
+    ("a.csv", "easting,northing,up\n1,2,3\n", 3, "a.csv:1: these names do not say which columns are x, y and z"),
     ("a.xyz", FOUR + "\n# c\n0 0\n", 3, "a.xyz:6: z is missing"),
     ("a.xyz", FOUR.replace("\n", "\r"), 3, "a.xyz:1: lines end with carriage returns alone"),
     ("a.xyz", FOUR + "0 0 nan\n", 3, "a.xyz:4: a coordinate is not a finite number"),
@@ -129,6 +149,25 @@ class Program(ProgramCase):
                 points = [(x, abs(y), z) for x, y, z in POINTS] if name == "columns.CSV" else POINTS
                 self.assertEqual(readNodes(self.mesh), RASTER if name.endswith("las") else points)
 
+    def testTheUserSaysWhichColumnsAndLinesAreRead(self):
+        numbered, named = lines(POINTS, numbered=1), "Nr,H,R,V\n" + lines(SWAPPED, ",", head="1,", end="\n1,")[:-2]
+        for name, content, *args in (
+                ("a.xyz", numbered, "--columns", "id,x,y,z"), ("a.xyz", numbered, "--columns", "2,3,4"),
+                ("a.csv", named, "--columns", "r,v,h"), ("a.csv", named, "--columns", "id,z,x,y"),
+                ("a.csv", "Z,Y,X\n" + lines([p[::-1] for p in POINTS], ","), "--columns", "x,y,z"),
+                ("a.txt", "# R V H\n" + lines(POINTS), "--columns", "R,V,H"),
+                ("a.txt", "1 2 3\n# x y z\n" + lines(POINTS), "--skip-lines", "2"),
+                ("a.csv", "nan,0,0\n" + lines(POINTS[:9], ",") + "1,,n/a\n" + lines(POINTS[9:], ",") + "1e61,2,3\n", "--skip-invalid"),
+                ("a.off", "OFF 41 0 0\n0 nan 0\n" + lines(POINTS), "--skip-invalid")):
+            with self.subTest(args, name=name):
+                done = run(self.write(name, content), "--json", "-o", self.mesh, *args)
+                self.assertEqual((done.returncode, done.stderr), (0, b""))
+                self.assertEqual(readNodes(self.mesh), POINTS)
+                self.assertEqual(json.loads(done.stdout)["invalidPoints"], {"a.csv": 3, "a.off": 1}[name] if "invalid" in args[0] else 0)
+        for args, text in ((["--columns", "r,v"], "names no x, y and z"), (["--columns", "r,v,up"], "no column is named 'up'"),
+                           (["--columns", "0,1,2"], "counted from 1"), (["--columns", "1,2,3", "-f", "obj"], "for text")):
+            self.assertIn(text, run(self.write("a.csv", named), *args).stderr.decode())
+
     def testBadInputIsReportedWithItsPlaceAndStatus(self):
         for name, content, status, text in BAD:
             with self.subTest(text):
@@ -155,7 +194,7 @@ class Program(ProgramCase):
                            ([points, "-f", "stl"], "stl"), ([points, "--check", "--no-check"], "--check")):
             with self.subTest(text):
                 done = run(*args)
-                self.assertEqual((done.returncode, done.stdout), (2, b""))
+                self.assertEqual((done.returncode, done.stdout, done.stderr[:8]), (2, b"", b"tulo3d: "))
                 self.assertIn(text, done.stderr.decode())
 
     def testResultsGoToStandardOutputAndEverythingElseDoesNot(self):
@@ -166,11 +205,15 @@ class Program(ProgramCase):
         self.assertEqual([facts[k] for k in ("file", "points", "distinctVertices", "repeatedPoints", "valid")],
                          ["-", 43, 40, 3, True])
         text = run("--stats", input=points)
-        rows = {row[:20].strip(): row[21:] for row in text.stdout.decode().splitlines()}
+        rows = {row[:36].strip(): row[37:] for row in text.stdout.decode().splitlines()}
+        self.assertAlmostEqual(float(rows["mean tetrahedra incident to a vertex"]), 4 * facts["tetrahedra"] / 40, 4)
+        self.assertLess(facts["readSeconds"] + facts["insertSeconds"] + facts["writeSeconds"], facts["totalSeconds"])
         self.assertEqual(int(rows["tetrahedra"].replace(",", "")), facts["tetrahedra"])
         self.assertEqual((rows["points"], rows["valid"], text.stderr), ("43", "yes", b""))
         self.assertIsNone(json.loads(run("--json", "--no-check", input=points).stdout)["valid"])
         self.assertIn(b"cut short", run(input=points[:-1]).stderr)
+        self.assertEqual(json.loads(run("--json", self.write("\xe4\udcff\x01\"", points)).stdout)["file"][-4:], "\xe4\ufffd\x01\"")
+        self.assertRegex(run("--version").stdout, rb"^tulo3d \d+\.\d+\.\d+\n$")
         with open("/dev/full", "w") as full:
             self.assertEqual(subprocess.run([PROGRAM], input=points, stdout=full, stderr=subprocess.DEVNULL).returncode, 5)
 
@@ -185,6 +228,13 @@ class Program(ProgramCase):
             self.assertTrue(shown or text == b"|", text)
             os.close(master), os.close(slave)
 
+    def testErrorsAreInColourOnATerminalOnly(self):
+        for variables, start in ({}, b"\033[1;31mtulo3d:\033[0m "), ({"NO_COLOR": "1"}, b"tulo3d: "):
+            master, slave = pty.openpty()
+            subprocess.run([PROGRAM, "none.xyz"], stderr=slave, env={**os.environ, **variables}, check=False)
+            self.assertTrue(os.read(master, 4096).split(b"\r\033[K")[-1].startswith(start))
+            os.close(master), os.close(slave)
+
     def testOutputIsCompleteOrNotThereAtAll(self):
         points = self.write("a.xyz", lines(POINTS))
         def limit():
@@ -197,9 +247,13 @@ class Program(ProgramCase):
                 self.assertEqual(run(points, "-o", target).returncode, 0)
                 self.assertNotEqual(target.read_text("latin-1"), "old")
         self.assertEqual(run(points, "-o", self.folder / "none" / "m.vtu").returncode, 5)
-        (self.folder / "link.off").symlink_to("m.off")
-        self.assertEqual(run(points, "-o", self.folder / "link.off", "-o", self.folder / "m.oogl").returncode, 0)
-        self.assertTrue((self.folder / "link.off").is_symlink())
+        hull, link, other, hard = (self.folder / name for name in ("m.off", "link.off", "new.off", "hard.off"))
+        link.symlink_to("m.off"), (self.folder / "dangling.off").symlink_to("new.off"), hard.write_text("old")
+        hull.chmod(0o640), os.link(hard, self.folder / "hard.2")
+        run(points, "-o", link, "-o", self.folder / "dangling.off", "-o", hard)
+        self.assertTrue(link.is_symlink())
+        self.assertEqual((hull.stat().st_mode & 0o777, other.read_bytes(), (self.folder / "hard.2").read_bytes()),
+                         (0o640, hull.read_bytes(), hull.read_bytes()))
         self.assertEqual([p.name for p in self.folder.glob(".*")], [])
 
     def testASignalLeavesNothingUnfinishedBehind(self):

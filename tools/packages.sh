@@ -4,7 +4,7 @@
 # shellcheck disable=SC2034
 
 # By Debian's names: to build the library and the program; in addition, to run all the tests.
-packages_build=(g++ cmake ninja-build libcli11-dev)
+packages_build=(g++ cmake ninja-build libcli11-dev zlib1g-dev)
 packages_test=(clang libclang-rt-dev libgtest-dev libgmp-dev pkg-config binutils python3)
 # Without these a few tests skip: valgrind, the meshes on 64-bit Arm, pictures, Python packages and ours;
 # the documents, the sources as they are read by tools, the packages.
@@ -25,7 +25,7 @@ declare -A package_command=([g++]=g++ [cmake]=cmake [ninja-build]=ninja [clang]=
 	[geomview]=geomview [xvfb]=xvfb-run [netpbm]=pnmtopng [doxygen]=doxygen
 	[clang-format]=clang-format [clang-tidy]=run-clang-tidy [codespell]=codespell
 	[shellcheck]=shellcheck [lintian]=lintian [dpkg-dev]=dpkg-shlibdeps)
-declare -A package_header=([libcli11-dev]=CLI/CLI.hpp [libgtest-dev]=gtest/gtest.h
+declare -A package_header=([libcli11-dev]=CLI/CLI.hpp [zlib1g-dev]=zlib.h [libgtest-dev]=gtest/gtest.h
 	[libgmp-dev]=gmpxx.h)
 
 has_package() {

@@ -69,6 +69,11 @@ LineReader::LineReader(const Source& wholeSource) : source(wholeSource)
 	if (source.text.compare(0, 3, "\xEF\xBB\xBF") == 0) offset = 3; // byte order mark
 }
 
+void LineReader::skip(std::size_t num)
+{
+	while (num > 0 && step()) --num;
+}
+
 bool LineReader::step()
 {
 	const std::string_view text = source.text;
@@ -124,15 +129,36 @@ bool LineReader::atLineEnd() const
 	return rest.find_first_not_of(kBlanks) == std::string_view::npos;
 }
 
-double LineReader::number(const char* what)
+double LineReader::toNumber(std::string_view text, const char* what)
 {
-	const auto text = field();
 	if (text.empty()) fail(std::string(what) + " is missing");
 	double value = 0;
 	std::errc problem;
-	if (parseWhole(withoutPlus(text), value, problem)) return value;
-	const bool bRange = problem == std::errc::result_out_of_range;
-	fail(quoted(text) + (bRange ? " is outside the range of a double" : " is not a number"));
+	const bool bNumber = parseWhole(withoutPlus(text), value, problem);
+	if (!bNumber && !parseDecimalComma(text, value)) {
+		const bool bRange = problem == std::errc::result_out_of_range;
+		fail(quoted(text) + (bRange ? " is outside the range of a double" : " is not a number"));
+	}
+	if (bDecimalPoint && !bDecimalComma) return value;
+	if (text.find('.') != std::string_view::npos) bDecimalPoint = true;
+	if (bDecimalPoint && bDecimalComma)
+		fail(quoted(text) + ": some numbers have a decimal point and others a decimal comma");
+	return value;
+}
+
+// With a point in it, too, a comma may also group thousands.
+bool LineReader::parseDecimalComma(std::string_view text, double& value)
+{
+	const auto comma = text.find(',');
+	if (separator == ',' || comma == std::string_view::npos || text.size() > 60 ||
+	    text.find('.') != std::string_view::npos)
+		return false;
+	std::string withPoint(text);
+	withPoint[comma] = '.';
+	std::errc problem;
+	if (!parseWhole(withoutPlus(withPoint), value, problem)) return false;
+	bDecimalComma = true;
+	return true;
 }
 
 std::size_t LineReader::count(const char* what)

@@ -17,6 +17,9 @@ class LineReader
 public:
 	explicit LineReader(const Source& source);
 
+	/// Steps over the next `num` lines, whatever they hold.
+	void skip(std::size_t num);
+
 	/// Steps to the next line with content; false at the end of the text.
 	bool next();
 	/// `next`, where the text must not end: "the file is cut short: " and what is missing.
@@ -36,8 +39,10 @@ public:
 	/// True when the text ends without ending this line: it may have been cut here.
 	bool isOpenEnded() const { return offset == source.text.size() && source.text.back() != '\n'; }
 
-	/// The next field as a number or a count; `what` names it when it is missing or wrong.
-	double number(const char* what);
+	/// The next field as a number or a count; `what` names it when it is missing or wrong. Where the separator
+	/// is no comma, a number may have a decimal comma, but not in a text with decimal points as well.
+	double number(const char* what) { return toNumber(field(), what); }
+	double toNumber(std::string_view field, const char* what);
 	std::size_t count(const char* what);
 	/// Reads the next three fields as a point.
 	void point(PointList& points);
@@ -51,6 +56,7 @@ public:
 
 private:
 	bool step();
+	bool parseDecimalComma(std::string_view field, double& value);
 	std::string where() const;
 
 	const Source& source;
@@ -59,6 +65,8 @@ private:
 	std::size_t offset = 0;
 	std::size_t lineNumber = 0;
 	char separator = ' ';
+	bool bDecimalPoint = false; // one, or a comma, has been read so far
+	bool bDecimalComma = false;
 };
 
 /// The text with capital letters of ASCII made small.

@@ -65,7 +65,7 @@ void readNode(const Source& source, PointList& points)
 	for (std::size_t i = 0, firstIndex = 0; i < num; ++i) {
 		requireOne(lines, "point ", i, num);
 		const std::size_t index = lines.count("the index of a point");
-		if (i == 0) firstIndex = index;
+		if (i == 0) points.setFirstNumber(firstIndex = index);
 		if (index != firstIndex + i) lines.fail("the indices of the points are not consecutive");
 		lines.point(points);
 		for (std::size_t k = 0; k < numAttributes + numMarkers; ++k)

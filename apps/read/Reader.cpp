@@ -3,6 +3,7 @@
 #include "Reader.h"
 
 #include "Failure.h"
+#include "Gzip.h"
 #include "LineReader.h"
 #include "Progress.h"
 
@@ -59,23 +60,54 @@ bool startsWithOffWord(const std::string& text)
 	    word.find_first_not_of("STCN4nOF") == std::string::npos;
 }
 
-const Format& chooseFormat(const Source& source, const std::string& wanted)
+// The extension of a name, but for that of gzip, in small letters.
+std::string extensionOf(std::filesystem::path name)
 {
-	if (!wanted.empty()) return findFormat(wanted);
+	if (lowerCase(name.extension().string()) == ".gz") name.replace_extension();
+	return lowerCase(name.extension().string());
+}
+
+// As a text of points that one would have four columns or more, and points in front of it that have fewer.
+bool startsLikeNode(const Source& source)
+{
+	const Source start{
+	    source.name, source.text.substr(0, 1024) + '\n', source.options, source.progress};
+	LineReader lines(start);
+	std::size_t aHead[4] = {0, 0, 0, 0}, index = 0, numFields = 1;
+	if (!lines.next()) return false;
+	for (auto& number : aHead)
+		if (!lines.atLineEnd() && !parse(lines.field(), number)) return false;
+	if (!lines.atLineEnd() || aHead[1] != 3 || aHead[3] > 1) return false;
+	if (!lines.next() || !parse(lines.field(), index) || index > 1) return false;
+	while (!lines.field().empty()) ++numFields;
+	return numFields == 4 + aHead[2] + aHead[3];
+}
+
+const Format& chooseFormat(const Source& source)
+{
+	if (!source.options.format.empty()) return findFormat(source.options.format);
 	if (source.text.compare(0, 4, "ply\n") == 0 || source.text.compare(0, 4, "ply\r") == 0)
 		return findFormat("ply");
 	if (source.text.compare(0, 4, "LASF") == 0) return findFormat("las");
 	if (startsWithOffWord(source.text)) return findFormat("off");
 
-	const std::string extension =
-	    lowerCase(std::filesystem::path(source.name).extension().string());
-	if (extension.empty()) return getFormats().front();
+	const std::string extension = extensionOf(source.name);
+	if (extension.empty())
+		return startsLikeNode(source) ? findFormat("node") : getFormats().front();
 	for (const auto& format : getFormats())
 		for (const char* known : format.vExtensions)
 			if (extension == known) return format;
 	throw Failure(kBadInput,
 	    source.name + ": no format is known for the extension " + extension +
 	        " (name one with --format, or convert the file with meshio)");
+}
+
+void requireText(const Format& format, const ReadOptions& options)
+{
+	if (format.read != readXyz && (!options.vColumns.empty() || options.numSkippedLines > 0))
+		throw Failure(kWrongUse,
+		    std::string("--columns and --skip-lines are for text, not for the format ") +
+		        format.name);
 }
 
 struct CloseFile
@@ -123,14 +155,16 @@ std::vector<std::string> getFormatNames()
 	return vNames;
 }
 
-std::vector<TULO3D::Point3> readPoints(
-    const std::string& file, const std::string& format, Progress& progress)
+Input readPoints(const std::string& file, const ReadOptions& options, Progress& progress)
 {
 	const std::string name = file == "-" ? "(standard input)" : file;
-	const Source source{name, readWhole(file, name, progress), progress};
+	Source source{name, readWhole(file, name, progress), options, progress};
+	if (isGzip(source.text)) source.text = unzip(source.text, name);
 	progress.begin("reading");
-	PointList points;
-	chooseFormat(source, format).read(source, points);
+	const Format& format = chooseFormat(source);
+	requireText(format, options);
+	PointList points(options.bSkipInvalid);
+	format.read(source, points);
 	return points.take();
 }
 

@@ -14,43 +14,78 @@ namespace app {
 
 class Progress;
 
+/// How a file is to be read.
+struct ReadOptions
+{
+	/// One of `getFormatNames`, or empty: then the first bytes decide, or else the extension of the name.
+	std::string format;
+	/// Of text: the columns that are read, as the user lists them; empty when the file says it itself.
+	std::vector<std::string> vColumns;
+	/// Of text: lines at its start that are passed over.
+	std::size_t numSkippedLines = 0;
+	/// Points with a coordinate that is no finite number, or larger than 1e60, are left out.
+	bool bSkipInvalid = false;
+};
+
 /// The whole contents of a file.
 struct Source
 {
 	std::string name;
 	std::string text;
+	const ReadOptions& options;
 	Progress& progress;
 };
 
-/// The points that were read. Checks each of them as the mesh will do later.
+/// What is read from a file.
+struct Input
+{
+	std::vector<TULO3D::Point3> vPoints;
+	/// The points that were left out: for each the number of points before it that were kept.
+	std::vector<std::size_t> vLeftOut;
+	/// The number that the file itself gives its first point; 0 unless its format numbers points.
+	std::size_t firstNumber = 0;
+};
+
+/// The points that are being read. Checks each of them as the mesh will do later.
 class PointList
 {
 public:
-	/// Appends a point, or returns why it cannot be one: the reader knows the place to report.
+	explicit PointList(bool bSkipInvalidPoints) : bSkipInvalid(bSkipInvalidPoints) {}
+
+	/// Appends a point, or returns why it cannot be one: the reader knows the place to report. Without a
+	/// reason to return when such points are to be left out.
 	[[nodiscard]] const char* add(double x, double y, double z)
+	{
+		const char* reason = findFault(x, y, z);
+		if (!reason) input.vPoints.emplace_back(x, y, z);
+		if (!reason || !bSkipInvalid) return reason;
+		input.vLeftOut.push_back(input.vPoints.size());
+		return nullptr;
+	}
+
+	void reserve(std::size_t num) { input.vPoints.reserve(num); }
+	void setFirstNumber(std::size_t number) { input.firstNumber = number; }
+	/// The number of points so far, with those that were left out.
+	std::size_t numRead() const { return input.vPoints.size() + input.vLeftOut.size(); }
+	Input take() { return std::move(input); }
+
+private:
+	static const char* findFault(double x, double y, double z)
 	{
 		if (!std::isfinite(x) || !std::isfinite(y) || !std::isfinite(z))
 			return "a coordinate is not a finite number";
 		if (std::fabs(x) > 1e60 || std::fabs(y) > 1e60 || std::fabs(z) > 1e60)
 			return "a coordinate is larger than 1e60";
-		vPoints.emplace_back(x, y, z);
 		return nullptr;
 	}
 
-	void reserve(std::size_t num) { vPoints.reserve(num); }
-	std::size_t size() const { return vPoints.size(); }
-	std::vector<TULO3D::Point3> take() { return std::move(vPoints); }
-
-private:
-	std::vector<TULO3D::Point3> vPoints;
+	Input input;
+	const bool bSkipInvalid;
 };
 
-/// Reads the points of a file, or of standard input when `file` is "-".
-///
-/// `format` is one of `getFormatNames`, or empty: then the first bytes decide, or else the extension
-/// of the name. Throws a `Failure` that names the file, the line where there is one, and the reason.
-std::vector<TULO3D::Point3> readPoints(
-    const std::string& file, const std::string& format, Progress& progress);
+/// Reads the points of a file, or of standard input when `file` is "-". A file may be compressed by gzip.
+/// Throws a `Failure` that names the file, the line where there is one, and the reason.
+Input readPoints(const std::string& file, const ReadOptions& options, Progress& progress);
 
 std::vector<std::string> getFormatNames();
 

@@ -1,13 +1,14 @@
 // SPDX-License-Identifier: MIT
 // Points as plain text, one on a line: XYZ, CSV, TXT, PTS.
 //
-// Separators are blanks, or commas, or semicolons, decided for each line. Further columns are
-// ignored. The first line may be a header that names the columns x, y and z, or a lone count.
-#include "LineReader.h"
+// Separators are blanks, or commas, or semicolons, decided for each line. The first line may be a header
+// that names the columns, or a lone count; a comment before it may be a header, too.
+#include "Failure.h"
+#include "TextColumns.h"
 
 #include <algorithm>
-#include <array>
-#include <utility>
+#include <cmath>
+#include <limits>
 
 namespace app {
 
@@ -15,102 +16,206 @@ namespace {
 
 constexpr const char* kAxes[3] = {"x", "y", "z"};
 
-// The places of x, y and z among the fields of a line.
-using Columns = std::array<std::size_t, 3>;
+bool isDigit(char c)
+{
+	return c >= '0' && c <= '9';
+}
 
-// A comma is a separator only where the whole line uses it, so that "1,5 2,5 3,5" is refused
-// instead of being read as other numbers than it shows.
+// True when each comma of a line stands between digits, and no word has two of them: with such numbers the
+// fields are separated by blanks.
+bool hasDecimalCommas(std::string_view line)
+{
+	bool bBlank = false, bCommaInWord = false;
+	for (std::size_t i = 0; i < line.size(); ++i) {
+		if (line[i] == ' ' || line[i] == '\t') {
+			bBlank = true;
+			bCommaInWord = false;
+		} else if (line[i] == ',') {
+			if (bCommaInWord || i == 0 || i + 1 == line.size() || !isDigit(line[i - 1]) ||
+			    !isDigit(line[i + 1]))
+				return false;
+			bCommaInWord = true;
+		}
+	}
+	return bBlank;
+}
+
 char separatorOf(std::string_view line)
 {
 	if (line.find(';') != std::string_view::npos) return ';';
-	return line.find(',') != std::string_view::npos ? ',' : ' ';
+	if (line.find(',') == std::string_view::npos) return ' ';
+	return hasDecimalCommas(line) ? ' ' : ',';
 }
 
-std::string columnName(std::string_view field)
+// What programs write where there is no number.
+bool isNoValue(std::string_view field)
 {
-	std::string name = lowerCase(field);
-	name.erase(std::remove(name.begin(), name.end(), '"'), name.end());
-	return name;
+	static constexpr const char* aWords[] = {
+	    "", "-", "na", "n/a", "null", "none", "nodata", "1.#qnan", "-1.#ind"};
+	const auto word = lowerCase(field);
+	return std::any_of(
+	    std::begin(aWords), std::end(aWords), [&](const char* noValue) { return word == noValue; });
 }
 
-// True when the line names the columns x, y and z; then `columns` are theirs.
-bool isHeader(LineReader& lines, Columns& columns)
+// Reads one text; the members are what is known of it so far.
+class XyzReader
 {
-	std::array<bool, 3> found{};
-	Columns named{};
-	std::size_t index = 0;
-	for (auto field = lines.field(); !field.empty(); field = lines.field(), ++index) {
-		const std::string name = columnName(field);
-		for (std::size_t axis = 0; axis < 3; ++axis) {
-			if (name != kAxes[axis]) continue;
-			found[axis] = true;
-			named[axis] = index;
+public:
+	XyzReader(const Source& wholeSource, PointList& pointList)
+	    : source(wholeSource),
+	      vList(wholeSource.options.vColumns),
+	      points(pointList),
+	      lines(wholeSource)
+	{
+		lines.skip(source.options.numSkippedLines);
+		vComments = leadingComments(std::string_view(source.text).substr(lines.getOffset()));
+	}
+
+	void read()
+	{
+		while (lines.next()) {
+			if (lines.getLine().substr(0, 2) == "//") continue;
+			lines.setSeparator(separatorOf(lines.getLine()));
+			if (numLines++ == 0 && readFirstLine()) continue;
+			if (bAnnounced && points.numRead() == announced)
+				lines.fail("more points than the " + std::to_string(announced) + " announced");
+			if (points.numRead() == 0) prepare();
+			if (lines.isOpenEnded() && countFields() < numFields)
+				lines.fail("the file is cut short: this line has fewer fields than the first one");
+			countsLines();
+			readPoint();
 		}
+		if (bAnnounced && points.numRead() != announced)
+			lines.fail("the file is cut short: " + std::to_string(points.numRead()) + " of " +
+			    std::to_string(announced) + " points");
+		refuseNumbers();
 	}
-	lines.rewind();
-	if (!found[0] || !found[1] || !found[2]) return false;
-	columns = named;
-	return true;
-}
 
-// True when the line is a number of points and nothing else.
-bool isCount(LineReader& lines, std::size_t& count)
-{
-	const bool bCount = parse(lines.field(), count) && lines.atLineEnd();
-	lines.rewind();
-	return bCount;
-}
-
-std::size_t countFields(LineReader& lines)
-{
-	std::size_t num = 0;
-	while (!lines.field().empty()) ++num;
-	lines.rewind();
-	return num;
-}
-
-void readColumns(LineReader& lines, const Columns& columns, PointList& points)
-{
-	std::array<double, 3> values{};
-	const std::size_t last = *std::max_element(columns.begin(), columns.end());
-	for (std::size_t i = 0; i <= last; ++i) {
-		const auto axis = static_cast<std::size_t>(
-		    std::find(columns.begin(), columns.end(), i) - columns.begin());
-		if (axis < 3)
-			values[axis] = lines.number(kAxes[axis]);
-		else
-			lines.field();
+private:
+	// True when the first line is a header or a count, and not a point.
+	bool readFirstLine()
+	{
+		const auto vNames = splitHeader(lines.getLine());
+		if (isHeader(vNames)) return true;
+		if (vNames.size() >= 3 && std::none_of(vNames.begin(), vNames.end(), [&](const auto& name) {
+			    return isValue(name);
+		    })) {
+			if (vList.empty())
+				lines.fail("these names do not say which columns are x, y and z; --columns does");
+			setColumns(chooseColumns(vList, vNames, lines));
+			return true;
+		}
+		bAnnounced = parse(lines.field(), announced) && lines.atLineEnd();
+		lines.rewind();
+		return bAnnounced;
 	}
-	lines.add(points, values[0], values[1], values[2]);
-}
+
+	// True when the names say which columns are read.
+	bool isHeader(const std::vector<std::string>& vNames)
+	{
+		if (!vList.empty() && hasNames(vNames, vList))
+			setColumns(chooseColumns(vList, vNames, lines));
+		else if (vList.empty())
+			if (const auto found = findColumns(vNames, lines)) setColumns(*found);
+		return bKnown;
+	}
+
+	void setColumns(const TextColumns& chosen)
+	{
+		columns = chosen;
+		bKnown = true;
+	}
+
+	bool isValue(const std::string& name) const
+	{
+		double value = 0;
+		return parse(std::string_view(name), value) ||
+		    (source.options.bSkipInvalid && isNoValue(name));
+	}
+
+	// Before the first point: the number of its fields tells a header from other comments.
+	void prepare()
+	{
+		numFields = countFields();
+		for (std::size_t i = 0; i < vComments.size() && !bKnown; ++i) {
+			const auto vNames = splitHeader(vComments[i]);
+			if (vNames.size() == numFields || (vNames.size() == 3 && numFields > 3))
+				isHeader(vNames);
+		}
+		if (!vList.empty() && !bKnown) setColumns(chooseColumns(vList, {}, lines));
+		last = *std::max_element(columns.axes.begin(), columns.axes.end());
+		bCounting = !bKnown && numFields >= 4;
+	}
+
+	std::size_t countFields()
+	{
+		std::size_t num = 0;
+		while (!lines.field().empty()) ++num;
+		lines.rewind();
+		return num;
+	}
+
+	// The first column counts the lines as long as each of its numbers is one more than the one before.
+	void countsLines()
+	{
+		if (!bCounting) return;
+		std::size_t number = 0;
+		bCounting = parse(lines.field(), number) &&
+		    (points.numRead() == 0 || number == firstNumber + points.numRead());
+		if (points.numRead() == 0) firstNumber = number;
+		lines.rewind();
+	}
+
+	// Points whose x is 1, 2, 3 and so on are rare, numbered points are not.
+	void refuseNumbers() const
+	{
+		if (!bCounting || points.numRead() < 4) return;
+		throw Failure(kBadInput,
+		    source.name + ": the first column counts the lines, from " +
+		        std::to_string(firstNumber) +
+		        " on: if these are numbers of points, say --columns id,x,y,z; if they are "
+		        "coordinates, --columns x,y,z");
+	}
+
+	void readPoint()
+	{
+		std::array<double, 3> values{};
+		for (std::size_t i = 0; i <= last; ++i) {
+			const auto field = lines.field();
+			const auto axis = static_cast<std::size_t>(
+			    std::find(columns.axes.begin(), columns.axes.end(), i) - columns.axes.begin());
+			if (axis < 3) values[axis] = toCoordinate(field, kAxes[axis]);
+		}
+		lines.add(points, values[0], values[1], values[2]);
+	}
+
+	double toCoordinate(std::string_view field, const char* axis)
+	{
+		const bool bSkip = source.options.bSkipInvalid && isNoValue(field);
+		return bSkip ? std::numeric_limits<double>::quiet_NaN() : lines.toNumber(field, axis);
+	}
+
+	const Source& source;
+	const std::vector<std::string>& vList; // the columns that the user has listed
+	PointList& points;
+	LineReader lines;
+	std::vector<std::string_view> vComments;
+	TextColumns columns;
+	bool bKnown = false;  // the columns: the user or a header has named them
+	std::size_t last = 2; // the last column that is read
+	std::size_t numLines = 0;
+	std::size_t numFields = 0; // of the first point
+	bool bAnnounced = false;
+	std::size_t announced = 0;
+	bool bCounting = false;
+	std::size_t firstNumber = 0;
+};
 
 } // namespace
 
 void readXyz(const Source& source, PointList& points)
 {
-	LineReader lines(source);
-	Columns columns{0, 1, 2};
-	std::size_t announced = 0;
-	bool bAnnounced = false, bFirst = true;
-	std::size_t numFields = 0;
-	while (lines.next()) {
-		if (lines.getLine().substr(0, 2) == "//") continue;
-		lines.setSeparator(separatorOf(lines.getLine()));
-		if (std::exchange(bFirst, false)) {
-			if (isHeader(lines, columns)) continue;
-			bAnnounced = isCount(lines, announced);
-			if (bAnnounced) continue;
-		}
-		if (bAnnounced && points.size() == announced)
-			lines.fail("more points than the " + std::to_string(announced) + " announced");
-		if (points.size() == 0) numFields = countFields(lines);
-		if (lines.isOpenEnded() && countFields(lines) < numFields)
-			lines.fail("the file is cut short: this line has fewer fields than the first one");
-		readColumns(lines, columns, points);
-	}
-	if (bAnnounced && points.size() != announced)
-		lines.fail("the file is cut short: " + std::to_string(points.size()) + " of " +
-		    std::to_string(announced) + " points");
+	XyzReader(source, points).read();
 }
 
 } // namespace app

@@ -15,6 +15,7 @@ namespace app {
 
 namespace {
 
+constexpr int kMostLinks = 40; // from one to the next, as for the system
 constexpr std::size_t kBufferSize = std::size_t{1} << 20;
 
 #ifdef _WIN32
@@ -29,9 +30,10 @@ constexpr const char* kNewFile =
 OutputFile::OutputFile(fs::path output) : target(std::move(output)), pFile(nullptr)
 {
 	std::error_code ec;
-	// A link keeps being one: the file that it leads to is replaced.
-	if (fs::exists(target, ec)) target = fs::canonical(target, ec);
-	if (fs::exists(target, ec) && !fs::is_regular_file(target, ec)) fail("this is no regular file");
+	// A link keeps being one: the file that it leads to is replaced, or made.
+	for (int i = 0; i < kMostLinks && fs::is_symlink(target, ec); ++i)
+		target = target.parent_path() / fs::read_symlink(target, ec);
+	if (fs::exists(target, ec) && !fs::is_regular_file(target, ec)) fail("not a regular file");
 	temporary = target;
 	temporary.replace_filename(
 	    "." + target.filename().string() + "." + std::to_string(std::random_device()()) + ".part");
@@ -73,8 +75,17 @@ void OutputFile::commit()
 {
 	if (pFile) close();
 	std::error_code ec;
-	fs::rename(temporary, target, ec);
-	if (ec) fail(ec.message());
+	const bool bExisted = fs::exists(target, ec);
+	if (bExisted && fs::hard_link_count(target, ec) > 1) {
+		// Its other names have to show the new contents, too.
+		fs::copy_file(temporary, target, fs::copy_options::overwrite_existing, ec);
+		if (ec) fail(ec.message());
+		fs::remove(temporary, ec);
+	} else {
+		if (bExisted) fs::permissions(temporary, fs::status(target, ec).permissions(), ec);
+		fs::rename(temporary, target, ec);
+		if (ec) fail(ec.message());
+	}
 	removal.reset();
 	temporary.clear();
 }

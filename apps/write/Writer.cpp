@@ -3,8 +3,8 @@
 #include "Writer.h"
 
 #include "Failure.h"
-#include "read/LineReader.h"
 #include "OutputFile.h"
+#include "read/LineReader.h"
 
 #include <algorithm>
 #include <cstdio>
