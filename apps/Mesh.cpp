@@ -12,9 +12,6 @@ namespace {
 
 using Numbers = std::vector<std::int32_t>;
 
-// The corners of facet i, counter-clockwise from outside.
-constexpr int kOutside[4][3] = {{1, 2, 3}, {0, 3, 2}, {0, 1, 3}, {0, 2, 1}};
-
 // Three numbers that are the same for two facets if and only if their corners are: the least, the largest and
 // the sum. Without branches, since the order in which the corners come cannot be predicted.
 std::array<std::int64_t, 3> facetKey(const std::int32_t* pCorners, std::size_t i)
@@ -117,7 +114,7 @@ bool holdsEuler(const Mesh& mesh)
 
 Mesh makeMesh(TULO3D::Tulo_3D& triangulation, const std::vector<TULO3D::Point3*>& vHandles)
 {
-	Mesh mesh{triangulation, {}, {}, {}};
+	Mesh mesh{triangulation, {}, {}, {}, {}};
 	mesh.vCoordinates.reserve(3 * triangulation.getNumVertices());
 	mesh.vFirstInput.reserve(triangulation.getNumVertices());
 	for (std::size_t i = 0; i < vHandles.size(); ++i) {
@@ -127,6 +124,8 @@ Mesh makeMesh(TULO3D::Tulo_3D& triangulation, const std::vector<TULO3D::Point3*>
 		mesh.vCoordinates.insert(mesh.vCoordinates.end(), {vertex.x(), vertex.y(), vertex.z()});
 		mesh.vFirstInput.push_back(static_cast<std::int32_t>(i));
 	}
+	if (mesh.numVertices() < vHandles.size())
+		for (const auto* pVertex : vHandles) mesh.vVertexOfInput.push_back(pVertex->getNumber());
 	forEachTet(mesh, [&](const std::int32_t* pCorners, const std::int32_t* pNeighbours) {
 		for (int i = 0; i < 4; ++i) {
 			if (pNeighbours[i] != -1) continue;
@@ -136,14 +135,14 @@ Mesh makeMesh(TULO3D::Tulo_3D& triangulation, const std::vector<TULO3D::Point3*>
 	return mesh;
 }
 
-std::vector<std::int32_t> numberHullVertices(const Mesh& mesh)
+std::vector<std::int32_t> numberVertices(const Mesh& mesh, const Numbers& vGiven)
 {
-	Numbers vHullNumbers(mesh.numVertices(), -1);
-	for (const auto vertex : mesh.vHullCorners) vHullNumbers[static_cast<std::size_t>(vertex)] = 0;
+	Numbers vNumbers(mesh.numVertices(), -1);
+	for (const auto vertex : vGiven) vNumbers[static_cast<std::size_t>(vertex)] = 0;
 	std::int32_t next = 0;
-	for (auto& number : vHullNumbers)
+	for (auto& number : vNumbers)
 		if (number == 0) number = next++;
-	return vHullNumbers;
+	return vNumbers;
 }
 
 const char* findBrokenLink(const Mesh& mesh)

@@ -12,6 +12,9 @@
 
 namespace app {
 
+/// The corners of facet i of a tetrahedron, counter-clockwise from outside.
+constexpr int kOutside[4][3] = {{1, 2, 3}, {0, 3, 2}, {0, 1, 3}, {0, 2, 1}};
+
 /// A triangulation, with its vertices and its hull as arrays.
 ///
 /// Vertices are numbered in the order in which their points first came up in the input, so that vertex i
@@ -24,6 +27,8 @@ struct Mesh
 	std::vector<double> vCoordinates;
 	/// The first input point of each vertex.
 	std::vector<std::int32_t> vFirstInput;
+	/// The vertex of each input point; empty when no point is repeated, since then they are the same.
+	std::vector<std::int32_t> vVertexOfInput;
 	/// Three vertices a facet of the convex hull, counter-clockwise from outside.
 	std::vector<std::int32_t> vHullCorners;
 
@@ -66,8 +71,9 @@ void forEachTet(const Mesh& mesh, Visit visit)
 	}
 }
 
-/// The number of each vertex among those on the hull, in their order; -1 for one that is not.
-std::vector<std::int32_t> numberHullVertices(const Mesh& mesh);
+/// The number of each vertex among the given ones, in the order of the mesh; -1 for one that is not given. They
+/// may be given repeatedly, as the corners of triangles.
+std::vector<std::int32_t> numberVertices(const Mesh& mesh, const std::vector<std::int32_t>& vGiven);
 
 /// Checks the links of the whole mesh from its arrays alone: neighbours name each other and share their
 /// facet, every vertex has an incident tetrahedron that has it as a corner, the hull is closed, and

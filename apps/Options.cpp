@@ -4,6 +4,7 @@
 
 #include "Failure.h"
 #include "Progress.h"
+#include "write/Writer.h"
 
 #include <CLI/CLI.hpp>
 
@@ -46,9 +47,15 @@ std::optional<int> parseCommandLine(int argc, char** argv, Options& options)
 	cli.add_flag("--skip-invalid", options.reading.bSkipInvalid,
 	    "Leave out points with a coordinate that is no finite number, and count them");
 	cli.add_option("-o,--output", options.vOutputs,
-	       "Write the mesh, as the extension says: .vtu (ParaView), .node/.ele/.neigh (TetGen, all "
-	       "three), .off (the hull), .list/.oogl (Geomview). May be repeated")
+	       "Write the mesh, as the extension says: .vtu, .vtk (ParaView), .msh (Gmsh), "
+	       ".node/.ele/.neigh (TetGen, all three), .list/.oogl (Geomview); or its hull: .ply, "
+	       ".stl, "
+	       ".obj, .off. May be repeated; - is standard output")
 	    ->allow_extra_args(false);
+	cli.add_option("--to", options.stdoutFormat, "The format of standard output, for -o -")
+	    ->check(CLI::IsMember(getStdoutFormats()));
+	cli.add_flag("--compact", options.bCompact,
+	    "TetGen: only distinct vertices, and a .map from the points to them, not all points");
 	bool bCheckAll = false, bNoCheck = false;
 	auto* pCheck = cli.add_flag("--check", bCheckAll,
 	    "Check all links, the hull and the Euler relation too, not only the empty spheres");

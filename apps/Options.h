@@ -17,6 +17,9 @@ struct Options
 	std::string file = "-";
 	ReadOptions reading;
 	std::vector<std::string> vOutputs;
+	/// The format of standard output, where that is an output.
+	std::string stdoutFormat;
+	bool bCompact = false;
 	Check check = Check::kGeometry;
 	bool bStatistics = false;
 	bool bJson = false;

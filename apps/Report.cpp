@@ -2,6 +2,8 @@
 // Collecting the facts of a run, each once, in both of the forms in which it can be printed.
 #include "Report.h"
 
+#include "Utf8.h"
+
 #include <algorithm>
 #include <charconv>
 #include <vector>
@@ -87,39 +89,17 @@ Fact validity(const Measured& measured)
 	return {"valid", "valid", measured.bValid ? "true" : "false", measured.bValid ? "yes" : "no"};
 }
 
-// The length of the character of UTF-8 that starts at byte i; 0 when none does.
-std::size_t utf8Length(const std::string& text, std::size_t i)
-{
-	const auto byte = [&](std::size_t k) -> unsigned {
-		return k < text.size() ? static_cast<unsigned char>(text[k]) : 0;
-	};
-	const unsigned first = byte(i), second = byte(i + 1);
-	if (first < 0x80) return 1;
-	const std::size_t length = first >= 0xF0 ? 4 : first >= 0xE0 ? 3 : 2;
-	// No character has two encodings, none is half of a pair, and none is beyond the last one.
-	const unsigned least = first == 0xE0 ? 0xA0 : first == 0xF0 ? 0x90 : 0x80;
-	const unsigned most = first == 0xED ? 0x9F : first == 0xF4 ? 0x8F : 0xBF;
-	if (first < 0xC2 || first > 0xF4 || second < least || second > most) return 0;
-	for (std::size_t k = i + 2; k < i + length; ++k)
-		if ((byte(k) & 0xC0) != 0x80) return 0;
-	return length;
-}
-
-// A name of a file need not be UTF-8, JSON has to be: what is not becomes U+FFFD.
 std::string jsonText(const std::string& text)
 {
 	static const char* const kHex = "0123456789abcdef";
 	std::string quoted = "\"";
-	for (std::size_t i = 0, length = 0; i < text.size(); i += std::max(length, std::size_t{1})) {
-		length = utf8Length(text, i);
-		const auto code = static_cast<unsigned char>(text[i]);
-		if (text[i] == '"' || text[i] == '\\') quoted += '\\';
-		if (length == 0)
-			quoted += "\\ufffd";
-		else if (code < 32)
+	for (const char c : validUtf8(text)) {
+		if (c == '"' || c == '\\') quoted += '\\';
+		const auto code = static_cast<unsigned char>(c);
+		if (code < 32)
 			(quoted += "\\u00") += {kHex[code / 16], kHex[code % 16]};
 		else
-			quoted.append(text, i, length);
+			quoted += c;
 	}
 	return quoted + "\"";
 }
@@ -133,6 +113,19 @@ double volume(const Mesh& mesh, const std::int32_t* pCorners)
 	    6;
 }
 
+// Duplicate points share a vertex, but need not agree.
+Fact attributes(const Measured& measured, const Mesh& mesh)
+{
+	std::string json, text;
+	for (const auto& name : measured.vAttributes) {
+		json += (json.empty() ? "" : ", ") + jsonText(name);
+		text += (text.empty() ? "" : " ") + name;
+	}
+	if (!text.empty() && mesh.numVertices() < measured.numPoints)
+		text += " (of duplicate points, those of the first one)";
+	return {"attributes", "attributes", "[" + json + "]", text};
+}
+
 std::vector<Fact> basicFacts(const Measured& measured, const Mesh& mesh)
 {
 	const auto points = static_cast<double>(measured.numPoints);
@@ -140,6 +133,7 @@ std::vector<Fact> basicFacts(const Measured& measured, const Mesh& mesh)
 	return {{"version", "", jsonText(TULO3D_VERSION), ""},
 	    {"file", "file", jsonText(measured.file), measured.file},
 	    count("points", "points", measured.numPoints), leftOut(measured),
+	    attributes(measured, mesh),
 	    count("distinctVertices", "distinct vertices", mesh.numVertices()),
 	    count("tetrahedra", "tetrahedra", mesh.numTets()),
 	    count("hullFacets", "hull facets", mesh.numHullFacets()),
@@ -154,7 +148,7 @@ std::vector<Fact> statistics(const Measured& measured, const Mesh& mesh)
 	for (std::size_t i = 0; i < mesh.numVertices(); ++i) box.add(mesh.point(i));
 	double total = 0;
 	forEachTet(mesh, [&](const std::int32_t* pCorners) { total += volume(mesh, pCorners); });
-	const auto vHullNumbers = numberHullVertices(mesh);
+	const auto vHullNumbers = numberVertices(mesh, mesh.vHullCorners);
 	const auto numInside = std::count(vHullNumbers.begin(), vHullNumbers.end(), -1);
 	const double ratio =
 	    static_cast<double>(mesh.numTets()) / static_cast<double>(mesh.numVertices());

@@ -5,6 +5,7 @@
 #include "Mesh.h"
 
 #include <string>
+#include <vector>
 
 namespace app {
 
@@ -15,6 +16,8 @@ struct Measured
 	std::size_t numPoints = 0;
 	/// Points of the file that were left out because they are invalid.
 	std::size_t numLeftOut = 0;
+	/// The names of the attributes that were read.
+	std::vector<std::string> vAttributes;
 	double readSeconds = 0;
 	/// The insertion alone: neither reading nor checking nor writing.
 	double insertSeconds = 0;

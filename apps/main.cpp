@@ -5,10 +5,11 @@
 #include "Options.h"
 #include "Progress.h"
 #include "Report.h"
-#include "read/Reader.h"
 #include "messages.h"
+#include "read/Reader.h"
 #include "write/Writer.h"
 
+#include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <filesystem>
@@ -37,15 +38,46 @@ double timed(Work work)
 	return secondsSince(start);
 }
 
-// Output names are checked before the computation, not after it.
-void checkOutputNames(const Options& options)
+bool isStdoutUsed(const Options& options)
 {
-	for (const auto& output : options.vOutputs)
-		for (const auto& file : getOutputFiles(output)) {
+	return std::count(options.vOutputs.begin(), options.vOutputs.end(), kStdout) > 0;
+}
+
+// Outputs are checked before the computation, not after it.
+void checkOutputs(const Options& options)
+{
+	if (!options.stdoutFormat.empty() && !isStdoutUsed(options))
+		throw Failure(kWrongUse, "--to is the format of standard output, which needs -o -");
+	if (std::count(options.vOutputs.begin(), options.vOutputs.end(), kStdout) > 1)
+		throw Failure(kWrongUse, "-o -: standard output can be one output only");
+	for (const auto& output : options.vOutputs) {
+		hasAttributes(output, options.stdoutFormat); // fails when there is no such format
+		for (const auto& file : getOutputFiles(output, options.bCompact)) {
 			std::error_code ec;
 			if (std::filesystem::equivalent(file, options.file, ec))
 				throw Failure(kWrongUse, file.string() + ": the output would replace the input");
 		}
+	}
+}
+
+// Attributes are read only where they can be written.
+ReadOptions readingOptions(const Options& options)
+{
+	ReadOptions reading = options.reading;
+	for (const auto& output : options.vOutputs)
+		reading.bAttributes |= hasAttributes(output, options.stdoutFormat);
+	return reading;
+}
+
+void writeOutputs(const Options& options, const Result& result, Progress& progress)
+{
+	for (const auto& output : options.vOutputs) {
+		progress.stop();
+		const auto warning = outputWarning(result, output);
+		if (!warning.empty()) progress.warn(warning);
+		progress.start("writing " + output);
+		writeMesh(result, output);
+	}
 }
 
 void requireMesh(const std::string& file, const Tulo_3D& triangulation)
@@ -67,9 +99,9 @@ bool isValid(const Mesh& mesh, const Options& options)
 	return !reason;
 }
 
-void print(const std::string& text)
+void print(const std::string& text, std::FILE* pFile)
 {
-	if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size() || std::fflush(stdout) != 0)
+	if (std::fwrite(text.data(), 1, text.size(), pFile) != text.size() || std::fflush(pFile) != 0)
 		throw Failure(kNotWritten, "standard output: cannot be written");
 }
 
@@ -82,14 +114,15 @@ void stop(TULO3D::StopReason, const char* text)
 ExitStatus run(const Options& options, LibraryMessages& messages)
 {
 	const auto start = Clock::now();
-	checkOutputNames(options);
+	checkOutputs(options);
 	Progress progress(options.bQuiet);
 	Measured measured;
 	measured.file = options.file;
 
 	Input input;
-	measured.readSeconds =
-	    timed([&] { input = readPoints(options.file, options.reading, progress); });
+	const auto reading = readingOptions(options);
+	measured.readSeconds = timed([&] { input = readPoints(options.file, reading, progress); });
+	for (const auto& attribute : input.vAttributes) measured.vAttributes.push_back(attribute.name);
 	measured.numPoints = input.vPoints.size();
 	measured.numLeftOut = input.vLeftOut.size();
 
@@ -117,20 +150,18 @@ ExitStatus run(const Options& options, LibraryMessages& messages)
 		measured.checkSeconds = timed([&] { measured.bValid = isValid(mesh, options); });
 	}
 	const bool bBroken = measured.bChecked && !measured.bValid;
-	measured.writeSeconds = timed([&] {
-		for (const auto& output : options.vOutputs) {
-			if (bBroken) break;
-			progress.start("writing " + output);
-			writeMesh(mesh, output);
-		}
-	});
+	if (!bBroken)
+		measured.writeSeconds = timed([&] {
+			writeOutputs(options, {mesh, input, options.stdoutFormat, options.bCompact}, progress);
+		});
 	progress.stop();
 	measured.totalSeconds = secondsSince(start);
 
+	std::FILE* const pReport = isStdoutUsed(options) ? stderr : stdout;
 	if (options.bJson)
-		print(reportJson(measured, mesh));
+		print(reportJson(measured, mesh), pReport);
 	else if (options.bStatistics || !options.bQuiet)
-		print(reportText(measured, mesh, options.bStatistics));
+		print(reportText(measured, mesh, options.bStatistics), pReport);
 	if (bBroken)
 		throw Failure(kNotValid, options.file + ": the mesh is not valid; no output was written");
 	messages.dismiss();

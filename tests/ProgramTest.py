@@ -125,7 +125,7 @@ def run(*args, **options):
 
 
 def readNodes(path):
-    return [tuple(map(float, row.split()[1:])) for row in path.read_text().splitlines()[1:]]
+    return [tuple(map(float, row.split()[1:4])) for row in path.read_text().splitlines()[1:]]
 
 
 class ProgramCase(unittest.TestCase):
@@ -189,7 +189,8 @@ class Program(ProgramCase):
 
     def testACommandLineThatCannotWorkIsRefusedBeforeTheWork(self):
         points = self.write("a.off", FORMATS["n.off"])
-        for args, text in ((["--nonsense"], "--nonsense"), ([points, "-o", "m.stl"], "m.stl: no output format"),
+        for args, text in ((["--nonsense"], "--nonsense"), ([points, "-o", "m.st"], "m.st: no output format"),
+                           ([points, "-o", "-"], "(--to)"), ([points, "--to", "stl"], "-o -"), ([points, "-o", "-", "--to", "tetgen"], "--to"),
                            ([points, "-o", points], "would replace the input"), ([points, "-q", "-v"], "--quiet"),
                            ([points, "-f", "stl"], "stl"), ([points, "--check", "--no-check"], "--check")):
             with self.subTest(text):
@@ -239,7 +240,7 @@ class Program(ProgramCase):
         points = self.write("a.xyz", lines(POINTS))
         def limit():
             resource.setrlimit(resource.RLIMIT_FSIZE, (1000, 1000))
-        for name in ("m.VTU", "m.ele", "m.off", "m.list"):
+        for name in ("m.VTU", "m.ele", "m.off", "m.list", "m.vtk", "m.msh", "m.ply", "m.stl", "m.obj"):
             with self.subTest(name):
                 target = self.write(name, "old")
                 done = run(points, "-o", target, preexec_fn=limit, restore_signals=False)
@@ -289,7 +290,128 @@ class Program(ProgramCase):
             volume += sum(a[i] * (b[i - 2] * c[i - 1] - b[i - 1] * c[i - 2]) for i in range(3)) / 6
         self.assertAlmostEqual(volume / facts["hullVolume"], 1)  # outward, and closed
         drawing = (self.folder / "m.list").read_text()
-        self.assertEqual(drawing.count("OFF"), 4 * facts["tetrahedra"])
+        self.assertEqual(len(re.findall("^3 .*\\.5$", drawing, re.M)), 4 * facts["tetrahedra"])
+
+
+    def testStandardOutputGetsWhatAFileWouldGet(self):
+        points = self.write("a.xyz", lines(POINTS))
+        for name in "vtu", "vtk", "msh", "ply", "stl", "obj", "off", "list":
+            file = self.folder / ("m." + name)
+            done = run(points, "-o", file, "-o", "-", "--to", name)
+            self.assertEqual((done.stdout, done.stderr.split()[:1]), (file.read_bytes(), [b"file"]))
+
+    def testTetgenFilesKeepTheNumbersOfTheInputOrHaveAMap(self):
+        doubled = [*POINTS[:3], *POINTS]
+        points = self.write("a.node", "43 3 1 1\n" + lines(doubled, numbered=1, tail=" 0.5 7"))
+        def corners():
+            return {int(n) for row in self.mesh.with_suffix(".ele").read_text().splitlines()[1:] for n in row.split()[1:]}
+        run(points, "-q", "-o", self.mesh)
+        self.assertEqual(self.mesh.read_text(), points.read_text())
+        self.assertEqual(corners(), {1, 2, 3, *range(7, 44)})
+        if shutil.which("tetgen"):
+            said = subprocess.run(["tetgen", "-r", self.mesh.with_suffix("")], capture_output=True, check=True).stdout.decode()
+            self.assertIn(f"Mesh tetrahedra: {len(self.mesh.with_suffix('.ele').read_text().splitlines()) - 1}\n", said)
+        run(points, "-q", "-o", self.mesh, "--compact")
+        self.assertEqual((len(readNodes(self.mesh)), corners()), (40, {*range(1, 41)}))
+        rows = [tuple(map(int, row.split())) for row in self.mesh.with_suffix(".map").read_text().splitlines()[1:]]
+        self.assertEqual(rows, [(i + 1, i % 3 + 1 if i < 6 else i - 2) for i in range(43)])
+
+    def testGeomviewDrawsMoreTetrahedraThanItsStackHolds(self):
+        points = self.write("a.xyz", lines([[random.random() for _ in range(3)] for _ in range(1000)]))
+        run(points, "-o", self.folder / "m.list")
+        drawn = subprocess.run([MESHIO_TOOL.parent / "render_list.sh", self.folder / "m.list", self.folder / "m.png"], capture_output=True)
+        if drawn.returncode == 77:
+            self.skipTest(drawn.stderr.decode())
+        self.assertEqual((drawn.returncode, drawn.stderr), (0, b""))
+
+
+def readPly(path):
+    """The types, names and values of a vertex's properties in a binary file with x, y, z in front."""
+    head, body = path.read_bytes().split(b"end_header\n", 1)
+    num = int(re.search(rb"vertex (\d+)", head)[1])
+    types, names = zip(*re.findall(r"^property (\w+) (\w+)$", head.decode(), re.M))
+    codes = "".join("bBhHiIfd"["char uchar short ushort int uint float double".split().index(t)] for t in types)
+    rows = struct.iter_unpack("<" + codes, body[:num * struct.calcsize("<" + codes)])
+    return {n: (t, list(column)) for t, n, column in zip(types, names, zip(*rows))}
+
+
+CORNERS = [(1, 0, 0), (-1, 0, 0), (0, 1, 0), (0, -1, 0), (0, 0, 1), (0, 0, -1), (1, 0, 0)]  # all on the hull, the last twice
+VALUES = {  # type in PLY, code, values
+    "int8": ("char", "b", [-128, 127, 0, 1, 2, 3, 9]), "red": ("uchar", "B", [0, 255, 7, 1, 2, 3, 9]),
+    "int16": ("short", "h", [-32768, 32767, 0, 1, 2, 3, 9]), "uint16": ("ushort", "H", [0, 65535, 0, 1, 2, 3, 9]),
+    "int32": ("int", "i", [-2**31, 2**31 - 1, 0, 1, 2, 3, 9]), "uint32": ("uint", "I", [0, 2**32 - 1, 0, 1, 2, 3, 9]),
+    "float": ("float", "f", [0.5, -2.0**99, 0, 1, 2, 3, 9]), "double": ("double", "d", [0.1, 1e300, 0, 1, 2, 3, 9])}
+
+
+def plyOfValues(kind):
+    head = "".join(f"property {VALUES[n][0]} {n}\n" for n in VALUES) + "property double x\nproperty double y\nproperty double z\n"
+    rows = list(zip(*(values for _, _, values in VALUES.values()), *zip(*CORNERS)))
+    codes = "".join(code for _, code, _ in VALUES.values()) + "ddd"
+    body = {"ascii": "".join(" ".join(map(str, row)) + "\n" for row in rows).encode(),
+            "binary_big_endian": b"".join(struct.pack(">" + codes, *row) for row in rows)}[kind]
+    return f"ply\nformat {kind} 1.0\nelement vertex 7\n{head}end_header\n".encode() + body
+
+
+def lasOfValues(kind, length, fields):
+    body = b""
+    for i, corner in enumerate(CORNERS):
+        record = bytearray(length)
+        struct.pack_into("<3i", record, 0, *corner)
+        for offset, code, value in fields:
+            struct.pack_into("<" + code, record, offset, value + i)
+        body += record
+    head = bytearray(las(2)[:227])
+    struct.pack_into("<IIBHI", head, 96, 227, 0, kind, length, 7)
+    struct.pack_into("<6d", head, 131, *[1.0] * 3, *[0.0] * 3)
+    return bytes(head) + body
+
+
+COLUMNS = "id,Y,X,Z,red,class,t,name\n" + "".join(f"{10**10 + i},{y},{x},{z},{250 + i % 6},{i - 3},{i / 8},P{i}\n" for i, (x, y, z) in enumerate(CORNERS))
+COUNTED = "7\n" + "".join("%d %d %d " % c + f"{-i} {i} 2 3\n" for i, c in enumerate(CORNERS))
+NODE = "7 3 1 1\n" + "".join("%d %d %d %d " % (i, *c) + f"{i / 8} {i - 2}\n" for i, c in enumerate(CORNERS))
+FIRST = {n: (t, values[:6]) for n, (t, _, values) in VALUES.items()}
+LAS3 = [(12, "H", 60000), (15, "B", 224 + 6), (20, "d", 1.5e8), (28, "H", 1), (30, "H", 65000), (32, "H", 3)]
+LAS7 = [(12, "H", 60000), (16, "B", 200), (22, "d", 1.5e8), (30, "H", 1), (32, "H", 65000), (34, "H", 3)]
+
+
+def counting(kind, start, step=1):
+    return kind, [start + i * step for i in range(6)]
+
+
+LAS = {"intensity": counting("ushort", 60000), "classification": counting("uchar", 6), "gps_time": counting("double", 1.5e8),
+       "red": counting("ushort", 1), "green": counting("ushort", 65000), "blue": counting("ushort", 3)}
+
+
+class Attributes(ProgramCase):
+    def testAttributesComeThroughInTheirTypes(self):
+        hull = self.folder / "hull.ply"
+        for name, content, expected in (
+                ("a.ply", plyOfValues("ascii"), FIRST), ("a.ply", plyOfValues("binary_big_endian"), FIRST),
+                ("a.csv", COLUMNS, {"id": counting("double", 1e10), "red": counting("uchar", 250), "class": counting("int", -3), "t": counting("double", 0, 1 / 8)}),
+                ("a.pts", COUNTED, {"intensity": counting("int", 0, -1), "red": counting("uchar", 0), "green": counting("uchar", 2, 0), "blue": counting("uchar", 3, 0)}),
+                ("a.node", NODE, {"attribute1": counting("double", 0, 1 / 8), "marker": counting("int", -2)}),
+                ("a.las", lasOfValues(3, 34, LAS3), LAS), ("a.las", lasOfValues(7, 36, LAS7), {**LAS, "classification": counting("uchar", 200)}),
+                ("a.las", lasOfValues(3, 29, LAS3[:3]), {n: LAS[n] for n in list(LAS)[:3]})):
+            with self.subTest(name, content=content):
+                done = run(self.write(name, content), "-o", hull, "-o", self.mesh)
+                read = readPly(hull)
+                self.assertEqual(read.pop("inputIndex"), ("int", [*range(6)]))
+                self.assertEqual({n: v for n, v in read.items() if n not in "xyz"}, expected)
+                self.assertIn(" ".join(expected) + " (of duplicate points, those of the first one)", done.stdout.decode())
+                self.assertEqual(done.stderr.decode(), "tulo3d: warning: " + str(self.folder / name) +
+                                 ": the column 'name' is text and is not written\n" if name == "a.csv" else "")
+        run(self.write("a.ply", plyOfValues("ascii").replace(b"uchar", b"ushort")), "-o", self.mesh, "--skip-invalid")
+        self.assertEqual(run(self.write("a.ply", plyOfValues("ascii").replace(b"65535", b"65536")), "-o", hull).returncode, 3)
+
+    def testAPointThatIsLeftOutTakesItsAttributesWithIt(self):
+        hull = self.folder / "hull.ply"
+        for name, content in ("a.csv", "x,y,z,w\nnan,0,0,7.5\n" + "".join("%d,%d,%d,%d\n" % (*c, i) for i, c in enumerate(CORNERS[:6]))), \
+                ("a.ply", plyOfValues("ascii").replace(b"-128 ", b"5 5 5 5 5 5 5 5 nan 0 0\n-128 ", 1).replace(b"vertex 7", b"vertex 8")):
+            with self.subTest(name):
+                run(self.write(name, content), "-o", hull, "--skip-invalid", "-q")
+                read = readPly(hull)
+                self.assertEqual(read["inputIndex"][1], [*range(1, 7)])
+                self.assertEqual(read["w" if name == "a.csv" else "red"][1], [*range(6)] if name == "a.csv" else FIRST["red"][1])
 
 
 class Shrinker(ProgramCase):
@@ -318,17 +440,35 @@ class Meshio(ProgramCase):
     def testMeshioReadsWhatIsWritten(self):
         if importlib.util.find_spec("meshio") is None:
             self.skipTest(f"{sys.executable} has no meshio (tools/packages.sh)")
-        files = [self.folder / ("m" + s) for s in (".vtu", ".ele", ".off")]
-        facts = json.loads(run("--json", *(a for f in files for a in ("-o", f)),
-                               input=lines(POINTS[:1] + POINTS).encode()).stdout)
+        files = [self.folder / ("m" + s) for s in (".vtu", ".vtk", ".msh", ".ele", ".off", ".ply", ".stl", ".obj")]
+        rows = lines(POINTS[:1] + POINTS).splitlines()
+        points = "".join(f"{row} {i} {i / 8}\n" for i, row in enumerate(rows))
+        facts = json.loads(run("--json", "--columns", "x,y,z,n,w & \"v\"", *(a for f in files for a in ("-o", f)),
+                               input=points.encode()).stdout)
         read = subprocess.run([sys.executable, MESHIO_TOOL, *files], capture_output=True, check=True)
-        grid, tetgen, hull = json.loads(read.stdout)
-        for mesh in grid, tetgen:
-            self.assertEqual(mesh["points"], [list(p) for p in POINTS])
+        *grids, tetgen, off, hull, stl, obj = json.loads(read.stdout)
+        for mesh in *grids, tetgen:
+            self.assertEqual(mesh["points"][-40:], [list(p) for p in POINTS])
             self.assertEqual(mesh["cells"], {"tetra": facts["tetrahedra"]})
             self.assertAlmostEqual(mesh["volume"] / facts["hullVolume"], 1)
-        self.assertEqual(grid["pointData"]["inputIndex"], [0, *range(2, 41)])
-        self.assertEqual(hull["cells"], {"triangle": facts["hullFacets"]})
+        first = [0, *range(2, 41)]
+        for mesh, name in zip(grids, ('w & "v"', "w_&_\"v\"", "w & 'v'")):
+            self.assertEqual(mesh["pointData"]["inputIndex"], first)
+            self.assertEqual((mesh["pointData"]["n"], mesh["pointData"][name]), (first, [i / 8 for i in first]))
+        for mesh in off, hull, stl, obj:
+            self.assertEqual((mesh["cells"], len(mesh["points"])), ({"triangle": facts["hullFacets"]}, facts["hullVertices"]))
+            self.assertAlmostEqual(mesh["volume"] / facts["hullVolume"], 1, 3 if mesh is stl else 7)
+
+    def testGmshReadsWhatIsWritten(self):
+        if subprocess.run([sys.executable, "-c", "import gmsh"], capture_output=True).returncode:  # or not its libraries
+            self.skipTest(f"{sys.executable} has no gmsh (tools/packages.sh)")
+        mesh = self.folder / "m.msh"
+        facts = json.loads(run("--json", "-o", mesh, "--columns", "x,y,z,w", input=lines(POINTS[:1] + POINTS, tail=" 7").encode()).stdout)
+        program = ("import gmsh, json, sys; gmsh.initialize(); gmsh.option.setNumber('General.Terminal', 0); gmsh.open(sys.argv[1]); m = gmsh.model.mesh; "
+                   "print(json.dumps([m.getNodes()[0].tolist(), len(m.getElements()[1][0]), bool(min(m.getElementQualities(m.getElements()[1][0], 'volume')) > 0),"
+                   " [float(v[0]) for v in gmsh.view.getModelData(2, 0)[2]]]))")
+        read = subprocess.run([sys.executable, "-c", program, mesh], capture_output=True, check=True)
+        self.assertEqual(json.loads(read.stdout), [[*range(1, 41)], facts["tetrahedra"], True, [7] * 40])
 
 
 if __name__ == "__main__":

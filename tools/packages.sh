@@ -6,15 +6,16 @@
 # By Debian's names: to build the library and the program; in addition, to run all the tests.
 packages_build=(g++ cmake ninja-build libcli11-dev zlib1g-dev)
 packages_test=(clang libclang-rt-dev libgtest-dev libgmp-dev pkg-config binutils python3)
-# Without these a few tests skip: valgrind, the meshes on 64-bit Arm, pictures, Python packages and ours;
+# Without these a few tests skip: valgrind, the meshes on 64-bit Arm, pictures, what TetGen reads, Python
+# packages and ours;
 # the documents, the sources as they are read by tools, the packages.
-packages_test_optional=(valgrind qemu-user g++-aarch64-linux-gnu geomview xvfb netpbm python3-venv
-	python3-dev
+packages_test_optional=(valgrind qemu-user g++-aarch64-linux-gnu geomview xvfb netpbm tetgen
+	python3-venv python3-dev
 	doxygen clang-format clang-tidy codespell shellcheck lintian dpkg-dev)
 # By the names of the Python package index, for a virtual environment that the tests use: the system
-# stays as it is, whichever Python it has. Without meshio the test of what it reads skips.
+# stays as it is, whichever Python it has. Without these the tests of what they read skip.
 venv=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)/build/venv
-python_packages_test=(meshio)
+python_packages_test=(meshio gmsh)
 # To build the Python package and to read its wheel; what its tests need is listed in pyproject.toml.
 python_packages_build=(scikit-build-core nanobind auditwheel)
 
@@ -22,7 +23,7 @@ python_packages_build=(scikit-build-core nanobind auditwheel)
 declare -A package_command=([g++]=g++ [cmake]=cmake [ninja-build]=ninja [clang]=clang++
 	[pkg-config]=pkg-config [binutils]=nm [python3]=python3
 	[valgrind]=valgrind [qemu-user]=qemu-aarch64 [g++-aarch64-linux-gnu]=aarch64-linux-gnu-g++
-	[geomview]=geomview [xvfb]=xvfb-run [netpbm]=pnmtopng [doxygen]=doxygen
+	[geomview]=geomview [xvfb]=xvfb-run [netpbm]=pnmtopng [tetgen]=tetgen [doxygen]=doxygen
 	[clang-format]=clang-format [clang-tidy]=run-clang-tidy [codespell]=codespell
 	[shellcheck]=shellcheck [lintian]=lintian [dpkg-dev]=dpkg-shlibdeps)
 declare -A package_header=([libcli11-dev]=CLI/CLI.hpp [zlib1g-dev]=zlib.h [libgtest-dev]=gtest/gtest.h

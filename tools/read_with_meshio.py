@@ -17,11 +17,13 @@ def contents(file):
         if block.type == "tetra":
             corners = mesh.points[block.data]
             volume += numpy.linalg.det(corners[:, 1:] - corners[:, :1]).sum() / 6
+        elif block.type == "triangle":
+            volume += numpy.linalg.det(mesh.points[block.data] - mesh.points[0]).sum() / 6
     return {
         "points": mesh.points.tolist(),
         "cells": {block.type: len(block.data) for block in mesh.cells},
         "pointData": {name: values.ravel().tolist() for name, values in mesh.point_data.items()},
-        "volume": volume,
+        "volume": float(volume),
     }
 
 

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
-# Renders a drawing of the library (an OOGL LIST) to a PNG through Geomview, without a screen.
+# Renders a drawing of the library or the program (an OOGL LIST) to a PNG through Geomview, without a screen.
 set -euo pipefail
 
 usage() {
@@ -61,26 +61,40 @@ fi
 folder=$(mktemp -d)
 trap 'rm -rf "$folder"' EXIT
 
-# A LIST ends only at the brace of the LIST around it. So the point members, which begin with the
+# In a drawing of the library, a LIST ends only at the brace of the LIST around it. So the point members, which begin with the
 # word LIST and not with a brace, would nest one inside the other, and Geomview's stack holds about
 # 490 tetrahedra of that. Braces around each of them keep the nesting flat. The memory that Geomview
 # takes for a LIST grows with the square of its members, so they go into groups.
+# The program draws all facets as one OFF, and has the braces.
 LC_ALL=C awk -v longest="$longest" '
-	function sq_distance(i, j,   a, b) {
-		split(line[i], a); split(line[j], b)
+	function sq_distance(p, q,   a, b) {
+		split(p, a); split(q, b)
 		return (a[1] - b[1]) ^ 2 + (a[2] - b[2]) ^ 2 + (a[3] - b[3]) ^ 2
 	}
-	function is_too_long() {
-		if (longest == "" || line[2] != "OFF") return 0
-		return sq_distance(4, 5) > longest ^ 2 || sq_distance(5, 6) > longest ^ 2 ||
-			sq_distance(6, 4) > longest ^ 2
+	function is_too_long(p, q, r) {
+		return longest != "" && (sq_distance(p, q) > longest ^ 2 ||
+			sq_distance(q, r) > longest ^ 2 || sq_distance(r, p) > longest ^ 2)
 	}
 	function put_member(   i) {
-		if (is_too_long()) return
+		if (line[2] == "OFF" && is_too_long(line[4], line[5], line[6])) return
 		if (numMembers++ % 300 == 0) print(numMembers > 1 ? "}\n{ LIST" : "{ LIST")
 		for (i = 1; i <= n; ++i) print line[i]
 		print(line[1] == "{ LIST" ? "} }" : "}")
 	}
+	function put_facets(   i) {
+		print("{ OFF"); print(numVertices, numFacets, 0)
+		for (i = 0; i < numVertices; ++i) print vertex[i]
+		for (i = 0; i < numFacets; ++i) print facet[i]
+	}
+	NR == 2 && /OFF/  { ofProgram = 1; next }
+	ofProgram && NR == 3                { numVertices = $1; end = 3 + $1 + $2; next }
+	ofProgram && NR <= 3 + numVertices  { vertex[NR - 4] = $0; next }
+	ofProgram && NR <= end {
+		if (!is_too_long(vertex[$2], vertex[$3], vertex[$4])) facet[numFacets++] = $0
+		next
+	}
+	ofProgram && NR == end + 1          { put_facets() }
+	ofProgram         { print; next }
 	NR <= 2           { print; next }
 	n == 0 && /^}$/   { if (numMembers) print "}"; print; next }
 	/^}$/             { put_member(); n = 0; next }

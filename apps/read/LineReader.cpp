@@ -50,6 +50,21 @@ bool parse(std::string_view field, std::size_t& value)
 	return parseWhole(field, value, problem);
 }
 
+bool parse(std::string_view field, std::int64_t& value)
+{
+	std::errc problem;
+	return parseWhole(withoutPlus(field), value, problem);
+}
+
+bool parseDecimalComma(std::string_view field, double& value)
+{
+	const auto comma = field.find(',');
+	if (comma == std::string_view::npos || field.find('.') != std::string_view::npos) return false;
+	std::string withPoint(field);
+	withPoint[comma] = '.';
+	return parse(std::string_view(withPoint), value);
+}
+
 std::string lowerCase(std::string_view text)
 {
 	std::string lower(text);
@@ -134,31 +149,18 @@ double LineReader::toNumber(std::string_view text, const char* what)
 	if (text.empty()) fail(std::string(what) + " is missing");
 	double value = 0;
 	std::errc problem;
-	const bool bNumber = parseWhole(withoutPlus(text), value, problem);
-	if (!bNumber && !parseDecimalComma(text, value)) {
+	if (!parseWhole(withoutPlus(text), value, problem)) {
+		bDecimalComma = separator != ',' && parseDecimalComma(text, value);
 		const bool bRange = problem == std::errc::result_out_of_range;
-		fail(quoted(text) + (bRange ? " is outside the range of a double" : " is not a number"));
+		if (!bDecimalComma)
+			fail(
+			    quoted(text) + (bRange ? " is outside the range of a double" : " is not a number"));
 	}
 	if (bDecimalPoint && !bDecimalComma) return value;
 	if (text.find('.') != std::string_view::npos) bDecimalPoint = true;
 	if (bDecimalPoint && bDecimalComma)
 		fail(quoted(text) + ": some numbers have a decimal point and others a decimal comma");
 	return value;
-}
-
-// With a point in it, too, a comma may also group thousands.
-bool LineReader::parseDecimalComma(std::string_view text, double& value)
-{
-	const auto comma = text.find(',');
-	if (separator == ',' || comma == std::string_view::npos || text.size() > 60 ||
-	    text.find('.') != std::string_view::npos)
-		return false;
-	std::string withPoint(text);
-	withPoint[comma] = '.';
-	std::errc problem;
-	if (!parseWhole(withoutPlus(withPoint), value, problem)) return false;
-	bDecimalComma = true;
-	return true;
 }
 
 std::size_t LineReader::count(const char* what)

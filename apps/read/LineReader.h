@@ -5,6 +5,7 @@
 #include "Reader.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -56,7 +57,6 @@ public:
 
 private:
 	bool step();
-	bool parseDecimalComma(std::string_view field, double& value);
 	std::string where() const;
 
 	const Source& source;
@@ -76,5 +76,8 @@ std::string quoted(std::string_view field);
 /// Reads the whole of `field` as a number or a count; false when it is none.
 bool parse(std::string_view field, double& value);
 bool parse(std::string_view field, std::size_t& value);
+bool parse(std::string_view field, std::int64_t& value);
+/// Reads the whole of `field` as a number with a decimal comma; with a point in it, too, it is none.
+bool parseDecimalComma(std::string_view field, double& value);
 
 } // namespace app

@@ -25,6 +25,14 @@ void readOffHeader(LineReader& lines)
 	if (lines.atLineEnd()) lines.require("the line with the counts is");
 }
 
+void addNodeAttributes(std::size_t numAttributes, std::size_t numMarkers, PointList& points)
+{
+	for (std::size_t i = 0; i < numAttributes; ++i)
+		points.addAttribute("attribute" + std::to_string(i + 1), std::vector<double>());
+	for (std::size_t i = 0; i < numMarkers; ++i)
+		points.addAttribute(kMarkerName, std::vector<std::int32_t>());
+}
+
 } // namespace
 
 // Faces, normals, groups and materials say nothing about where the points are.
@@ -62,14 +70,18 @@ void readNode(const Source& source, PointList& points)
 	const std::size_t numAttributes =
 	    lines.atLineEnd() ? 0 : lines.count("the number of attributes");
 	const std::size_t numMarkers = lines.atLineEnd() ? 0 : lines.count("the number of markers");
+	if (points.wantsAttributes()) addNodeAttributes(numAttributes, numMarkers, points);
 	for (std::size_t i = 0, firstIndex = 0; i < num; ++i) {
 		requireOne(lines, "point ", i, num);
 		const std::size_t index = lines.count("the index of a point");
 		if (i == 0) points.setFirstNumber(firstIndex = index);
 		if (index != firstIndex + i) lines.fail("the indices of the points are not consecutive");
-		lines.point(points);
-		for (std::size_t k = 0; k < numAttributes + numMarkers; ++k)
-			lines.number("an attribute or a boundary marker");
+		const double x = lines.number("x"), y = lines.number("y"), z = lines.number("z");
+		for (std::size_t k = 0; k < numAttributes + numMarkers; ++k) {
+			const double value = lines.number("an attribute or a boundary marker");
+			if (points.wantsAttributes()) appendNumber(points.valuesOf(k), value);
+		}
+		lines.add(points, x, y, z);
 	}
 	if (lines.next()) lines.fail("more points than the " + std::to_string(num) + " announced");
 }

@@ -18,9 +18,15 @@ double load(const char* pBytes, bool bBigEndian)
 }
 
 template <class T>
+AttributeValues makeValues()
+{
+	return std::vector<T>();
+}
+
+template <class T>
 constexpr PlyType makeType(std::string_view name, std::string_view sizedName)
 {
-	return {name, sizedName, sizeof(T), std::is_integral_v<T>, load<T>};
+	return {name, sizedName, sizeof(T), std::is_integral_v<T>, load<T>, makeValues<T>};
 }
 
 const PlyType* readType(LineReader& lines, std::string_view word)
@@ -28,7 +34,8 @@ const PlyType* readType(LineReader& lines, std::string_view word)
 	static constexpr PlyType aTypes[] = {makeType<std::int8_t>("char", "int8"),
 	    makeType<std::uint8_t>("uchar", "uint8"), makeType<std::int16_t>("short", "int16"),
 	    makeType<std::uint16_t>("ushort", "uint16"), makeType<std::int32_t>("int", "int32"),
-	    makeType<std::uint32_t>("uint", "uint32"), makeType<float>("float", "float32"),
+	    makeType<std::uint32_t>("uint", "uint32"), makeType<std::int64_t>("int64", "int64"),
+	    makeType<std::uint64_t>("uint64", "uint64"), makeType<float>("float", "float32"),
 	    makeType<double>("double", "float64")};
 	for (const auto& type : aTypes)
 		if (word == type.name || word == type.sizedName) return &type;
@@ -46,7 +53,7 @@ PlyHeader::Format readFormat(LineReader& lines)
 
 PlyProperty readProperty(LineReader& lines, const PlyElement& element)
 {
-	PlyProperty property{nullptr, nullptr, -1};
+	PlyProperty property{nullptr, nullptr, {}, -1, {}};
 	auto word = lines.field();
 	const bool bList = word == "list";
 	if (bList) {
@@ -55,8 +62,9 @@ PlyProperty readProperty(LineReader& lines, const PlyElement& element)
 		word = lines.field();
 	}
 	property.pType = readType(lines, word);
-	const auto name = lines.field();
+	const std::string name(lines.field());
 	if (name.empty()) lines.fail("the name of the property is missing");
+	property.name = name;
 	const bool bCoordinate = name == "x" || name == "y" || name == "z";
 	if (element.name == "vertex" && !bList && bCoordinate) property.axis = name[0] - 'x';
 	return property;

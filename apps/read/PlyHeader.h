@@ -4,19 +4,21 @@
 
 #include "LineReader.h"
 
+#include <optional>
 #include <string>
 #include <vector>
 
 namespace app {
 
 /// A type of numbers: its two names, its size in a binary file, and how one is loaded from there.
-/// Every type fits into a double exactly.
 struct PlyType
 {
 	std::string_view name, sizedName;
 	std::size_t size;
 	bool bInteger;
 	double (*load)(const char* pBytes, bool bBigEndian);
+	/// No values yet, of this type.
+	AttributeValues (*makeValues)();
 };
 
 struct PlyProperty
@@ -24,8 +26,11 @@ struct PlyProperty
 	const PlyType* pType;
 	/// The type of the length of a list; null for a single value.
 	const PlyType* pCountType;
-	/// 0, 1, 2 for the x, y, z of a vertex; -1 for all that is passed over.
+	std::string name;
+	/// 0, 1, 2 for the x, y, z of a vertex; -1 for others.
 	int axis;
+	/// The attribute of the points that it is; nothing for what is passed over.
+	std::optional<std::size_t> attribute;
 };
 
 struct PlyElement

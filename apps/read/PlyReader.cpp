@@ -18,6 +18,14 @@ bool isVertex(const PlyElement& element)
 	return element.name == "vertex";
 }
 
+void readAttribute(LineReader& lines, const PlyProperty& property, PointList& points)
+{
+	const auto field = lines.field();
+	if (!appendText(points.valuesOf(*property.attribute), field))
+		lines.fail(quoted(field) + " is no " + std::string(property.pType->name) + " (" +
+		    property.name + ")");
+}
+
 // One element a line, as every writer does it.
 void readAsciiElement(LineReader& lines, const PlyElement& element, PointList& points)
 {
@@ -28,6 +36,10 @@ void readAsciiElement(LineReader& lines, const PlyElement& element, PointList& p
 			if (property.axis >= 0) {
 				static const char* const aNames[3] = {"x", "y", "z"};
 				aValue[property.axis] = lines.number(aNames[property.axis]);
+				continue;
+			}
+			if (property.attribute) {
+				readAttribute(lines, property, points);
 				continue;
 			}
 			for (auto left = property.pCountType ? lines.count("the length of a list") : 1;
@@ -77,6 +89,8 @@ private:
 			const char* pBytes = take(property.pType->size, element, i);
 			if (property.axis >= 0)
 				aValue[property.axis] = property.pType->load(pBytes, bBigEndian);
+			else if (property.attribute)
+				appendBytes(points.valuesOf(*property.attribute), pBytes, bBigEndian);
 		}
 		if (!isVertex(element)) return;
 		if (const char* reason = points.add(aValue[0], aValue[1], aValue[2]))
@@ -101,12 +115,24 @@ private:
 	const bool bBigEndian;
 };
 
+// Each scalar of the vertices that is no coordinate.
+void addAttributes(PlyHeader& header, PointList& points)
+{
+	if (!points.wantsAttributes()) return;
+	for (auto& element : header.vElements)
+		for (auto& property : element.vProperties)
+			if (isVertex(element) && property.axis < 0 && !property.pCountType)
+				property.attribute =
+				    points.addAttribute(property.name, property.pType->makeValues());
+}
+
 } // namespace
 
 void readPly(const Source& source, PointList& points)
 {
 	LineReader lines(source);
-	const PlyHeader header = readPlyHeader(lines);
+	PlyHeader header = readPlyHeader(lines);
+	addAttributes(header, points);
 	if (header.format == PlyHeader::Format::kAscii) {
 		for (const auto& element : header.vElements) readAsciiElement(lines, element, points);
 		if (lines.next()) lines.fail("more lines than the header announces");

@@ -2,6 +2,8 @@
 // Reading points: one function for each format, and the choice between them.
 #pragma once
 
+#include "Attributes.h"
+
 #include <Tulo_3D.h>
 
 #include <cmath>
@@ -23,6 +25,8 @@ struct ReadOptions
 	std::vector<std::string> vColumns;
 	/// Of text: lines at its start that are passed over.
 	std::size_t numSkippedLines = 0;
+	/// Whether attributes are read, too.
+	bool bAttributes = false;
 	/// Points with a coordinate that is no finite number, or larger than 1e60, are left out.
 	bool bSkipInvalid = false;
 };
@@ -40,6 +44,8 @@ struct Source
 struct Input
 {
 	std::vector<TULO3D::Point3> vPoints;
+	/// Each has as many values as there are points.
+	std::vector<Attribute> vAttributes;
 	/// The points that were left out: for each the number of points before it that were kept.
 	std::vector<std::size_t> vLeftOut;
 	/// The number that the file itself gives its first point; 0 unless its format numbers points.
@@ -50,16 +56,23 @@ struct Input
 class PointList
 {
 public:
-	explicit PointList(bool bSkipInvalidPoints) : bSkipInvalid(bSkipInvalidPoints) {}
+	explicit PointList(const ReadOptions& readOptions) : options(readOptions) {}
 
-	/// Appends a point, or returns why it cannot be one: the reader knows the place to report. Without a
-	/// reason to return when such points are to be left out.
+	/// A new attribute, which is told by its place. Its name is changed where another one has it already.
+	std::size_t addAttribute(const std::string& name, AttributeValues values);
+	/// To append the next value to; for each point before the point itself.
+	AttributeValues& valuesOf(std::size_t attribute) { return input.vAttributes[attribute].values; }
+	bool wantsAttributes() const { return options.bAttributes; }
+
+	/// Appends a point, or returns why it cannot be one: the reader knows the place to report. Leaves the point
+	/// out, with the values of its attributes, when that is wanted of such points.
 	[[nodiscard]] const char* add(double x, double y, double z)
 	{
 		const char* reason = findFault(x, y, z);
 		if (!reason) input.vPoints.emplace_back(x, y, z);
-		if (!reason || !bSkipInvalid) return reason;
+		if (!reason || !options.bSkipInvalid) return reason;
 		input.vLeftOut.push_back(input.vPoints.size());
+		for (auto& attribute : input.vAttributes) dropLast(attribute.values);
 		return nullptr;
 	}
 
@@ -67,6 +80,7 @@ public:
 	void setFirstNumber(std::size_t number) { input.firstNumber = number; }
 	/// The number of points so far, with those that were left out.
 	std::size_t numRead() const { return input.vPoints.size() + input.vLeftOut.size(); }
+	std::size_t numLeftOut() const { return input.vLeftOut.size(); }
 	Input take() { return std::move(input); }
 
 private:
@@ -80,7 +94,7 @@ private:
 	}
 
 	Input input;
-	const bool bSkipInvalid;
+	const ReadOptions& options;
 };
 
 /// Reads the points of a file, or of standard input when `file` is "-". A file may be compressed by gzip.

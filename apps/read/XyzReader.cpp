@@ -4,11 +4,13 @@
 // Separators are blanks, or commas, or semicolons, decided for each line. The first line may be a header
 // that names the columns, or a lone count; a comment before it may be a header, too.
 #include "Failure.h"
+#include "Progress.h"
 #include "TextColumns.h"
 
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <utility>
 
 namespace app {
 
@@ -57,6 +59,53 @@ bool isNoValue(std::string_view field)
 	    std::begin(aWords), std::end(aWords), [&](const char* noValue) { return word == noValue; });
 }
 
+// A column that becomes an attribute: whole numbers as long as all are, and nothing when one is no number.
+struct ColumnValues
+{
+	std::size_t column;
+	std::string name;
+	std::vector<std::int64_t> vWhole;
+	std::vector<double> vReal;
+	bool bWhole = true;
+	bool bNumbers = true;
+
+	void append(std::string_view field)
+	{
+		if (!bNumbers) return;
+		std::int64_t whole = 0;
+		if (bWhole && parse(field, whole)) return vWhole.push_back(whole);
+		double real = std::numeric_limits<double>::quiet_NaN();
+		bNumbers = isNoValue(field) || parse(field, real) || parseDecimalComma(field, real);
+		if (std::exchange(bWhole, false)) vReal.assign(vWhole.begin(), vWhole.end());
+		vReal.push_back(real);
+	}
+
+	void dropLast()
+	{
+		if (bNumbers && bWhole) vWhole.pop_back();
+		if (bNumbers && !bWhole) vReal.pop_back();
+	}
+
+	bool isColour() const
+	{
+		const auto word = lowerCase(name);
+		return word == "red" || word == "green" || word == "blue";
+	}
+
+	AttributeValues take()
+	{
+		if (!bWhole) return std::move(vReal);
+		const auto [least, most] = std::minmax_element(vWhole.begin(), vWhole.end());
+		// As colours are stored elsewhere, too.
+		if (isColour() && !vWhole.empty() && *least >= 0 && *most <= 255)
+			return std::vector<std::uint8_t>(vWhole.begin(), vWhole.end());
+		using Small = std::numeric_limits<std::int32_t>;
+		if (vWhole.empty() || *least < Small::min() || *most > Small::max())
+			return std::move(vWhole);
+		return std::vector<std::int32_t>(vWhole.begin(), vWhole.end());
+	}
+};
+
 // Reads one text; the members are what is known of it so far.
 class XyzReader
 {
@@ -89,6 +138,7 @@ public:
 			lines.fail("the file is cut short: " + std::to_string(points.numRead()) + " of " +
 			    std::to_string(announced) + " points");
 		refuseNumbers();
+		addAttributes();
 	}
 
 private:
@@ -143,8 +193,22 @@ private:
 				isHeader(vNames);
 		}
 		if (!vList.empty() && !bKnown) setColumns(chooseColumns(vList, {}, lines));
+		if (bAnnounced && !bKnown) nameScannerColumns();
+		for (std::size_t i = 0; points.wantsAttributes() && i < columns.vNames.size(); ++i)
+			if (axisOf(i) == 3 && !columns.vNames[i].empty() && columns.vNames[i] != "_")
+				vOthers.push_back({i, columns.vNames[i], {}, {}});
 		last = *std::max_element(columns.axes.begin(), columns.axes.end());
+		if (!vOthers.empty()) last = std::max(last, vOthers.back().column);
 		bCounting = !bKnown && numFields >= 4;
+	}
+
+	// What laser scanners write after a count.
+	void nameScannerColumns()
+	{
+		columns.vNames.resize(3);
+		if (numFields == 4 || numFields == 7) columns.vNames.emplace_back("intensity");
+		if (numFields == 6 || numFields == 7)
+			for (const char* colour : {"red", "green", "blue"}) columns.vNames.emplace_back(colour);
 	}
 
 	std::size_t countFields()
@@ -177,16 +241,38 @@ private:
 		        "coordinates, --columns x,y,z");
 	}
 
+	// 3 for a column that is none of the axes.
+	std::size_t axisOf(std::size_t column) const
+	{
+		return static_cast<std::size_t>(
+		    std::find(columns.axes.begin(), columns.axes.end(), column) - columns.axes.begin());
+	}
+
 	void readPoint()
 	{
 		std::array<double, 3> values{};
+		const std::size_t numLeftOut = points.numLeftOut();
+		auto other = vOthers.begin();
 		for (std::size_t i = 0; i <= last; ++i) {
 			const auto field = lines.field();
-			const auto axis = static_cast<std::size_t>(
-			    std::find(columns.axes.begin(), columns.axes.end(), i) - columns.axes.begin());
+			const auto axis = axisOf(i);
 			if (axis < 3) values[axis] = toCoordinate(field, kAxes[axis]);
+			if (other != vOthers.end() && other->column == i) (other++)->append(field);
 		}
 		lines.add(points, values[0], values[1], values[2]);
+		if (points.numLeftOut() == numLeftOut) return;
+		for (auto& column : vOthers) column.dropLast();
+	}
+
+	void addAttributes()
+	{
+		for (auto& values : vOthers) {
+			if (values.bNumbers)
+				points.addAttribute(values.name, values.take());
+			else
+				source.progress.warn(source.name + ": the column " + quoted(values.name) +
+				    " is text and is not written");
+		}
 	}
 
 	double toCoordinate(std::string_view field, const char* axis)
@@ -201,7 +287,8 @@ private:
 	LineReader lines;
 	std::vector<std::string_view> vComments;
 	TextColumns columns;
-	bool bKnown = false;  // the columns: the user or a header has named them
+	bool bKnown = false; // the columns: the user or a header has named them
+	std::vector<ColumnValues> vOthers;
 	std::size_t last = 2; // the last column that is read
 	std::size_t numLines = 0;
 	std::size_t numFields = 0; // of the first point

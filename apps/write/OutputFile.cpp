@@ -9,6 +9,11 @@
 #include <random>
 #include <utility>
 
+#ifdef _WIN32
+#  include <fcntl.h>
+#  include <io.h>
+#endif
+
 namespace fs = std::filesystem;
 
 namespace app {
@@ -29,6 +34,16 @@ constexpr const char* kNewFile =
 
 OutputFile::OutputFile(fs::path output) : target(std::move(output)), pFile(nullptr)
 {
+	if (target == "-")
+		pFile = std::tmpfile();
+	else
+		open();
+	if (!pFile) fail(std::strerror(errno));
+	buffer.reserve(kBufferSize + 64);
+}
+
+void OutputFile::open()
+{
 	std::error_code ec;
 	// A link keeps being one: the file that it leads to is replaced, or made.
 	for (int i = 0; i < kMostLinks && fs::is_symlink(target, ec); ++i)
@@ -39,8 +54,6 @@ OutputFile::OutputFile(fs::path output) : target(std::move(output)), pFile(nullp
 	    "." + target.filename().string() + "." + std::to_string(std::random_device()()) + ".part");
 	removal.emplace(temporary);
 	pFile = std::fopen(temporary.string().c_str(), kNewFile);
-	if (!pFile) fail(std::strerror(errno));
-	buffer.reserve(kBufferSize + 64);
 }
 
 OutputFile::~OutputFile()
@@ -71,8 +84,25 @@ void OutputFile::close()
 	if (std::fclose(pClosing) != 0) fail(std::strerror(errno));
 }
 
+void OutputFile::copyToStdout()
+{
+	flush();
+	std::rewind(pFile);
+#ifdef _WIN32
+	_setmode(_fileno(stdout), _O_BINARY);
+#endif
+	buffer.resize(kBufferSize);
+	for (std::size_t got = 1; got > 0;) {
+		got = std::fread(buffer.data(), 1, buffer.size(), pFile);
+		if (std::ferror(pFile) || std::fwrite(buffer.data(), 1, got, stdout) != got)
+			fail(std::strerror(errno));
+	}
+	if (std::fflush(stdout) != 0) fail(std::strerror(errno));
+}
+
 void OutputFile::commit()
 {
+	if (target == "-") return copyToStdout();
 	if (pFile) close();
 	std::error_code ec;
 	const bool bExisted = fs::exists(target, ec);
@@ -92,7 +122,8 @@ void OutputFile::commit()
 
 void OutputFile::fail(const std::string& reason) const
 {
-	throw Failure(kNotWritten, target.string() + ": cannot be written: " + reason);
+	const std::string name = target == "-" ? "standard output" : target.string();
+	throw Failure(kNotWritten, name + ": cannot be written: " + reason);
 }
 
 } // namespace app

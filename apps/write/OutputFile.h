@@ -2,6 +2,7 @@
 // A file that appears under its name only once it is complete.
 #pragma once
 
+#include "Bytes.h"
 #include "TemporaryFile.h"
 
 #include <charconv>
@@ -15,7 +16,8 @@ namespace app {
 
 /// Writes to a temporary name in the folder of the target; `commit` gives it the target's name.
 /// Without that the target stays as it was and the temporary file is removed, also when a signal ends
-/// the program. Every failure throws.
+/// the program. The target "-" is standard output, which gets the contents when they are complete. Every
+/// failure throws.
 class OutputFile
 {
 public:
@@ -39,16 +41,25 @@ public:
 	{
 		text({reinterpret_cast<const char*>(&value), sizeof(T)});
 	}
+	/// The same in the given order of bytes.
+	template <class T>
+	void binary(const T& value, bool bBigEndian)
+	{
+		char aBytes[sizeof(T)];
+		std::memcpy(aBytes, &value, sizeof(T));
+		if (bBigEndian != isBigEndianMachine()) std::reverse(aBytes, aBytes + sizeof(T));
+		text({aBytes, sizeof(T)});
+	}
 
 	/// Writes out what is pending and closes the temporary file.
 	void close();
 	void commit();
 
-	const std::filesystem::path& getTemporaryName() const { return temporary; }
-
 private:
 	[[noreturn]] void fail(const std::string& reason) const;
+	void open();
 	void flush();
+	void copyToStdout();
 
 	std::filesystem::path target;
 	std::filesystem::path temporary;

@@ -1,68 +1,118 @@
 // SPDX-License-Identifier: MIT
-// The mesh as a VTK unstructured grid with its arrays appended raw, which ParaView reads fastest.
-#include "Bytes.h"
+// The mesh as a VTK unstructured grid with its arrays appended raw, compressed where there is zlib.
+#include "AppendedArrays.h"
 #include "OutputFile.h"
+#include "Utf8.h"
 #include "Writer.h"
 
 namespace app {
 
 namespace {
 
-// Describes the arrays and keeps the place of the next one: each is its size and then its bytes.
-class Appended
-{
-public:
-	std::string array(const std::string& typeAndName, std::uint64_t numBytes)
-	{
-		const std::string place = std::to_string(next);
-		next += sizeof(std::uint64_t) + numBytes;
-		return "<DataArray " + typeAndName + R"( format="appended" offset=")" + place + "\"/>\n";
-	}
-
-private:
-	std::uint64_t next = 0;
-};
-
 constexpr std::uint8_t kTetrahedron = 10; // VTK's number of this kind of cell
+
+// As a value between quotation marks.
+std::string xmlText(const std::string& text)
+{
+	std::string quoted;
+	for (const char c : validUtf8(text)) {
+		switch (c) {
+		case '&':
+			quoted += "&amp;";
+			break;
+		case '<':
+			quoted += "&lt;";
+			break;
+		case '"':
+			quoted += "&quot;";
+			break;
+		default:
+			quoted += c >= 0 && c < ' ' ? ' ' : c;
+		}
+	}
+	return quoted;
+}
+
+template <class T>
+std::string indexArray(AppendedArrays& arrays, const char* type, const Mesh& mesh)
+{
+	std::string xml = arrays.begin(std::string(type) + "\" Name=\"connectivity");
+	forEachTet(mesh, [&](const std::int32_t* pCorners) {
+		for (int i = 0; i < 4; ++i) arrays.add(static_cast<T>(pCorners[i]));
+	});
+	arrays.end();
+	xml += arrays.begin(std::string(type) + "\" Name=\"offsets");
+	for (std::uint64_t end = 4; end <= 4 * mesh.numTets(); end += 4)
+		arrays.add(static_cast<T>(end));
+	arrays.end();
+	return xml;
+}
+
+std::string cellArrays(AppendedArrays& arrays, const Mesh& mesh)
+{
+	const bool bSmall = 4 * mesh.numTets() <= INT32_MAX;
+	std::string xml = bSmall ? indexArray<std::int32_t>(arrays, "Int32", mesh)
+	                         : indexArray<std::int64_t>(arrays, "Int64", mesh);
+	xml += arrays.begin("UInt8\" Name=\"types");
+	for (std::size_t i = 0; i < mesh.numTets(); ++i) arrays.add(kTetrahedron);
+	arrays.end();
+	return xml;
+}
+
+std::string pointArray(AppendedArrays& arrays, const Mesh& mesh)
+{
+	std::string xml = arrays.begin("Float64\" Name=\"Points\" NumberOfComponents=\"3");
+	for (const double value : mesh.vCoordinates) arrays.add(value);
+	arrays.end();
+	return xml;
+}
+
+std::string attributeArray(AppendedArrays& arrays, const Result& result, const Attribute& attribute)
+{
+	std::string xml =
+	    arrays.begin(typeOf(attribute).vtu + std::string("\" Name=\"") + xmlText(attribute.name));
+	std::visit(
+	    [&](const auto& values) {
+		    for (std::size_t i = 0; i < result.mesh.numVertices(); ++i)
+			    arrays.add(values[result.firstInput(i)]);
+	    },
+	    attribute.values);
+	arrays.end();
+	return xml;
+}
+
+// The index carries over what else is known of the input's points.
+std::string pointDataArrays(AppendedArrays& arrays, const Result& result)
+{
+	std::string xml = arrays.begin("Int32\" Name=\"inputIndex");
+	for (std::size_t i = 0; i < result.mesh.numVertices(); ++i) arrays.add(result.inputIndex(i));
+	arrays.end();
+	for (const auto& attribute : result.input.vAttributes)
+		xml += attributeArray(arrays, result, attribute);
+	return xml;
+}
 
 } // namespace
 
-void writeVtu(const Mesh& mesh, const std::filesystem::path& output)
+void writeVtu(const Result& result, const Path& output)
 {
-	const std::uint64_t numVertices = mesh.numVertices(), numTets = mesh.numTets();
+	const Mesh& mesh = result.mesh;
 	OutputFile file(output);
-	Appended appended;
+	AppendedArrays arrays;
+	const std::string points = pointArray(arrays, mesh), cells = cellArrays(arrays, mesh),
+	                  pointData = pointDataArrays(arrays, result);
 	file.text("<?xml version=\"1.0\"?>\n<VTKFile type=\"UnstructuredGrid\" version=\"1.0\" "
 	          "byte_order=\"");
 	file.text(isBigEndianMachine() ? "BigEndian" : "LittleEndian");
-	file.text("\" header_type=\"UInt64\">\n<UnstructuredGrid>\n<Piece NumberOfPoints=\"");
-	file.text(
-	    std::to_string(numVertices) + "\" NumberOfCells=\"" + std::to_string(numTets) + "\">\n");
-	file.text("<Points>\n");
-	file.text(
-	    appended.array(R"(type="Float64" Name="Points" NumberOfComponents="3")", 24 * numVertices));
-	file.text("</Points>\n<Cells>\n");
-	file.text(appended.array(R"(type="Int64" Name="connectivity")", 32 * numTets));
-	file.text(appended.array(R"(type="Int64" Name="offsets")", 8 * numTets));
-	file.text(appended.array(R"(type="UInt8" Name="types")", numTets));
-	// The index carries over what the input said about a point, such as its colour or its class.
-	file.text("</Cells>\n<PointData>\n");
-	file.text(appended.array(R"(type="Int64" Name="inputIndex")", 8 * numVertices));
-	file.text("</PointData>\n");
+	file.text("\" header_type=\"UInt64\"");
+	file.text(AppendedArrays::kCompressor);
+	file.text(">\n<UnstructuredGrid>\n<Piece NumberOfPoints=\"" +
+	    std::to_string(mesh.numVertices()) + "\" NumberOfCells=\"" +
+	    std::to_string(mesh.numTets()) + "\">\n");
+	file.text("<Points>\n" + points + "</Points>\n<Cells>\n" + cells + "</Cells>\n<PointData>\n" +
+	    pointData + "</PointData>\n");
 	file.text("</Piece>\n</UnstructuredGrid>\n<AppendedData encoding=\"raw\">\n_");
-
-	file.binary(24 * numVertices);
-	for (const double value : mesh.vCoordinates) file.binary(value);
-	file.binary(32 * numTets);
-	forEachTet(mesh, [&](const std::int32_t* pCorners) {
-		for (int i = 0; i < 4; ++i) file.binary(std::int64_t{pCorners[i]});
-	});
-	file.binary(8 * numTets);
-	for (std::uint64_t end = 4; end <= 4 * numTets; end += 4) file.binary(end);
-	file.binary(numTets);
-	for (std::uint64_t i = 0; i < numTets; ++i) file.binary(kTetrahedron);
-	file.binary(8 * numVertices);
-	for (const auto first : mesh.vFirstInput) file.binary(std::int64_t{first});
+	file.text(arrays.getBytes());
 	file.text("\n</AppendedData>\n</VTKFile>\n");
 	file.commit();
 }

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The choice between the output formats, and the two small ones: the hull as OFF, the OOGL drawing.
+// The choice between the output formats.
 #include "Writer.h"
 
 #include "Failure.h"
@@ -7,105 +7,156 @@
 #include "read/LineReader.h"
 
 #include <algorithm>
-#include <cstdio>
-#include <memory>
-
-using Path = std::filesystem::path;
+#include <cmath>
+#include <type_traits>
 
 namespace app {
 
 namespace {
 
-// As it decides the format, whether it is written in capitals or not.
-std::string extensionOf(const Path& output)
+struct Format
 {
-	return lowerCase(output.extension().string());
+	const char* name;
+	std::vector<const char*> vExtensions;
+	bool bAttributes;
+	void (*writeMesh)(const Result&, const Path&);
+	/// In place of it, for formats of surfaces.
+	void (*writeSurface)(const Result&, const Triangles&, const Path&);
+};
+
+const std::vector<Format>& getFormats()
+{
+	static const std::vector<Format> vFormats = {
+	    {"vtu", {".vtu"}, true, writeVtu, nullptr},
+	    {"vtk", {".vtk"}, true, writeVtk, nullptr},
+	    {"msh", {".msh"}, true, writeMsh, nullptr},
+	    {"tetgen", {".node", ".ele", ".neigh"}, true, writeTetgen, nullptr},
+	    {"ply", {".ply"}, true, nullptr, writePly},
+	    {"stl", {".stl"}, false, nullptr, writeStl},
+	    {"obj", {".obj"}, false, nullptr, writeObj},
+	    {"off", {".off"}, false, nullptr, writeOff},
+	    {"list", {".list", ".oogl"}, false, writeOogl, nullptr},
+	};
+	return vFormats;
 }
 
-bool isTetgen(const std::string& extension)
+const Format* findByName(const std::string& name)
 {
-	return extension == ".node" || extension == ".ele" || extension == ".neigh";
+	for (const auto& format : getFormats())
+		if (name == format.name) return &format;
+	return nullptr;
 }
 
-bool isOogl(const std::string& extension)
+// The extension decides, whether it is written in capitals or not.
+const Format& findFormat(const Path& output, const std::string& stdoutFormat)
 {
-	return extension == ".list" || extension == ".oogl";
-}
-
-// The library does not say when its file could not be written to the end, but then the brace that
-// opens the file is never closed.
-bool isCompleteOogl(const Path& file)
-{
-	const std::unique_ptr<std::FILE, int (*)(std::FILE*)> pFile(
-	    std::fopen(file.string().c_str(), "rb"), std::fclose);
-	if (!pFile) return false;
-	long depth = 0, numClosed = 0;
-	for (int c = std::getc(pFile.get()); c != EOF; c = std::getc(pFile.get())) {
-		if (c == '{') ++depth;
-		if (c == '}' && --depth == 0) ++numClosed;
+	if (output == kStdout) {
+		if (const auto* pFormat = findByName(stdoutFormat)) return *pFormat;
+		throw Failure(kWrongUse, "-o -: the format of standard output is missing (--to)");
 	}
-	return depth == 0 && numClosed == 1;
+	std::string known;
+	const std::string extension = lowerCase(output.extension().string());
+	for (const auto& format : getFormats())
+		for (const char* other : format.vExtensions) {
+			if (extension == other) return format;
+			known += (known.empty() ? "" : " ") + std::string(other);
+		}
+	throw Failure(kWrongUse,
+	    output.string() + ": no output format has this extension (known: " + known + ")");
+}
+
+// The largest change of a coordinate when it becomes a float, as a part of the largest extent of the box.
+double floatRounding(const Mesh& mesh)
+{
+	double change = 0, extent = 0;
+	for (std::size_t axis = 0; axis < 3; ++axis) {
+		double low = mesh.vCoordinates[axis], high = low;
+		for (std::size_t i = axis; i < mesh.vCoordinates.size(); i += 3) {
+			const double value = mesh.vCoordinates[i];
+			low = std::min(low, value);
+			high = std::max(high, value);
+			change =
+			    std::max(change, std::fabs(value - static_cast<double>(static_cast<float>(value))));
+		}
+		extent = std::max(extent, high - low);
+	}
+	return change / extent;
 }
 
 } // namespace
 
-std::vector<Path> getOutputFiles(const Path& output)
+std::int32_t Result::inputIndex(std::size_t vertex) const
 {
-	const std::string extension = extensionOf(output);
-	if (isTetgen(extension)) {
-		std::vector<Path> vFiles(3, output);
-		vFiles[0].replace_extension(".node");
-		vFiles[1].replace_extension(".ele");
-		vFiles[2].replace_extension(".neigh");
-		return vFiles;
-	}
-	if (extension == ".vtu" || extension == ".off" || isOogl(extension)) return {output};
-	throw Failure(kWrongUse,
-	    output.string() +
-	        ": no output format has this extension (.vtu, .node, "
-	        ".ele, .neigh, .off, .list and .oogl have)");
+	const auto& vLeftOut = input.vLeftOut;
+	const auto before = std::upper_bound(vLeftOut.begin(), vLeftOut.end(), firstInput(vertex));
+	return static_cast<std::int32_t>(mesh.vFirstInput[vertex] + (before - vLeftOut.begin()));
 }
 
-void writeMesh(const Mesh& mesh, const Path& output)
+void writeBinary(OutputFile& file, const Attribute& attribute, std::size_t point, bool bBigEndian)
 {
-	const std::string extension = extensionOf(output);
-	if (isTetgen(extension)) return writeTetgen(mesh, output);
-	if (extension == ".off") return writeHullOff(mesh, output);
-	if (isOogl(extension)) return writeOogl(mesh, output);
-	writeVtu(mesh, output);
+	std::visit(
+	    [&](const auto& values) {
+		    const auto value = values[point];
+		    if constexpr (std::is_integral_v<decltype(value)> && sizeof(value) == 8)
+			    file.binary(static_cast<double>(value), bBigEndian);
+		    else
+			    file.binary(value, bBigEndian);
+	    },
+	    attribute.values);
 }
 
-void writeHullOff(const Mesh& mesh, const Path& output)
+std::string wordOf(std::string name)
 {
-	const auto vHullNumbers = numberHullVertices(mesh);
-	const auto numVertices = 1 + *std::max_element(vHullNumbers.begin(), vHullNumbers.end());
-	OutputFile file(output);
-	file.text("OFF\n" + std::to_string(numVertices) + " " + std::to_string(mesh.numHullFacets()) +
-	    " 0\n");
-	for (std::size_t vertex = 0; vertex < vHullNumbers.size(); ++vertex) {
-		if (vHullNumbers[vertex] == -1) continue;
-		for (std::size_t axis = 0; axis < 3; ++axis) {
-			file.number(mesh.vCoordinates[3 * vertex + axis]);
-			file.text(" ");
-		}
-		file.text("\n");
-	}
-	for (std::size_t i = 0; i < mesh.vHullCorners.size(); ++i) {
-		file.text(i % 3 == 0 ? "3 " : " ");
-		file.number(vHullNumbers[static_cast<std::size_t>(mesh.vHullCorners[i])]);
-		if (i % 3 == 2) file.text("\n");
-	}
-	file.commit();
+	for (char& c : name) c = c > ' ' && c <= '~' ? c : '_';
+	return name;
 }
 
-void writeOogl(const Mesh& mesh, const Path& output)
+std::vector<std::string> getStdoutFormats()
 {
-	OutputFile file(output);
-	file.close();
-	mesh.triangulation.show(file.getTemporaryName().string(), nullptr);
-	if (!isCompleteOogl(file.getTemporaryName()))
-		throw Failure(kNotWritten, output.string() + ": cannot be written to its end");
-	file.commit();
+	std::vector<std::string> vNames;
+	for (const auto& format : getFormats())
+		if (format.writeMesh != writeTetgen)
+			vNames.emplace_back(format.name); // that is several files
+	return vNames;
+}
+
+std::vector<Path> getOutputFiles(const Path& output, bool bCompact)
+{
+	if (output == kStdout) return {};
+	if (findFormat(output, "").writeMesh != writeTetgen) return {output};
+	std::vector<Path> vFiles(bCompact ? 4 : 3, output);
+	static const char* const aExtensions[] = {".node", ".ele", ".neigh", ".map"};
+	for (std::size_t i = 0; i < vFiles.size(); ++i) vFiles[i].replace_extension(aExtensions[i]);
+	return vFiles;
+}
+
+bool hasAttributes(const Path& output, const std::string& stdoutFormat)
+{
+	return findFormat(output, stdoutFormat).bAttributes;
+}
+
+std::string outputWarning(const Result& result, const Path& output)
+{
+	const auto& format = findFormat(output, result.stdoutFormat);
+	const auto name = output.string() + ": ";
+	constexpr std::size_t kBytesPerTet = 170;
+	const std::size_t gigabytes = result.mesh.numTets() * kBytesPerTet / 1000000000;
+	if (format.writeMesh == writeOogl && gigabytes > 0)
+		return name + "this drawing takes about " + std::to_string(gigabytes) +
+		    " GB, and Geomview several times as much memory";
+	constexpr double kVisible = 1e-5;
+	if (format.writeSurface == writeStl && floatRounding(result.mesh) > kVisible)
+		return name + "STL has seven digits, too few for these coordinates; .ply keeps them all";
+	return {};
+}
+
+void writeMesh(const Result& result, const Path& output)
+{
+	const auto& format = findFormat(output, result.stdoutFormat);
+	if (format.writeSurface)
+		format.writeSurface(result, result.mesh.vHullCorners, output);
+	else
+		format.writeMesh(result, output);
 }
 
 } // namespace app
