@@ -4,6 +4,8 @@
 
 #ifdef TULO3D_ZLIB
 #  include <new>
+#  include <thread>
+#  include <utility>
 #  include <zlib.h>
 #endif
 
@@ -28,26 +30,44 @@ std::string AppendedArrays::begin(const std::string& typeAndName)
 
 const char* const AppendedArrays::kCompressor = R"( compressor="vtkZLibDataCompressor")";
 
-void AppendedArrays::endBlock()
+namespace {
+
+std::string compressed(const std::string& block)
 {
 	constexpr int kFast = 1;
 	const auto size = static_cast<uLong>(block.size());
 	auto room = compressBound(size);
-	const auto start = body.size();
-	body.resize(start + room);
-	if (compress2(reinterpret_cast<Bytef*>(&body[start]), &room,
+	std::string result(room, '\0');
+	if (compress2(reinterpret_cast<Bytef*>(result.data()), &room,
 	        reinterpret_cast<const Bytef*>(block.data()), size, kFast) != Z_OK)
 		throw std::bad_alloc();
-	body.resize(start + room);
-	vSizes.push_back(room);
+	result.resize(room);
+	return result;
+}
+
+} // namespace
+
+void AppendedArrays::endBlock()
+{
 	lastSize = block.size();
-	block.clear();
+	vPending.push_back(std::async(compressed, std::exchange(block, {})));
+	block.reserve(kBlockSize);
+	if (vPending.size() > std::thread::hardware_concurrency()) takeBlock();
+}
+
+void AppendedArrays::takeBlock()
+{
+	const std::string done = vPending.front().get();
+	vPending.pop_front();
+	vSizes.push_back(done.size());
+	body += done;
 }
 
 // First the number of blocks, their size, that of the last one when it is smaller, and the compressed sizes.
 void AppendedArrays::end()
 {
 	if (!block.empty()) endBlock();
+	while (!vPending.empty()) takeBlock();
 	appendSize(bytes, vSizes.size());
 	appendSize(bytes, kBlockSize);
 	appendSize(bytes, lastSize % kBlockSize);

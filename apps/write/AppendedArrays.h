@@ -3,12 +3,15 @@
 #pragma once
 
 #include <cstdint>
+#include <deque>
+#include <future>
 #include <string>
 #include <vector>
 
 namespace app {
 
-/// Takes in one array after the other. Compresses them in blocks, as VTK does it, where there is zlib.
+/// Takes in one array after the other. Compresses them in blocks, as VTK does it, where there is zlib: on all
+/// cores, since that takes longer than the mesh.
 class AppendedArrays
 {
 public:
@@ -33,12 +36,14 @@ private:
 	static constexpr std::size_t kBlockSize = std::size_t{1} << 18;
 
 	void endBlock();
+	void takeBlock();
 
 	std::string bytes; // of all arrays that have ended
 	std::string block;
-	std::string body;                  // the blocks of the current array
-	std::vector<std::uint64_t> vSizes; // of these blocks
-	std::size_t lastSize = 0;          // of the last one, before it was compressed
+	std::string body;                              // the blocks of the current array
+	std::vector<std::uint64_t> vSizes;             // of these blocks
+	std::size_t lastSize = 0;                      // of the last one, before it was compressed
+	std::deque<std::future<std::string>> vPending; // blocks that are being compressed
 };
 
 } // namespace app
