@@ -10,16 +10,15 @@ install(TARGETS Tulo3D EXPORT Tulo3DTargets
 	RUNTIME COMPONENT Runtime
 	LIBRARY COMPONENT Runtime NAMELINK_COMPONENT Development
 	ARCHIVE COMPONENT Development
-	FILE_SET HEADERS DESTINATION ${headerFolder} COMPONENT Development
 )
+install(DIRECTORY ${Tulo3D_SOURCE_DIR}/include/ DESTINATION ${headerFolder}
+	COMPONENT Development FILES_MATCHING PATTERN *.h)
 install(EXPORT Tulo3DTargets NAMESPACE Tulo3D::
 	DESTINATION ${packageFolder} COMPONENT Development)
 
 if(TULO3D_BUILD_STATIC)
 	install(TARGETS tulo3d_static EXPORT Tulo3DStaticTargets
-		ARCHIVE COMPONENT Development
-		FILE_SET HEADERS DESTINATION ${headerFolder} COMPONENT Development
-	)
+		ARCHIVE COMPONENT Development)
 	install(EXPORT Tulo3DStaticTargets NAMESPACE Tulo3D::
 		DESTINATION ${packageFolder} COMPONENT Development)
 endif()

@@ -1,7 +1,7 @@
 # SPDX-License-Identifier: MIT
 # Fails when a quotation in the guide is not in the example that it is said to come from.
 # Indentation does not count.
-cmake_minimum_required(VERSION 3.25)
+cmake_minimum_required(VERSION 3.22)
 
 function(read_flush_left variable file)
 	file(READ ${file} text)

@@ -18,7 +18,7 @@ trap 'rm -rf "$work"' EXIT
 cmake --preset package >/dev/null
 cmake --build --preset package
 rm -f build/package/*.deb
-cpack --preset package
+cpack --config build/package/CPackConfig.cmake
 
 lintian --allow-root --fail-on error,warning build/package/*.deb
 
