@@ -5,7 +5,10 @@ set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME tulo3d)
 set(CPACK_PACKAGE_VENDOR "The Tulo3D authors")
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "exact 3D Delaunay tetrahedralization")
-set(CPACK_PACKAGE_CONTACT "The Tulo3D authors <bugs@tulo3d.example>")
+# The project has no address of its own; who makes packages for others has one.
+set(TULO3D_PACKAGE_CONTACT "The Tulo3D authors <>" CACHE STRING
+	"The maintainer of the Debian packages: Name <address>")
+set(CPACK_PACKAGE_CONTACT ${TULO3D_PACKAGE_CONTACT})
 set(CPACK_PACKAGE_DIRECTORY ${Tulo3D_BINARY_DIR})
 set(CPACK_STRIP_FILES ON)
 set(CPACK_VERBATIM_VARIABLES ON)
@@ -54,6 +57,10 @@ This package contains ${contents}." PARENT_SCOPE)
 
 	set(overrides "# Made by the project itself: Debian's list of bugs knows nothing of it.\n")
 	string(APPEND overrides "initial-upload-closes-no-bugs\n" ${ARGN})
+	if(CPACK_PACKAGE_CONTACT MATCHES "<>")
+		string(APPEND overrides "# A maintainer without an address.\n"
+			"malformed-contact\nbogus-mail-host-in-debian-changelog\n")
+	endif()
 	file(WRITE ${Tulo3D_BINARY_DIR}/overrides/${package} "${overrides}")
 	install(FILES ${Tulo3D_BINARY_DIR}/overrides/${package}
 		DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/lintian/overrides COMPONENT ${component})
@@ -63,8 +70,16 @@ tulo3d_package(Runtime libtulo3d${Tulo3D_VERSION_MAJOR} libs "the shared library
 	"# CPack writes these calls and has no switch for them. Beside the trigger they do no harm.\n"
 	"maintscript-calls-ldconfig\n")
 tulo3d_package(Development libtulo3d-dev libdevel
-	"the headers, the static library, and the files\nfor CMake and pkg-config")
+	"the headers, the static library, the files\nfor CMake and pkg-config, the guide and its examples")
 tulo3d_package(Tool tulo3d science "the program, which triangulates a file of points")
+
+# The guide and what it refers to, in the folders that its links name.
+set(documents ${CMAKE_INSTALL_DATAROOTDIR}/doc/libtulo3d-dev)
+install(DIRECTORY ${Tulo3D_SOURCE_DIR}/docs DESTINATION ${documents} COMPONENT Development
+	FILES_MATCHING PATTERN *.md PATTERN *.svg PATTERN *.png PATTERN gallery EXCLUDE)
+install(DIRECTORY ${Tulo3D_SOURCE_DIR}/examples DESTINATION ${documents} COMPONENT Development
+	FILES_MATCHING PATTERN *.cpp PATTERN *.h)
+
 set(CPACK_COMPONENT_DEVELOPMENT_DEPENDS Runtime)
 set(CPACK_COMPONENT_TOOL_DEPENDS Runtime)
 set(CPACK_COMPONENTS_ALL Runtime Development Tool)

@@ -42,3 +42,7 @@ export PKG_CONFIG_PATH=$libFolder/pkgconfig
 read -ra flags < <(pkg-config --cflags --libs Tulo3D)
 "${CXX:-c++}" -std=c++17 tests/consumers/host.cpp "${flags[@]}" -o "$work/plain_host"
 "$work/plain_host"
+documents=$usr/share/doc/libtulo3d-dev
+[[ -s $documents/docs/guide.md ]]
+"${CXX:-c++}" -std=c++17 "$documents/examples/FirstMesh.cpp" "${flags[@]}" -o "$work/first_mesh"
+"$work/first_mesh"
