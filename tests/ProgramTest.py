@@ -198,6 +198,19 @@ class Program(ProgramCase):
                 self.assertEqual((done.returncode, done.stdout, done.stderr[:8]), (2, b"", b"tulo3d: "))
                 self.assertIn(text, done.stderr.decode())
 
+    def testEveryOptionIsCompletedAndDescribed(self):
+        text = run("--help").stdout.decode()
+        options = re.findall(r"(?<![\w-])--?([a-z][a-z-]*)", text.split("Options:")[1])
+        values = [word for group in re.findall(r"{(.*?)}", text) for word in group.split(",")]
+        self.assertGreater(len(options), 18), self.assertGreater(len(values), 13)
+        apps = MESHIO_TOOL.parent.parent / "apps"
+        for name in "completions/tulo3d.bash", "completions/_tulo3d", "completions/tulo3d.fish", "tulo3d.1.in", "../docs/program.md":
+            described = re.findall(r"\w[\w-]*", (apps / name).read_text().replace("\\-", "-").replace("\\fB", ""))
+            self.assertEqual([word for word in options + values if word not in described], [], name)
+        if shutil.which("bash"):
+            script = f"source {apps}/completions/tulo3d.bash; COMP_WORDS=(tulo3d --to v); COMP_CWORD=2; _tulo3d; echo ${{COMPREPLY[@]}}"
+            self.assertEqual(subprocess.check_output(["bash", "-c", script]), b"vtu vtk\n")
+
     def testResultsGoToStandardOutputAndEverythingElseDoesNot(self):
         points = lines(POINTS + POINTS[:3]).encode()
         done = run("-", "--json", "-v", "--check", input=points)

@@ -1,0 +1,17 @@
+# SPDX-License-Identifier: MIT
+# Completion of the command tulo3d for fish.
+complete -c tulo3d -s h -l help -d "Print a summary of the options"
+complete -c tulo3d -l version -d "Print the version"
+complete -c tulo3d -s f -l format -x -a "xyz ply obj off las node" -d "Input format"
+complete -c tulo3d -l columns -x -d "The columns of x, y and z of a text"
+complete -c tulo3d -l skip-lines -x -d "Pass over the first lines of a text"
+complete -c tulo3d -l skip-invalid -d "Leave out points that are no finite numbers"
+complete -c tulo3d -s o -l output -r -F -d "Write the mesh"
+complete -c tulo3d -l to -x -a "vtu vtk msh ply stl obj off list" -d "The format of standard output"
+complete -c tulo3d -l compact -d "TetGen: distinct vertices and a map"
+complete -c tulo3d -l check -d "Check all links, too"
+complete -c tulo3d -l no-check -d "Do not check the mesh"
+complete -c tulo3d -l stats -d "Print additional statistics"
+complete -c tulo3d -l json -d "Print one JSON object"
+complete -c tulo3d -s q -l quiet -d "No progress, warnings and summary"
+complete -c tulo3d -s v -l verbose -d "Show the messages of the library"
