@@ -19,7 +19,7 @@ Exit status: 0 done, 1 internal error or out of memory, 2 wrong command line, 3 
              4 no four points span space, 5 output not written, 6 mesh not valid
 Example: tulo3d scan.ply -o mesh.vtu --check --stats)";
 
-std::string failureMessage(const CLI::App*, const CLI::Error& error)
+std::string failureMessage(const CLI::App* /*pApp*/, const CLI::Error& error)
 {
 	return errorPrefix() + error.what() + "\nRun with --help for more information.\n";
 }

@@ -106,7 +106,7 @@ void print(const std::string& text, std::FILE* pFile)
 }
 
 // Where the library would end the process, the program ends with a message of its own.
-void stop(TULO3D::StopReason, const char* text)
+void stop(TULO3D::StopReason /*reason*/, const char* text)
 {
 	throw Failure(kInternalError, text && *text ? text : "internal error");
 }

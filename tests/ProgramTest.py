@@ -165,7 +165,7 @@ class Program(ProgramCase):
                 self.assertEqual(readNodes(self.mesh), POINTS)
                 self.assertEqual(json.loads(done.stdout)["invalidPoints"], {"a.csv": 3, "a.off": 1}[name] if "invalid" in args[0] else 0)
         for args, text in ((["--columns", "r,v"], "names no x, y and z"), (["--columns", "r,v,up"], "no column is named 'up'"),
-                           (["--columns", "0,1,2"], "counted from 1"), (["--columns", "1,2,3", "-f", "obj"], "for text")):
+                           (["--columns", "0,1,2"], "counted from 1"), (["--columns", "r,v,R"], "twice"), (["--columns", "1,2,3", "-f", "obj"], "for text")):
             self.assertIn(text, run(self.write("a.csv", named), *args).stderr.decode())
 
     def testBadInputIsReportedWithItsPlaceAndStatus(self):

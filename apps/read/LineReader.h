@@ -43,7 +43,7 @@ public:
 	/// The next field as a number or a count; `what` names it when it is missing or wrong. Where the separator
 	/// is no comma, a number may have a decimal comma, but not in a text with decimal points as well.
 	double number(const char* what) { return toNumber(field(), what); }
-	double toNumber(std::string_view field, const char* what);
+	double toNumber(std::string_view text, const char* what);
 	std::size_t count(const char* what);
 	/// Reads the next three fields as a point.
 	void point(PointList& points);

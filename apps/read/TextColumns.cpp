@@ -73,6 +73,13 @@ std::optional<std::size_t> findOnly(const Names& vNames, const LineReader& lines
 	return found;
 }
 
+void requireDistinct(const TextColumns& columns, const LineReader& lines)
+{
+	const auto& axes = columns.axes;
+	if (axes[0] == axes[1] || axes[1] == axes[2] || axes[2] == axes[0])
+		lines.fail("--columns names one column twice");
+}
+
 } // namespace
 
 std::vector<std::string> splitHeader(std::string_view line)
@@ -132,6 +139,7 @@ TextColumns chooseColumns(const Names& vList, const Names& vNames, const LineRea
 				lines.fail("--columns: columns are counted from 1");
 			columns.axes[axis] = number - 1;
 		}
+		requireDistinct(columns, lines);
 		return columns;
 	}
 
@@ -149,6 +157,7 @@ TextColumns chooseColumns(const Names& vList, const Names& vNames, const LineRea
 	if (hasNames(vNames, vList)) {
 		for (std::size_t axis = 0; axis < 3; ++axis)
 			columns.axes[axis] = findName(vNames, vList[places[axis]]);
+		requireDistinct(columns, lines);
 		return columns;
 	}
 	if (!bAxesListed)

@@ -62,7 +62,6 @@ bool isNoValue(std::string_view field)
 // A column that becomes an attribute: whole numbers as long as all are, and nothing when one is no number.
 struct ColumnValues
 {
-	std::size_t column;
 	std::string name;
 	std::vector<std::int64_t> vWhole;
 	std::vector<double> vReal;
@@ -194,11 +193,7 @@ private:
 		}
 		if (!vList.empty() && !bKnown) setColumns(chooseColumns(vList, {}, lines));
 		if (bAnnounced && !bKnown) nameScannerColumns();
-		for (std::size_t i = 0; points.wantsAttributes() && i < columns.vNames.size(); ++i)
-			if (axisOf(i) == 3 && !columns.vNames[i].empty() && columns.vNames[i] != "_")
-				vOthers.push_back({i, columns.vNames[i], {}, {}});
-		last = *std::max_element(columns.axes.begin(), columns.axes.end());
-		if (!vOthers.empty()) last = std::max(last, vOthers.back().column);
+		assignRoles();
 		bCounting = !bKnown && numFields >= 4;
 	}
 
@@ -241,23 +236,30 @@ private:
 		        "coordinates, --columns x,y,z");
 	}
 
-	// 3 for a column that is none of the axes.
-	std::size_t axisOf(std::size_t column) const
+	void assignRoles()
 	{
-		return static_cast<std::size_t>(
-		    std::find(columns.axes.begin(), columns.axes.end(), column) - columns.axes.begin());
+		const auto& axes = columns.axes;
+		vRoles.assign(*std::max_element(axes.begin(), axes.end()) + 1, kIgnored);
+		for (std::size_t axis = 0; axis < 3; ++axis) vRoles[axes[axis]] = axis;
+		for (std::size_t i = 0; points.wantsAttributes() && i < columns.vNames.size(); ++i) {
+			const auto& name = columns.vNames[i];
+			vRoles.resize(std::max(vRoles.size(), i + 1), kIgnored);
+			if (vRoles[i] != kIgnored || name.empty() || name == "_") continue;
+			vRoles[i] = 3 + vOthers.size();
+			vOthers.push_back({name, {}, {}});
+		}
 	}
 
 	void readPoint()
 	{
 		std::array<double, 3> values{};
 		const std::size_t numLeftOut = points.numLeftOut();
-		auto other = vOthers.begin();
-		for (std::size_t i = 0; i <= last; ++i) {
+		for (const std::size_t role : vRoles) {
 			const auto field = lines.field();
-			const auto axis = axisOf(i);
-			if (axis < 3) values[axis] = toCoordinate(field, kAxes[axis]);
-			if (other != vOthers.end() && other->column == i) (other++)->append(field);
+			if (role < 3)
+				values[role] = toCoordinate(field, kAxes[role]);
+			else if (role != kIgnored)
+				vOthers[role - 3].append(field);
 		}
 		lines.add(points, values[0], values[1], values[2]);
 		if (points.numLeftOut() == numLeftOut) return;
@@ -288,8 +290,10 @@ private:
 	std::vector<std::string_view> vComments;
 	TextColumns columns;
 	bool bKnown = false; // the columns: the user or a header has named them
+	// Of each column: 0, 1, 2 for x, y, z, from 3 on for one of vOthers.
+	std::vector<std::size_t> vRoles;
+	static constexpr std::size_t kIgnored = SIZE_MAX;
 	std::vector<ColumnValues> vOthers;
-	std::size_t last = 2; // the last column that is read
 	std::size_t numLines = 0;
 	std::size_t numFields = 0; // of the first point
 	bool bAnnounced = false;

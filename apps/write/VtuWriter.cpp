@@ -61,7 +61,7 @@ std::string cellArrays(AppendedArrays& arrays, const Mesh& mesh)
 
 std::string pointArray(AppendedArrays& arrays, const Mesh& mesh)
 {
-	std::string xml = arrays.begin("Float64\" Name=\"Points\" NumberOfComponents=\"3");
+	std::string xml = arrays.begin(R"(Float64" Name="Points" NumberOfComponents="3)");
 	for (const double value : mesh.vCoordinates) arrays.add(value);
 	arrays.end();
 	return xml;
@@ -104,7 +104,7 @@ void writeVtu(const Result& result, const Path& output)
 	file.text("<?xml version=\"1.0\"?>\n<VTKFile type=\"UnstructuredGrid\" version=\"1.0\" "
 	          "byte_order=\"");
 	file.text(isBigEndianMachine() ? "BigEndian" : "LittleEndian");
-	file.text("\" header_type=\"UInt64\"");
+	file.text(R"(" header_type="UInt64")");
 	file.text(AppendedArrays::kCompressor);
 	file.text(">\n<UnstructuredGrid>\n<Piece NumberOfPoints=\"" +
 	    std::to_string(mesh.numVertices()) + "\" NumberOfCells=\"" +
