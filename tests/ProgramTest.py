@@ -68,7 +68,7 @@ CSV = "".join(f"{i},{z!r}, {x!r} ,+{abs(y)!r}\n" for i, (x, y, z) in enumerate(P
 OFF = "# a comment\n{} {} 0\n" + lines(POINTS, tail=" 0.5 0.5 0.5") + "\n3 0 1 2\n3 3 4 15\n"
 SWAPPED = [(z, x, y) for x, y, z in POINTS]
 FORMATS = {  # name: content; all hold POINTS, the LAS files RASTER
-    "comment.xyz": "# z, x, y of no date\n#  z x y\n" + lines(SWAPPED, tail=" 7"),
+    "comment.xyz": "# x y z where z is height\n# some scan of y by x and z\n#  z x y\n" + lines(SWAPPED, tail=" 7"),
     "survey.csv": 'Point,"Elevation [m]",Easting (m),NORTHING,X-Axis\n' + lines(SWAPPED, ",", head="P1,", end=",5\nP1,")[:-3],
     "view.csv": '"Points:2","Points:0","Points:1"\n' + lines(SWAPPED, ","), "units.txt": "Z [m] X [m] Y [m]\n" + lines(SWAPPED),
     "comma.csv": "Name;X;Y;Z\n" + "".join(f"a, b. c;{row}\n" for row in german(POINTS, ";").splitlines()),
@@ -94,6 +94,7 @@ BAD = [  # name, content, exit status, what standard error says
     ("a.csv", FOUR.replace(" ", ";") + "0;0;1.234,5\n", 3, "a.csv:4: '1.234,5' is not a number"),
     ("a.xyz", lines(POINTS, numbered=100), 3, "the first column counts the lines, from 100 on"),
     ("a.csv", "X,East,North,Height,Elevation\n", 3, "a.csv:1: both 'X' and 'East' may be meant"),
+    ("a.xyz", "# z x y in metres\n" + FOUR, 3, "a.xyz:2: a comment before may name the columns"),
     ("a.gz", FORMATS["zipped"][:-5], 3, "a.gz: the file is cut short"),
     ("a.gz", FORMATS["zipped"][:60] + b"x" + FORMATS["zipped"][61:], 3, "a.gz: the compressed data are damaged"),
     ("a.csv", FOUR.replace(" ", ",") + "0,x7,1\n", 3, "a.csv:4: 'x7' is not a number"),
@@ -395,6 +396,9 @@ LAS = {"intensity": counting("ushort", 60000), "classification": counting("uchar
        "red": counting("ushort", 1), "green": counting("ushort", 65000), "blue": counting("ushort", 3)}
 
 
+COLOURS = {"red": counting("double", 0, 1 / 8), "green": counting("double", 1, 0), "blue": counting("double", 0, 0)}
+
+
 class Attributes(ProgramCase):
     def testAttributesComeThroughInTheirTypes(self):
         hull = self.folder / "hull.ply"
@@ -402,6 +406,8 @@ class Attributes(ProgramCase):
                 ("a.ply", plyOfValues("ascii"), FIRST), ("a.ply", plyOfValues("binary_big_endian"), FIRST),
                 ("a.csv", COLUMNS, {"id": counting("double", 1e10), "red": counting("uchar", 250), "class": counting("int", -3), "t": counting("double", 0, 1 / 8)}),
                 ("a.pts", COUNTED, {"intensity": counting("int", 0, -1), "red": counting("uchar", 0), "green": counting("uchar", 2, 0), "blue": counting("uchar", 3, 0)}),
+                ("a.obj", "".join("v %d %d %d " % c + f"{i / 8} 1 0\n" for i, c in enumerate(CORNERS)), COLOURS),
+                ("a.off", "COFF 7 0 0\n" + "".join("%d %d %d " % c + f"{i / 8} 1 0 1\n" for i, c in enumerate(CORNERS)), COLOURS),
                 ("a.node", NODE, {"attribute1": counting("double", 0, 1 / 8), "marker": counting("int", -2)}),
                 ("a.las", lasOfValues(3, 34, LAS3), LAS), ("a.las", lasOfValues(7, 36, LAS7), {**LAS, "classification": counting("uchar", 200)}),
                 ("a.las", lasOfValues(3, 29, LAS3[:3]), {n: LAS[n] for n in list(LAS)[:3]})):

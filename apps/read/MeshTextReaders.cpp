@@ -12,7 +12,18 @@ void requireOne(LineReader& lines, const char* what, std::size_t index, std::siz
 	    std::string(what) + std::to_string(index + 1) + " of " + std::to_string(num) + " is");
 }
 
-void readOffHeader(LineReader& lines)
+// The fields of the whole line; the next one is then the second.
+std::size_t countFields(LineReader& lines)
+{
+	std::size_t num = 0;
+	for (lines.rewind(); !lines.field().empty();) ++num;
+	lines.rewind();
+	lines.field();
+	return num;
+}
+
+// True when each vertex of the file has a colour directly after its coordinates.
+bool readOffHeader(LineReader& lines)
 {
 	lines.require("the word OFF is");
 	const std::string_view word = lines.field();
@@ -22,7 +33,24 @@ void readOffHeader(LineReader& lines)
 		lines.fail("only points of three coordinates are read, not " + quoted(word));
 	if (lines.getLine().find("BINARY") != std::string_view::npos)
 		lines.fail("binary OFF is not read");
+	const bool bColours =
+	    word.find('C') != std::string_view::npos && word.find('N') == std::string_view::npos;
 	if (lines.atLineEnd()) lines.require("the line with the counts is");
+	return bColours;
+}
+
+void addColours(PointList& points)
+{
+	for (const char* name : {"red", "green", "blue"})
+		points.addAttribute(name, std::vector<double>());
+}
+
+void readColouredPoint(LineReader& lines, PointList& points)
+{
+	const double x = lines.number("x"), y = lines.number("y"), z = lines.number("z");
+	for (std::size_t i = 0; i < 3; ++i)
+		appendNumber(points.valuesOf(i), lines.number("a part of the colour"));
+	lines.add(points, x, y, z);
 }
 
 void addNodeAttributes(std::size_t numAttributes, std::size_t numMarkers, PointList& points)
@@ -35,24 +63,38 @@ void addNodeAttributes(std::size_t numAttributes, std::size_t numMarkers, PointL
 
 } // namespace
 
-// Faces, normals, groups and materials say nothing about where the points are.
+// Colours are no part of the format, but many programs write them after the coordinates. Faces, normals, groups and materials say nothing about where the points are.
 void readObj(const Source& source, PointList& points)
 {
 	LineReader lines(source);
-	while (lines.next())
-		if (lines.field() == "v") lines.point(points);
+	bool bColours = false;
+	while (lines.next()) {
+		if (lines.field() != "v") continue;
+		if (points.numRead() == 0 && points.wantsAttributes()) {
+			bColours = countFields(lines) == 7;
+			if (bColours) addColours(points);
+		}
+		if (bColours)
+			readColouredPoint(lines, points);
+		else
+			lines.point(points);
+	}
 }
 
 // The faces are read too, because only they show that nothing is cut.
 void readOff(const Source& source, PointList& points)
 {
 	LineReader lines(source);
-	readOffHeader(lines);
+	const bool bColours = readOffHeader(lines) && points.wantsAttributes();
+	if (bColours) addColours(points);
 	const std::size_t numVertices = lines.count("the number of vertices");
 	const std::size_t numFaces = lines.count("the number of faces");
 	for (std::size_t i = 0; i < numVertices; ++i) {
 		requireOne(lines, "vertex ", i, numVertices);
-		lines.point(points);
+		if (bColours)
+			readColouredPoint(lines, points);
+		else
+			lines.point(points);
 	}
 	for (std::size_t i = 0; i < numFaces; ++i) {
 		requireOne(lines, "face ", i, numFaces);

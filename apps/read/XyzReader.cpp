@@ -190,11 +190,23 @@ private:
 			const auto vNames = splitHeader(vComments[i]);
 			if (vNames.size() == numFields || (vNames.size() == 3 && numFields > 3))
 				isHeader(vNames);
+			else if (vList.empty())
+				refuseOtherOrder(vNames);
 		}
 		if (!vList.empty() && !bKnown) setColumns(chooseColumns(vList, {}, lines));
 		if (bAnnounced && !bKnown) nameScannerColumns();
 		assignRoles();
 		bCounting = !bKnown && numFields >= 4;
+	}
+
+	// A comment with more or fewer words than there are columns is prose, unless it starts with another order.
+	void refuseOtherOrder(std::vector<std::string> vNames)
+	{
+		if (vNames.size() > numFields) vNames.resize(numFields);
+		const auto found = findColumns(vNames, lines);
+		if (found && found->axes != TextColumns().axes)
+			lines.fail("a comment before may name the columns, but not as many as there are; "
+			           "--columns says which are x, y and z");
 	}
 
 	// What laser scanners write after a count.
