@@ -3,14 +3,13 @@
 //
 // Separators are blanks, or commas, or semicolons, decided for each line. The first line may be a header
 // that names the columns, or a lone count; a comment before it may be a header, too.
+#include "ColumnValues.h"
 #include "Failure.h"
 #include "Progress.h"
 #include "TextColumns.h"
 
 #include <algorithm>
-#include <cmath>
 #include <limits>
-#include <utility>
 
 namespace app {
 
@@ -48,62 +47,6 @@ char separatorOf(std::string_view line)
 	if (line.find(',') == std::string_view::npos) return ' ';
 	return hasDecimalCommas(line) ? ' ' : ',';
 }
-
-// What programs write where there is no number.
-bool isNoValue(std::string_view field)
-{
-	static constexpr const char* aWords[] = {
-	    "", "-", "na", "n/a", "null", "none", "nodata", "1.#qnan", "-1.#ind"};
-	const auto word = lowerCase(field);
-	return std::any_of(
-	    std::begin(aWords), std::end(aWords), [&](const char* noValue) { return word == noValue; });
-}
-
-// A column that becomes an attribute: whole numbers as long as all are, and nothing when one is no number.
-struct ColumnValues
-{
-	std::string name;
-	std::vector<std::int64_t> vWhole;
-	std::vector<double> vReal;
-	bool bWhole = true;
-	bool bNumbers = true;
-
-	void append(std::string_view field)
-	{
-		if (!bNumbers) return;
-		std::int64_t whole = 0;
-		if (bWhole && parse(field, whole)) return vWhole.push_back(whole);
-		double real = std::numeric_limits<double>::quiet_NaN();
-		bNumbers = isNoValue(field) || parse(field, real) || parseDecimalComma(field, real);
-		if (std::exchange(bWhole, false)) vReal.assign(vWhole.begin(), vWhole.end());
-		vReal.push_back(real);
-	}
-
-	void dropLast()
-	{
-		if (bNumbers && bWhole) vWhole.pop_back();
-		if (bNumbers && !bWhole) vReal.pop_back();
-	}
-
-	bool isColour() const
-	{
-		const auto word = lowerCase(name);
-		return word == "red" || word == "green" || word == "blue";
-	}
-
-	AttributeValues take()
-	{
-		if (!bWhole) return std::move(vReal);
-		const auto [least, most] = std::minmax_element(vWhole.begin(), vWhole.end());
-		// As colours are stored elsewhere, too.
-		if (isColour() && !vWhole.empty() && *least >= 0 && *most <= 255)
-			return std::vector<std::uint8_t>(vWhole.begin(), vWhole.end());
-		using Small = std::numeric_limits<std::int32_t>;
-		if (vWhole.empty() || *least < Small::min() || *most > Small::max())
-			return std::move(vWhole);
-		return std::vector<std::int32_t>(vWhole.begin(), vWhole.end());
-	}
-};
 
 // Reads one text; the members are what is known of it so far.
 class XyzReader
@@ -258,7 +201,7 @@ private:
 			vRoles.resize(std::max(vRoles.size(), i + 1), kIgnored);
 			if (vRoles[i] != kIgnored || name.empty() || name == "_") continue;
 			vRoles[i] = 3 + vOthers.size();
-			vOthers.push_back({name, {}, {}});
+			vOthers.emplace_back(name);
 		}
 	}
 
@@ -281,10 +224,10 @@ private:
 	void addAttributes()
 	{
 		for (auto& values : vOthers) {
-			if (values.bNumbers)
-				points.addAttribute(values.name, values.take());
+			if (values.areNumbers())
+				points.addAttribute(values.getName(), values.take());
 			else
-				source.progress.warn(source.name + ": the column " + quoted(values.name) +
+				source.progress.warn(source.name + ": the column " + quoted(values.getName()) +
 				    " is text and is not written");
 		}
 	}
