@@ -479,7 +479,7 @@ class CommaLocale(ProgramCase):
         self.assertEqual((json.loads(done.stdout)["points"], readNodes(self.mesh)), (40, POINTS))
 
 
-class Meshio(ProgramCase):
+class OtherPrograms(ProgramCase):
     def testMeshioReadsWhatIsWritten(self):
         if importlib.util.find_spec("meshio") is None:
             self.skipTest(f"{sys.executable} has no meshio (tools/packages.sh)")
@@ -502,6 +502,24 @@ class Meshio(ProgramCase):
             self.assertEqual(mesh["cells"], {"triangle": facts["hullFacets"]})
             self.assertEqual(len(mesh["points"]), facts["hullVertices"])
             self.assertAlmostEqual(mesh["volume"] / facts["hullVolume"], 1, 3 if mesh is stl else 7)
+
+    def testVtkReadsWhatIsWritten(self):
+        if importlib.util.find_spec("vtk") is None:
+            self.skipTest(f"{sys.executable} has no vtk")
+        program = """import sys, vtk
+for reader, file in (vtk.vtkXMLUnstructuredGridReader(), sys.argv[1]), (vtk.vtkUnstructuredGridReader(), sys.argv[2]):
+    reader.SetFileName(file)
+    if file.endswith("k"): reader.ReadAllScalarsOn()
+    reader.Update()
+    grid, data = reader.GetOutput(), reader.GetOutput().GetPointData()
+    arrays = [data.GetArray(i) for i in range(data.GetNumberOfArrays())]
+    print(grid.GetNumberOfCells(), *(f"{a.GetName()}:{a.GetDataTypeAsString()}:{a.GetRange()[1]:g}" for a in arrays))"""
+        files = [self.folder / name for name in ("m.vtu", "m.vtk")]
+        rows = [f"{row},{i},{i / 8}\n" for i, row in enumerate(lines(POINTS, ",").split())]
+        points = self.write("a.csv", "x,y,z,blue,w\n" + "".join(rows))
+        facts = json.loads(run("--json", points, "-o", files[0], "-o", files[1]).stdout)
+        expected = f"{facts['tetrahedra']} inputIndex:int:39 blue:unsigned char:39 w:double:4.875\n"
+        self.assertEqual(subprocess.check_output([sys.executable, "-c", program, *files]).decode(), 2 * expected)
 
     def testGmshReadsWhatIsWritten(self):
         if subprocess.run([sys.executable, "-c", "import gmsh"], capture_output=True).returncode:  # or not its libraries
