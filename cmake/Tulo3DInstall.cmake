@@ -23,6 +23,14 @@ if(TULO3D_BUILD_STATIC)
 		DESTINATION ${packageFolder} COMPONENT Development)
 endif()
 
+install(TARGETS tulo3d_shapes EXPORT Tulo3DShapesTargets
+	ARCHIVE COMPONENT Development
+)
+install(DIRECTORY ${Tulo3D_SOURCE_DIR}/shapes/include/ DESTINATION ${headerFolder}
+	COMPONENT Development FILES_MATCHING PATTERN *.h)
+install(EXPORT Tulo3DShapesTargets NAMESPACE Tulo3D::
+	DESTINATION ${packageFolder} COMPONENT Development)
+
 configure_package_config_file(
 	${CMAKE_CURRENT_LIST_DIR}/Tulo3DConfig.cmake.in ${Tulo3D_BINARY_DIR}/Tulo3DConfig.cmake
 	INSTALL_DESTINATION ${packageFolder}

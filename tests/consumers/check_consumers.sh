@@ -47,7 +47,7 @@ for part in "program tulo3d (Debian packages missing: libcli11-dev)" "benchmarks
 	"tests (Debian packages missing: libgtest-dev, libgmp-dev)"; do
 	grep -qF "Left out: the $part" "$work/log"
 done
-cmake --build "$work/bare" --target Tulo3D --parallel 2
+cmake --build "$work/bare" --target Tulo3D tulo3d_shapes --parallel 2
 DESTDIR=$work/bareRoot cmake --install "$work/bare"
 [[ -e $work/bareRoot/some/libs/libTulo3D.so && -e $work/bareRoot/other/headers/Tulo3D/Tulo_3D.h ]]
 for option in TULO3D_BUILD_TOOLS TULO3D_BUILD_BENCHMARKS BUILD_TESTING; do
