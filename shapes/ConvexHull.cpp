@@ -2,44 +2,49 @@
 // The facets of the hull, and the way around their edges to their neighbours.
 #include "shapes/ConvexHull.h"
 
-#include "HullFacets.h"
+#include "Mesh.h"
+
+#include <algorithm>
 
 namespace TULO3D::shapes {
 
 namespace {
 
-void collectTriangles(const Mesh& mesh, ConvexHull& hull)
+/// The hull facets, as 4 times their tetrahedron plus their index: ascending.
+std::vector<std::int64_t> collectTriangles(const Mesh& mesh, ConvexHull& hull)
 {
-	for (Index tet = 0; at(tet) < mesh.numTets; ++tet) {
-		for (int i = 0; i < 4; ++i) {
-			if (mesh.neighbours(tet)[i] >= 0) continue;
-			const auto facet = mesh.facet(tet, i);
-			hull.vTriangles.insert(hull.vTriangles.end(), facet.begin(), facet.end());
-			hull.vTets.push_back(tet);
-		}
+	std::vector<std::int64_t> vFacets;
+	const auto numFacets = static_cast<std::int64_t>(4 * mesh.numTets);
+	for (std::int64_t k = 0; k < numFacets; ++k) {
+		if (mesh.pNeighbours[k] >= 0) continue;
+		vFacets.push_back(k);
+		hull.vTets.push_back(static_cast<Index>(k / 4));
+		const auto facet = mesh.facet(hull.vTets.back(), static_cast<int>(k % 4));
+		hull.vTriangles.insert(hull.vTriangles.end(), facet.begin(), facet.end());
 	}
+	return vFacets;
 }
 
 /// Turns around the edge (a, b) of a hull facet, `tet` being behind it and `c` its third corner, through
 /// the mesh to the other hull facet with this edge. Over all edges the steps are at most twice as many as the edges
 /// of all tetrahedra.
-Index triangleAcross(
-    const Mesh& mesh, const HullFacets& facets, Index tet, Index a, Index b, Index c)
+std::int64_t facetAcross(const Mesh& mesh, Index tet, Index a, Index b, Index c)
 {
 	AtEdge place{tet, c};
 	for (AtEdge next = place; next.tet >= 0; next = mesh.next(place, a, b)) place = next;
-	return facets.numberOf(place.tet, mesh.indexOf(place.tet, place.pivot));
+	return 4 * static_cast<std::int64_t>(place.tet) + mesh.indexOf(place.tet, place.pivot);
 }
 
-void linkTriangles(const Mesh& mesh, ConvexHull& hull)
+void linkTriangles(const Mesh& mesh, const std::vector<std::int64_t>& vFacets, ConvexHull& hull)
 {
-	const HullFacets facets(mesh);
 	hull.vNeighbours.reserve(hull.vTriangles.size());
 	for (std::size_t i = 0; i < hull.vTets.size(); ++i) {
 		const Index* p = &hull.vTriangles[3 * i];
 		for (int k = 0; k < 3; ++k) {
-			hull.vNeighbours.push_back(
-			    triangleAcross(mesh, facets, hull.vTets[i], p[(k + 1) % 3], p[(k + 2) % 3], p[k]));
+			const std::int64_t facet =
+			    facetAcross(mesh, hull.vTets[i], p[(k + 1) % 3], p[(k + 2) % 3], p[k]);
+			const auto place = std::lower_bound(vFacets.begin(), vFacets.end(), facet);
+			hull.vNeighbours.push_back(static_cast<Index>(place - vFacets.begin()));
 		}
 	}
 }
@@ -60,8 +65,8 @@ ConvexHull convexHull(const MeshView& view)
 {
 	const Mesh mesh(view);
 	ConvexHull hull;
-	collectTriangles(mesh, hull);
-	linkTriangles(mesh, hull);
+	const std::vector<std::int64_t> vFacets = collectTriangles(mesh, hull);
+	linkTriangles(mesh, vFacets, hull);
 	measure(mesh, hull);
 	return hull;
 }

@@ -112,4 +112,9 @@ void HullClip::clip(Index vertex, Polyhedron& cell) const
 	}
 }
 
+void HullClip::mark(std::vector<bool>& vMarks) const
+{
+	for (const Pair& pair : vPairs) vMarks[at(pair.vertex)] = true;
+}
+
 } // namespace TULO3D::shapes

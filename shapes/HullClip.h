@@ -28,6 +28,8 @@ public:
 
 	/// Clips the cell of `vertex`; `cell` is relative to it. The new faces have the label kHullSide.
 	void clip(Index vertex, Polyhedron& cell) const;
+	/// Sets what belongs to the vertices whose cells a facet meets.
+	void mark(std::vector<bool>& vMarks) const;
 
 private:
 	struct Pair

@@ -16,9 +16,14 @@ void expectInRange(
     const Index* pNumbers, std::size_t numTets, Index begin, Index end, const char* what)
 {
 	const Index* const pEnd = pNumbers + 4 * numTets;
+	Index least = begin, most = begin; // a loop without an exit is vectorised
+	for (const Index* p = pNumbers; p != pEnd; ++p) {
+		least = std::min(least, *p);
+		most = std::max(most, *p);
+	}
+	if (least >= begin && most < end) return;
 	const Index* const pBad =
 	    std::find_if(pNumbers, pEnd, [=](Index i) { return i < begin || i >= end; });
-	if (pBad == pEnd) return;
 	throw std::invalid_argument("Tetrahedron " + std::to_string((pBad - pNumbers) / 4) +
 	    " has the " + what + " " + std::to_string(*pBad) + ", of " + std::to_string(end) + ".");
 }

@@ -6,6 +6,7 @@
 #include "HullClip.h"
 #include "Polyhedron.h"
 #include "Star.h"
+#include "WholeVolumes.h"
 
 #include <array>
 #include <limits>
@@ -31,6 +32,7 @@ public:
 
 	std::vector<double> circumcentres() const;
 	double volumeOf(Index vertex);
+	std::vector<double> volumes();
 	void append(Index vertex, VoronoiCells& cells);
 	std::size_t numVertices() const { return mesh.numVertices; }
 
@@ -39,6 +41,7 @@ private:
 	void addRing(Index vertex);
 	Index cornerAtInfinity(Index tet, Index opposite);
 	void clipToBox(Index vertex);
+	bool isBeyondBox(std::size_t tet) const;
 	bool isClipped() const { return box || hullClip; }
 
 	Mesh mesh;
@@ -166,6 +169,34 @@ double Voronoi::Reader::volumeOf(Index vertex)
 	return bEndless ? kInfinity : cell.volume();
 }
 
+/// True when the cells at `tet` may reach beyond the box: where its centre does.
+bool Voronoi::Reader::isBeyondBox(std::size_t tet) const
+{
+	const double* p = mesh.point(mesh.pCorners[4 * tet]);
+	const double centre[3] = {p[0] + vArms[tet].x, p[1] + vArms[tet].y, p[2] + vArms[tet].z};
+	for (int i = 0; i < 3; ++i) {
+		if (!(box->low[i] <= centre[i] && centre[i] <= box->high[i])) return true;
+	}
+	return bAtInfinity[tet];
+}
+
+/// Only cells to be clipped are made.
+std::vector<double> Voronoi::Reader::volumes()
+{
+	std::vector<double> v = wholeVolumes(mesh, vArms, bAtInfinity);
+	if (!isClipped()) return v;
+	std::vector<bool> bClipped(mesh.numVertices, false);
+	for (std::size_t i = 0; i < 4 * mesh.numTets; ++i) {
+		const auto vertex = at(mesh.pCorners[i]);
+		if (!std::isfinite(v[vertex]) || (box && isBeyondBox(i / 4))) bClipped[vertex] = true;
+	}
+	if (hullClip) hullClip->mark(bClipped);
+	for (std::size_t i = 0; i < v.size(); ++i) {
+		if (bClipped[i]) v[i] = volumeOf(static_cast<Index>(i));
+	}
+	return v;
+}
+
 void Voronoi::Reader::append(Index vertex, VoronoiCells& cells)
 {
 	cells.vVolumes.push_back(volumeOf(vertex));
@@ -220,11 +251,7 @@ std::vector<double> Voronoi::circumcentres() const
 
 std::vector<double> Voronoi::volumes()
 {
-	std::vector<double> v;
-	v.reserve(pReader->numVertices());
-	for (std::size_t i = 0; i < pReader->numVertices(); ++i)
-		v.push_back(pReader->volumeOf(static_cast<Index>(i)));
-	return v;
+	return pReader->volumes();
 }
 
 VoronoiCells Voronoi::cells(std::size_t first, std::size_t numVertices)
