@@ -150,6 +150,14 @@ void compareAlphaShapes(const TULO3D::shapes::MeshView& mesh, const std::vector<
 	compare(
 	    "  radius of one component", [&] { return ours->radiusOfOneComponent(); },
 	    [&] { return std::sqrt(*theirs->find_optimal_alpha(1)); });
+	const double joined = ours->radiusOfOneComponent();
+	compare(
+	    "  components with our radius",
+	    [&] { return static_cast<double>(ours->shape(joined).vVolumes.size()); },
+	    [&] {
+		    const double square = joined * joined * (1 + 1e-12); // as CGAL rounds squares
+		    return static_cast<double>(theirs->number_of_solid_components(square));
+	    });
 	// Off all circumradii, as either library rounds those its own way.
 	const double radius = 0.9173 * ours->radiusThatKeepsEveryPoint();
 	compare(

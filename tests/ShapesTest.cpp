@@ -42,6 +42,14 @@ struct Meshed
 		const std::vector<double> v = volumes();
 		return std::accumulate(v.begin(), v.end(), 0.0);
 	}
+	/// The place of a vertex.
+	auto pointOf() const
+	{
+		return [this](std::int32_t i) {
+			const double* p = view.pCoordinates + 3 * i;
+			return Point3(p[0], p[1], p[2]);
+		};
+	}
 	/// A box around all vertices, with a margin.
 	Box box() const
 	{
@@ -120,6 +128,30 @@ std::ptrdiff_t eulerNumber(
 	    static_cast<std::ptrdiff_t>(there.size() / 2);
 }
 
+/// The volume that polygons enclose, positive when they are counter-clockwise from outside. `pointOf` gives the place
+/// of a corner.
+template <class F>
+double enclosed(
+    const std::vector<std::int32_t>& vCorners, const std::vector<std::int64_t>& vBegins, F pointOf)
+{
+	double volume = 0;
+	const auto corner = [&](std::int64_t k) {
+		return pointOf(vCorners[static_cast<std::size_t>(k)]);
+	};
+	for (std::size_t i = 0; i + 1 < vBegins.size(); ++i) {
+		for (std::int64_t k = vBegins[i] + 2; k < vBegins[i + 1]; ++k) {
+			const Point3 origin = corner(vBegins[0]);
+			const Vector3 a = corner(vBegins[i]) - origin, b = corner(k - 1) - origin,
+			              c = corner(k) - origin;
+			volume +=
+			    (a.x() * (b.y() * c.z() - b.z() * c.y()) + a.y() * (b.z() * c.x() - b.x() * c.z()) +
+			        a.z() * (b.x() * c.y() - b.y() * c.x())) /
+			    6;
+		}
+	}
+	return volume;
+}
+
 void expectHull(const Meshed& m)
 {
 	const ConvexHull hull = convexHull(m.view);
@@ -138,6 +170,8 @@ void expectHull(const Meshed& m)
 	}
 	const HullPolygons polygons = mergeCoplanar(m.view, hull);
 	ASSERT_EQ(eulerNumber(polygons.vCorners, polygons.vBegins), 2);
+	const double byPolygons = enclosed(polygons.vCorners, polygons.vBegins, m.pointOf());
+	ASSERT_NEAR(byPolygons, hull.volume, m.tolerance());
 }
 
 } // namespace
@@ -164,12 +198,13 @@ TEST_P(ShapesOf, AlphaShapesAreSolidClosedAndGrow)
 	for (const double radius : {0.5 * all, all, one, 4 * one, kInfinity}) {
 		SCOPED_TRACE(radius);
 		const AlphaShape shape = shapes.shape(radius);
-		const auto [there, back] =
-		    directedEdges(shape.vTriangles, triangleBegins(shape.vTriangles));
+		const std::vector<std::int64_t> begins = triangleBegins(shape.vTriangles);
+		const auto [there, back] = directedEdges(shape.vTriangles, begins);
 		ASSERT_EQ(there, back); // closed, though it may touch itself
 		double sum = 0;
 		for (const std::int32_t tet : shape.vTets) sum += volumes[static_cast<std::size_t>(tet)];
 		ASSERT_NEAR(shape.volume, sum, m.tolerance());
+		ASSERT_NEAR(enclosed(shape.vTriangles, begins, m.pointOf()), sum, m.tolerance());
 		ASSERT_GE(shape.volume, volumeBefore);
 		volumeBefore = shape.volume;
 		std::set<std::int32_t> corners;
@@ -196,6 +231,12 @@ double sum(const std::vector<double>& v)
 void expectFilled(Voronoi voronoi, double volume, double tolerance)
 {
 	const VoronoiCells cells = voronoi.cells();
+	const std::vector<double> centres = voronoi.circumcentres();
+	const auto pointOf = [&](std::int32_t i) {
+		const auto k = 3 * static_cast<std::size_t>(i);
+		const double* p = k < centres.size() ? &centres[k] : &cells.vMade[k - centres.size()];
+		return Point3(p[0], p[1], p[2]);
+	};
 	ASSERT_NEAR(sum(cells.vVolumes), volume, tolerance);
 	ASSERT_NEAR(sum(voronoi.volumes()), volume, tolerance);
 	for (std::size_t i = 0; i + 1 < cells.vCellBegins.size(); ++i) {
@@ -204,6 +245,7 @@ void expectFilled(Voronoi voronoi, double volume, double tolerance)
 		    face + cells.vCellBegins[i], face + cells.vCellBegins[i + 1] + 1);
 		if (begins.size() == 1) continue;
 		ASSERT_EQ(eulerNumber(cells.vCorners, begins), 2) << i;
+		ASSERT_NEAR(enclosed(cells.vCorners, begins, pointOf), cells.vVolumes[i], tolerance) << i;
 	}
 }
 
