@@ -1,51 +1,34 @@
 // SPDX-License-Identifier: MIT
-// Voronoi cells: their corners are the circumcentres around a vertex. The points are the atoms of a
-// body-centred cubic crystal with cubes of side 2; a cell inside has half the volume of a cube.
+// Voronoi cells, whole and clipped. The points are the atoms of a body-centred cubic crystal with cubes of
+// side 2; a cell inside has half the volume of a cube.
+#include "shapes/MeshCopy.h"
+#include "shapes/Voronoi.h"
 #include "shared.h"
 
 #include <cmath>
 #include <iostream>
-#include <set>
-
-using TULO3D::Point3;
-
-/// Infinite for a vertex on the hull.
-static double cellVolume(TULO3D::Tulo_3D& mesh, Point3* vertex)
-{
-	std::vector<TULO3D::Tet3*> star;
-	mesh.getTetsAroundVertex(vertex, star);
-	std::set<TULO3D::Edge3> edges; // each once, named by two corners that are not on it
-	for (TULO3D::Tet3* tet : star) {
-		const int self = tet->getIntraTetIndex(vertex);
-		for (int i = 1; i < 4; ++i) {
-			edges.insert(tet->getEdge((self + i) % 4, (self + i % 3 + 1) % 4));
-		}
-	}
-	double sum = 0;
-	for (const TULO3D::Edge3& edge : edges) {
-		// The edge pierces one face of the cell; going round it gives the face's corners in order.
-		const Point3 first = edge.getTet()->getCircumcenter();
-		for (TULO3D::TetAroundEdgeIterator it(edge); it.previewNextTet() != edge.getTet(); ++it) {
-			if (it.nextIsNull()) return INFINITY;
-			const Point3 from = (*it)->getCircumcenter();
-			sum += std::abs(volume(*vertex, first, from, it.previewNextTet()->getCircumcenter()));
-		}
-	}
-	return sum;
-}
+#include <numeric>
 
 int main()
 {
-	std::vector<Point3> points;
+	std::vector<TULO3D::Point3> points;
 	for (int i = 0; i < 8 * 8 * 8; ++i) {
 		const int x = i % 8, y = i / 8 % 8, z = i / 64;
 		for (const int k : {0, 1}) points.emplace_back(2 * x + k, 2 * y + k, 2 * z + k);
 	}
 	TULO3D::Tulo_3D mesh;
-	std::vector<Point3*> handles;
-	mesh.insert(points, handles);
+	mesh.insert(points);
 
-	const double inside = cellVolume(mesh, handles[438]); // the cube corner at (6, 6, 6)
+	// No point is repeated, so cell i is that of points[i].
+	const TULO3D::shapes::MeshCopy copy(mesh);
+	const std::vector<double> volumes = TULO3D::shapes::Voronoi(copy.view()).volumes();
+	const double inside = volumes[438]; // the cube corner at (6, 6, 6)
 	std::cout << "The volume of a cell inside is " << inside << std::endl;
-	return std::abs(inside - 4) < 1e-9 && std::isinf(cellVolume(mesh, handles[0])) ? 0 : 1;
+	if (std::abs(inside - 4) > 1e-9 || !std::isinf(volumes[0])) return 1; // unbounded at the hull
+
+	// Clipped to a box, the cells fill it.
+	const TULO3D::shapes::Box box{{-1, -1, -1}, {16, 16, 16}};
+	const std::vector<double> clipped = TULO3D::shapes::Voronoi(copy.view(), box).volumes();
+	const double sum = std::accumulate(clipped.begin(), clipped.end(), 0.0);
+	return std::abs(sum - 17 * 17 * 17) < 1e-9 * sum ? 0 : 1;
 }
