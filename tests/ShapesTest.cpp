@@ -333,6 +333,11 @@ TEST(Shapes, AlphaShapesFallIntoComponentsAndSingularParts)
 	EXPECT_EQ(parts.vEdges.size() / 2, 12U + 1U);
 	EXPECT_EQ(std::count(parts.vEdges.begin(), parts.vEdges.end(), first + 3), 1);
 	EXPECT_TRUE(AlphaShapes(m.view).singularParts(0.49).vEdges.empty());
+
+	// The last point is inside the smallest spheres through the first three, and through the first two.
+	const Meshed flat({Point3(0, 0, 0), Point3(2, 0, 0), Point3(1, 1.8, 0), Point3(1, 0.6, 0.3)});
+	EXPECT_EQ(AlphaShapes(flat.view).singularParts(1.5).vFacets.size() / 3, 3U);
+	EXPECT_EQ(AlphaShapes(flat.view).singularParts(1.01).vEdges.size() / 2, 3U);
 }
 
 TEST(Shapes, VoronoiCellsAreTheDualOfTheMesh)
