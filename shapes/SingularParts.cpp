@@ -6,6 +6,7 @@
 
 #include "Star.h"
 
+#include <algorithm>
 #include <stdexcept>
 
 namespace TULO3D::shapes {
@@ -77,10 +78,9 @@ bool SingularSearch::isSingularEdge(Index vertex, const Ring& ring) const
 	const AtEdge& first = ring.vPlaces.front();
 	const Index other = mesh.otherPivot(first, vertex, ring.end);
 	if (isSingularFacet(first.tet, mesh.indexOf(first.tet, other))) return false;
-	for (const AtEdge& place : ring.vPlaces) {
-		if (isSingularFacet(place.tet, mesh.indexOf(place.tet, place.pivot))) return false;
-	}
-	return true;
+	return std::none_of(ring.vPlaces.begin(), ring.vPlaces.end(), [&](const AtEdge& place) {
+		return isSingularFacet(place.tet, mesh.indexOf(place.tet, place.pivot));
+	});
 }
 
 } // namespace

@@ -39,8 +39,8 @@ void Star::collect(Index vertex)
 		vTets.push_back(tet);
 	};
 	if (vTetOfVertex[at(vertex)] >= 0) add(vTetOfVertex[at(vertex)]);
-	for (std::size_t i = 0; i < vTets.size(); ++i) {
-		const Index tet = vTets[i];
+	for (std::size_t i = 0; i < vTets.size();) { // it grows meanwhile
+		const Index tet = vTets[i++];
 		const int self = mesh.indexOf(tet, vertex);
 		for (const int k : kOutside[self]) {
 			const Index neighbour = mesh.neighbours(tet)[k];

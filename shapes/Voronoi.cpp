@@ -240,8 +240,8 @@ Voronoi Voronoi::clippedToHull(const MeshView& mesh)
 	voronoi.pReader->clipToHull();
 	return voronoi;
 }
-Voronoi::Voronoi(Voronoi&&) noexcept = default;
-Voronoi& Voronoi::operator=(Voronoi&&) noexcept = default;
+Voronoi::Voronoi(Voronoi&& other) noexcept = default;
+Voronoi& Voronoi::operator=(Voronoi&& other) noexcept = default;
 Voronoi::~Voronoi() = default;
 
 std::vector<double> Voronoi::circumcentres() const

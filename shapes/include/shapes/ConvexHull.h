@@ -20,7 +20,7 @@ struct ConvexHull
 };
 
 /// The facets without a neighbour, in the order of their tetrahedra.
-ConvexHull convexHull(const MeshView& mesh);
+ConvexHull convexHull(const MeshView& view);
 
 /// The flat sides of the hull. Polygon i has the vertices vCorners[vBegins[i]] to vCorners[vBegins[i + 1] - 1],
 /// counter-clockwise from outside: only true corners of the hull, none inside of an edge. An edge belongs to
@@ -32,9 +32,9 @@ struct HullPolygons
 	std::vector<std::int32_t> vPolygonOfTriangle; ///< for each triangle of the hull
 };
 
-/// Merges the triangles of `hull`, which is that of `mesh`, that lie in one plane. Coplanarity is decided
+/// Merges the triangles of `hull`, which is that of `view`, that lie in one plane. Coplanarity is decided
 /// exactly by expansions (J. R. Shewchuk, Discrete & Computational Geometry 18, 1997), provided that nonzero
 /// differences of coordinates within two neighbouring triangles are within a factor of 1e150 of each other.
-HullPolygons mergeCoplanar(const MeshView& mesh, const ConvexHull& hull);
+HullPolygons mergeCoplanar(const MeshView& view, const ConvexHull& hull);
 
 } // namespace TULO3D::shapes

@@ -24,7 +24,7 @@ struct QualityArrays
 };
 
 /// Writes the qualities of all tetrahedra, in their order.
-void measureQuality(const MeshView& mesh, const QualityArrays& arrays);
+void measureQuality(const MeshView& view, const QualityArrays& arrays);
 
 /// Counts values in `numBins` bins of equal width between `low` and `high`. A value equal to `high` counts in the
 /// last bin, values out of the range and those that are not a number in none. Throws `std::invalid_argument`

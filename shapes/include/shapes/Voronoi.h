@@ -61,8 +61,8 @@ public:
 	/// Cells clipped to the convex hull, whose volume is the sum of theirs.
 	static Voronoi clippedToHull(const MeshView& mesh);
 
-	Voronoi(Voronoi&&) noexcept;
-	Voronoi& operator=(Voronoi&&) noexcept;
+	Voronoi(Voronoi&& other) noexcept;
+	Voronoi& operator=(Voronoi&& other) noexcept;
 	~Voronoi();
 
 	/// x, y, z of the circumcentre of each tetrahedron; infinite where it is flat (see `AlphaShapes`).
