@@ -56,7 +56,7 @@ void compare(const char* name, Ours ours, Theirs theirs)
 {
 	double ourTime = 0, theirTime = 0;
 	const double a = timed(ours, ourTime), b = timed(theirs, theirTime);
-	std::cout << std::left << std::setw(34) << name << std::right << std::setw(10) << ourTime
+	std::cout << std::left << std::setw(40) << name << std::right << std::setw(10) << ourTime
 	          << std::setw(10) << theirTime << std::setw(24) << a << std::setw(24) << b
 	          << std::endl;
 }
@@ -171,7 +171,7 @@ void compareAlphaShapes(const TULO3D::shapes::MeshView& mesh, const std::vector<
 	    });
 	TULO3D::shapes::SingularParts parts;
 	compare(
-	    "  its singular facets",
+	    "  its singular facets (ours: and edges)",
 	    [&] {
 		    parts = ours->singularParts(radius);
 		    return static_cast<double>(parts.vFacets.size() / 3);
@@ -203,7 +203,7 @@ int main(int argc, char** argv)
 		mesh.insert(coordinates.data(), points.size());
 		const TULO3D::shapes::MeshCopy copy(mesh);
 		std::cout << argv[i] << ": " << points.size() << " points" << std::endl
-		          << std::setw(34) << "" << std::setw(10) << "ours s" << std::setw(10) << "CGAL s"
+		          << std::setw(40) << "" << std::setw(10) << "ours s" << std::setw(10) << "CGAL s"
 		          << std::setw(24) << "ours" << std::setw(24) << "CGAL" << std::endl
 		          << std::setprecision(12);
 		compareHulls(copy.view(), points);
