@@ -71,7 +71,7 @@ void addTet(const Mesh& mesh, Index tet, Index component, AlphaShape& shape)
 	    dot(mesh.between(p[0], p[1]), cross(mesh.between(p[0], p[2]), mesh.between(p[0], p[3])));
 	shape.vTets.push_back(tet);
 	shape.vComponents.push_back(component);
-	shape.vVolumes[at(component)] += std::max(0.0, det) / 6;
+	shape.vVolumes[at(component)] += std::max(0.0, det);
 }
 
 void addTriangle(const Mesh& mesh, Index tet, int i, AlphaShape& shape)
@@ -155,6 +155,7 @@ AlphaShape AlphaShapes::shape(double radius) const
 			if (next < 0 || vLabel[at(next)] < 0) addTriangle(checked, tet, i, shape);
 		}
 	}
+	for (double& volume : shape.vVolumes) volume /= 6;
 	shape.volume = std::accumulate(shape.vVolumes.begin(), shape.vVolumes.end(), 0.0);
 	return shape;
 }

@@ -54,9 +54,11 @@ void measure(const Mesh& mesh, ConvexHull& hull)
 {
 	for (auto p = hull.vTriangles.begin(); p != hull.vTriangles.end(); p += 3) {
 		const Vec normal = cross(mesh.between(p[0], p[1]), mesh.between(p[0], p[2]));
-		hull.area += norm(normal) / 2;
-		hull.volume += dot(normal, mesh.between(hull.vTriangles[0], p[0])) / 6;
+		hull.area += norm(normal);
+		hull.volume += dot(normal, mesh.between(hull.vTriangles[0], p[0]));
 	}
+	hull.area /= 2; // last, so that integers stay exact as long as they are
+	hull.volume /= 6;
 }
 
 } // namespace
