@@ -1,8 +1,8 @@
 # SPDX-License-Identifier: MIT
 """How dense is a star cluster? Each star's density is one over the volume of its Voronoi cell.
 
-Voronoi cells need no scale to be chosen: they are small where stars are close together. The cell of a
-vertex is made of its tetrahedra's circumcentres; a cell at the hull has no end.
+Voronoi cells need no scale to be chosen: they are small where stars are close together. A cell at the hull is
+unbounded; its star has density 0.
 """
 
 import sys
@@ -15,27 +15,6 @@ import tulo3d
 SIZE = (600, 400)  # of the picture
 
 
-def voronoi_volumes(mesh):
-    """Return the volumes of the Voronoi cells of all points; infinite on the hull."""
-    # Around each edge (u, v) the circumcentres of the tetrahedra form a face, half-way between the two. Its
-    # piece at facet k of tetrahedron t is a triangle: the edge's middle and the centres of t and of its
-    # neighbour. Each piece and u make a tetrahedron of u's cell, and one as large of v's.
-    volumes = np.zeros(mesh.npoints)
-    tet, k = np.nonzero((mesh.neighbors >= 0) & (mesh.neighbors < np.arange(mesh.nsimplex)[:, np.newaxis]))
-    facets = np.array([[1, 2, 3], [0, 3, 2], [0, 1, 3], [0, 2, 1]])[k]
-    corners = mesh.simplices[tet[:, np.newaxis], facets]
-    c = mesh.circumcenters[tet]
-    d = mesh.circumcenters[mesh.neighbors[tet, k]]
-    for i in range(3):
-        u, v = corners[:, i], corners[:, (i + 1) % 3]
-        half = (mesh.points[v] - mesh.points[u]) / 2
-        piece = np.einsum("ij,ij->i", half, np.cross(c - mesh.points[u], d - mesh.points[u])) / 6
-        np.add.at(volumes, u, piece)
-        np.add.at(volumes, v, piece)
-    volumes[mesh.convex_hull] = np.inf
-    return volumes
-
-
 def main(folder):
     rng = np.random.default_rng(1)
     n = 20_000
@@ -45,7 +24,7 @@ def main(folder):
     stars = radius[:, np.newaxis] * direction / np.linalg.norm(direction, axis=1)[:, np.newaxis]
 
     mesh = tulo3d.Delaunay(stars)
-    density = 1 / voronoi_volumes(mesh)
+    density = 1 / mesh.voronoi().volumes
     expected = 3 * n / (4 * np.pi) * (1 + radius**2) ** -2.5
     for low, high in ((0, 0.5), (0.5, 1), (1, 2), (2, 4)):
         shell = (low <= radius) & (radius < high)

@@ -1,11 +1,12 @@
 // SPDX-License-Identifier: MIT
 // The module tulo3d._core: the engine and the loops over arrays. Arrays for results are made by Python
 // and filled here; indices in arrays have been checked by Python.
+#include "Arrays.h"
 #include "Interpolation.h"
 #include "Library.h"
 #include "Measures.h"
+#include "Shapes.h"
 
-#include <nanobind/ndarray.h>
 #include <nanobind/stl/pair.h>
 #include <nanobind/stl/string.h>
 
@@ -21,43 +22,7 @@ namespace binding {
 
 namespace {
 
-template <typename T, nb::ssize_t... Extents>
-using Array = nb::ndarray<T, nb::shape<Extents...>, nb::c_contig, nb::device::cpu>;
-
-using Points = Array<const double, -1, 3>;
-using Tuples = Array<const std::int32_t, -1, 4>;
-using Indices = Array<const std::int32_t, -1>;
-using Offsets = Array<const std::int64_t, -1>;
-using Table = Array<const double, -1, -1>;
-using Results = Array<double, -1, -1>;
-
-template <typename AnyArray>
-void expectLength(const AnyArray& array, std::size_t length)
-{
-	if (array.shape(0) != length) throw nb::value_error("an array of the wrong length");
-}
-
-/// The arrays of a mesh. Their contents must not change while it lives.
-class Mesh : public FlatMesh
-{
-public:
-	Mesh(Points thePoints, Tuples theSimplices, Tuples theNeighbors)
-	    : FlatMesh{thePoints.data(), theSimplices.data(), theNeighbors.data(), thePoints.shape(0),
-	          theSimplices.shape(0)},
-	      points(std::move(thePoints)),
-	      simplices(std::move(theSimplices)),
-	      neighbors(std::move(theNeighbors))
-	{
-		expectLength(neighbors, numTets);
-	}
-
-private:
-	Points points;
-	Tuples simplices;
-	Tuples neighbors;
-};
-
-using IndexArray = nb::ndarray<nb::numpy, std::int32_t, nb::ndim<1>>;
+using IndexArray = NewArray<std::int32_t>;
 using TupleArray = nb::ndarray<nb::numpy, std::int32_t, nb::shape<-1, 4>>;
 
 /// A new array of four indices a tetrahedron, its elements not set.
@@ -126,27 +91,6 @@ private:
 
 	std::unique_ptr<TULO3D::Tulo_3D> pMesh;
 };
-
-/// An array that takes over the elements of `v`.
-IndexArray toArray(std::vector<std::int32_t> v)
-{
-	auto pOwned = std::make_unique<std::vector<std::int32_t>>(std::move(v));
-	std::int32_t* const pData = pOwned->data();
-	const std::size_t size = pOwned->size();
-	const nb::capsule owner(
-	    pOwned.get(), [](void* p) noexcept { delete static_cast<std::vector<std::int32_t>*>(p); });
-	(void)pOwned.release();
-	return IndexArray(pData, {size}, owner);
-}
-
-/// Calls `work` without the interpreter's lock.
-template <typename Work>
-auto unlocked(Work work)
-{
-	const nb::gil_scoped_release unlock;
-	const LibraryScope scope;
-	return work();
-}
 
 void findSimplex(const Mesh& mesh, const Points& queries, const Array<std::int32_t, -1>& found)
 {
@@ -277,4 +221,5 @@ NB_MODULE(_core, m)
 	m.def("adjacency", &listNeighbors, "mesh"_a, array("star_begins"), array("star_tets"),
 	    array("begins"));
 	m.def("is_valid", &checkMesh, "mesh"_a);
+	bindShapes(m);
 }

@@ -6,12 +6,12 @@ from __future__ import annotations
 import threading
 from collections.abc import Callable, Iterator
 from contextlib import contextmanager
-from typing import TYPE_CHECKING, Any, cast
+from typing import TYPE_CHECKING, Any, Literal, cast
 
 import numpy as np
 import numpy.typing as npt
 
-from . import _core, _pictures
+from . import _core, _pictures, _shapes
 from ._input import FlatError, FloatArray, Int32Array, Int64Array, as_points, as_queries
 from ._mesh import AnyArray, Mesh
 
@@ -332,6 +332,14 @@ class Delaunay:
         return self._mesh.quality
 
     @property
+    def dihedral_angles(self) -> FloatArray:
+        """The dihedral angles of the tetrahedra, shape (nsimplex, 6), in radians.
+
+        At the edges between corners 0 1, 0 2, 0 3, 1 2, 1 3 and 2 3.
+        """
+        return self._mesh.dihedral_angles
+
+    @property
     def transform(self) -> FloatArray:
         """The maps to barycentric coordinates, shape (nsimplex, 4, 3), laid out as SciPy's.
 
@@ -377,6 +385,81 @@ class Delaunay:
         found = np.empty(len(queries), dtype=np.int32)
         _core.find_simplex(self._mesh.flat, queries, found)
         return found.reshape(shape)
+
+    def hull(self) -> _shapes.Hull:
+        """Make the convex hull: triangles, flat sides, area and volume.
+
+        Returns
+        -------
+        Hull
+            A named tuple; `help` on it says what its fields are.
+
+        Examples
+        --------
+        >>> import numpy as np
+        >>> import tulo3d
+        >>> cube = np.array(np.meshgrid([0, 1, 2], [0, 1, 2], [0, 1, 2])).reshape(3, -1).T
+        >>> hull = tulo3d.Delaunay(cube).hull()
+        >>> hull.volume, len(hull.triangles), len(hull.indptr) - 1, len(hull.polygons)
+        (8.0, 48, 6, 24)
+        """
+        return _shapes.hull(self._mesh.flat)
+
+    def alpha_shape(
+        self, radius: float | Literal["all", "one"] = "all", *, singular: bool = False
+    ) -> _shapes.AlphaShape:
+        """Make an alpha shape [1]_: the tetrahedra whose circumradius is at most a radius, and their boundary.
+
+        Parameters
+        ----------
+        radius : float, "all" or "one", optional
+            In the unit of the points, not its square. "all": the least with which each point is a corner; "one": the
+            least not below that with which the shape is connected across facets.
+        singular : bool, optional
+            List singular facets and edges as well.
+
+        Returns
+        -------
+        AlphaShape
+            A named tuple; `help` on it says what its fields are.
+
+        Raises
+        ------
+        ValueError
+            For a radius that is negative or not a number.
+
+        References
+        ----------
+        .. [1] H. Edelsbrunner and E. P. Muecke, Three-dimensional alpha shapes, ACM Transactions on
+           Graphics 13 (1994).
+        """
+        return _shapes.alpha_shape(self._mesh.flat, radius, singular)
+
+    def voronoi(self, clip: _shapes.Clip = None) -> _shapes.VoronoiCells:
+        """Make the Voronoi cells of all points.
+
+        Parameters
+        ----------
+        clip : None, "hull" or (low, high), optional
+            Clip the cells to the convex hull, or to a box with these two corners; otherwise those at the hull are
+            unbounded.
+
+        Returns
+        -------
+        VoronoiCells
+            A named tuple; `help` on it says what its fields are.
+
+        Raises
+        ------
+        ValueError
+            For a box that is not finite, or whose low corner is not below the high one in each coordinate.
+
+        Notes
+        -----
+        Volumes are rounded relative to the distance of a cell's corners, which are far away where points are
+        nearly in one plane.
+        """
+        return _shapes.voronoi(self._mesh.flat, clip)
 
     def is_valid(self) -> bool:
         """Check the mesh from its arrays alone, by exact arithmetic.

@@ -112,6 +112,12 @@ class Mesh:
         return _frozen(quality)
 
     @cached_property
+    def dihedral_angles(self) -> FloatArray:
+        angles = np.empty((len(self.simplices), 6))
+        _core.dihedral_angles(self.flat, angles)
+        return _frozen(angles)
+
+    @cached_property
     def transform(self) -> FloatArray:
         transform = np.empty((len(self.simplices), 4, 3))
         _core.transforms(self.flat, transform)
