@@ -13,8 +13,9 @@ struct Circumsphere
 	double radius;
 };
 
-/// Of differences of coordinates, with at least 36 correct bits however flat the tetrahedron is. The radius is
-/// infinite where it is no finite double, or where products of differences underflow.
+/// Computed from differences of coordinates. The error of the arm is below 2^-35 of its length or of the longest edge,
+/// however flat the tetrahedron is; unless products of differences underflow, as with coordinates near the
+/// smallest doubles. The radius is infinite where it is no finite double.
 Circumsphere circumsphere(const Mesh& mesh, Index tet);
 
 /// The normal of a triangle, of length 1, towards where its corners run counter-clockwise; with the same care.

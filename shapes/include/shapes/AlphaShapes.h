@@ -37,9 +37,9 @@ struct SingularParts
 ///
 /// The parameter is a radius, not its square, in the unit of the coordinates. A tetrahedron belongs to the shape
 /// when its circumradius is at most the radius, equality included. Circumradii are rounded: where they should be
-/// equal, they may differ in the last digits. They come from differences of coordinates, where need be in twice the
-/// precision, so that flat tetrahedra and those far from the origin have theirs right as well. The circumradius of
-/// a tetrahedron that is flat beyond even that is infinite.
+/// equal, they may differ in the last digits. They are computed from differences of coordinates, where a tetrahedron is
+/// nearly flat with more precision than doubles have, so they are right far from the origin and for slivers, too. A
+/// circumradius is infinite where it is beyond the range of doubles.
 class AlphaShapes
 {
 public:

@@ -65,7 +65,7 @@ public:
 	Voronoi& operator=(Voronoi&& other) noexcept;
 	~Voronoi();
 
-	/// x, y, z of the circumcentre of each tetrahedron; infinite where it is flat (see `AlphaShapes`).
+	/// x, y, z of the circumcentre of each tetrahedron; infinite where it is beyond the range of doubles.
 	std::vector<double> circumcentres() const;
 
 	/// The volume of each vertex's cell.
