@@ -91,8 +91,12 @@ SingularParts AlphaShapes::singularParts(double radius) const
 	const Mesh checked(mesh);
 	const SingularSearch search(checked, vRadii, radius);
 	SingularParts parts;
+	std::vector<bool> vBeside(
+	    mesh.numVertices, false); // whether a vertex has tetrahedra beside the shape
 	for (Index tet = 0; at(tet) < mesh.numTets; ++tet) {
+		if (search.isSolid(tet)) continue;
 		for (int i = 0; i < 4; ++i) {
+			vBeside[at(checked.corners(tet)[i])] = true;
 			const Index beyond = checked.neighbours(tet)[i];
 			if (beyond > tet || !search.isSingularFacet(tet, i)) continue; // each facet once
 			const auto facet = checked.facet(tet, i);
@@ -102,6 +106,7 @@ SingularParts AlphaShapes::singularParts(double radius) const
 	Star star(checked);
 	Ring ring;
 	for (Index vertex = 0; at(vertex) < mesh.numVertices; ++vertex) {
+		if (!vBeside[at(vertex)]) continue;
 		star.collect(vertex);
 		while (star.nextRing(ring)) {
 			if (ring.end < vertex || !search.isSingularEdge(vertex, ring))
