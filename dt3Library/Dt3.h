@@ -18,14 +18,17 @@
 #include "mesh/StarLinker.h"
 #include "predicates/BatchTests.h"
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <limits>
 #include <string>
 #include <vector>
 
 namespace TULO3D {
 
+class InsertionOrder;
 class LiveTets;
 class Tulo_3D;
 
@@ -43,6 +46,16 @@ struct TwoTetStruct
 struct Surface3
 {
 };
+
+/// The first four vertices that are not coplanar, in the lexicographic order of their positions in a listing, and
+/// in positive order; at least the last one is null when there are none. `next` gives the vertices of the
+/// listing one by one, then null.
+///
+/// The first two, A and B, are the first of the listing: if any four vertices span space, then A and B, being
+/// distinct, are among such four. C is the first vertex off the line AB, D the first one after C off the
+/// plane ABC: all vertices between C and D lie in that plane. So one pass suffices.
+std::array<Point3*, 4> findFirstFour(
+    const ArdoTest3& predicates, const std::function<Point3*()>& next);
 
 /// What is known of the vertices while they are all coplanar: up to three of them that span their
 /// point, line or plane, and for how many vertices that has been verified. So a point that comes singly costs
@@ -89,6 +102,15 @@ public:
 
 	// Dt3Insert.cpp: how points arrive ----------------------------------------------------------
 
+	/// True when the coordinates are finite and so small that no exact test overflows.
+	static bool isInRange(const Point3& p);
+	static constexpr const char* kRangeText =
+	    "coordinates are finite and at most 1e60 in magnitude";
+
+	/// Vertices are numbered by integers of 32 bits.
+	static constexpr std::size_t kMaxPoints = std::numeric_limits<std::int32_t>::max();
+	static constexpr const char* kNumberText = "an engine takes at most 2147483647 points";
+
 	/// Inserts one point and returns its vertex.
 	Point3* insert(Point3& p);
 
@@ -103,6 +125,10 @@ public:
 	/// at pLastTet, which must not be null.
 	void triangulate(std::vector<Point3*>& vVertices, Tet3* pLastTet);
 
+	/// Inserts vertices in an order that is given.
+	void insertInOrder(
+	    const std::vector<Point3*>& vVertices, const InsertionOrder& order, Tet3* pLastTet);
+
 	/// Inserts the vertices that have stayed out of the mesh, and returns how many those are: none
 	/// while there is no tetrahedron.
 	std::size_t insertLeftOut();
@@ -116,6 +142,9 @@ public:
 	/// Finds the first four vertices that are not coplanar, in the lexicographic order of their
 	/// positions in the listing, and makes the first tetrahedron; null when there are none.
 	Tet3* startUp();
+
+	/// Makes the first tetrahedron, of vertices in positive order.
+	Tet3* startWith(const std::array<Point3*, 4>& vertices);
 
 	// Dt3Locate.cpp: the walk to a point ---------------------------------------------------------
 
@@ -194,6 +223,7 @@ public:
 	/// Appends every distinct vertex, in curve order.
 	void getVertices(std::vector<Point3*>& vVertices) const;
 
+	LiveTets liveTets() const;
 	std::size_t getNumVertices() const;
 	std::size_t getNumTetrahedra() const;
 	/// Writes the mesh as arrays of numbers.
@@ -232,8 +262,6 @@ public:
 private:
 	// Dt3Insert.cpp
 	class OwnLabels;
-	/// True when the coordinates are finite and so small that no exact test overflows.
-	static bool isInRange(const Point3& p);
 	/// Checks points before they are stored. From then on to the end of the call, an exception leaves the
 	/// engine unfinished.
 	void beginStoring(const Point3* pFirst, std::size_t numPoints);
@@ -247,7 +275,6 @@ private:
 	/// Tells the host, if it wants to know; throws when the answer is to stop.
 	void reportProgress(std::size_t numInserted, std::size_t numVertices) const;
 	// Dt3Query.cpp
-	LiveTets liveTets() const;
 	/// The tetrahedra of `getAllTetrahedra`: none, with a notice, when no vertex knows an unmarked one.
 	LiveTets listedTets() const;
 	// Dt3Check.cpp

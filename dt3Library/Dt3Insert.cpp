@@ -14,12 +14,6 @@ namespace TULO3D {
 
 namespace {
 
-constexpr const char* kRangeText = "coordinates are finite and at most 1e60 in magnitude";
-
-/// Vertices are numbered by integers of 32 bits.
-constexpr std::size_t kMaxPoints = std::numeric_limits<std::int32_t>::max();
-constexpr const char* kNumberText = "an engine takes at most 2147483647 points";
-
 /// How many tetrahedra are made between two calls of the progress handler. A vertex makes some 25: about
 /// 400 calls a batch, unless it is very short or very long.
 unsigned progressInterval(std::size_t numVertices)
@@ -210,9 +204,15 @@ void Dt3::triangulate(std::vector<Point3*>& vVertices, Tet3* pLastTet)
 		return;
 	}
 	CONDITION_CHECK_AS(vVertices.size() <= kMaxPoints, kNumberText);
+	insertInOrder(
+	    vVertices, InsertionOrder(static_cast<std::uint32_t>(vVertices.size())), pLastTet);
+}
 
+void Dt3::insertInOrder(
+    const std::vector<Point3*>& vVertices, const InsertionOrder& order, Tet3* pLastTet)
+{
 	const OwnLabels labels(*this);
-	LookAhead lookAhead(vVertices, batchTests, predicates, bLooksAhead);
+	LookAhead lookAhead(vVertices, order, batchTests, predicates, bLooksAhead);
 	const unsigned interval =
 	    progress ? progressInterval(vVertices.size()) : std::numeric_limits<unsigned>::max();
 	unsigned numReported = 0;

@@ -2,6 +2,8 @@
 // Finds four vertices that are not coplanar and makes the first tetrahedron.
 #include "Dt3.h"
 
+#include <array>
+#include <functional>
 #include <utility>
 
 namespace TULO3D {
@@ -24,6 +26,23 @@ bool isOnLine(const ArdoTest3& predicates, const Point3& a, const Point3& b, con
 
 } // namespace
 
+std::array<Point3*, 4> findFirstFour(
+    const ArdoTest3& predicates, const std::function<Point3*()>& next)
+{
+	Point3* pA = next();
+	Point3* pB = next();
+	Point3* pC = next();
+	while (pC != nullptr && isOnLine(predicates, *pA, *pB, *pC)) pC = next();
+	Point3* pD = pC == nullptr ? nullptr : next();
+	Orientation3 ori = ORIENTATION3_COPLANAR;
+	for (; pD != nullptr; pD = next()) {
+		ori = predicates.getOrientation3(pA, pB, pC, pD);
+		if (ori != ORIENTATION3_COPLANAR) break;
+	}
+	if (ori == ORIENTATION3_NEGATIVE) std::swap(pA, pB);
+	return {pA, pB, pC, pD};
+}
+
 bool FlatWitness::covers(const HC3& store, const ArdoTest3& predicates)
 {
 	if (numVertices < 4) return false;
@@ -45,38 +64,28 @@ Tet3* Dt3::startUp()
 	CONDITION_CHECK(!bFullDimensional);
 	if (flatWitness.covers(hc3, predicates)) return nullptr;
 
-	// A, B, C, D become the first four vertices that are not coplanar, in the lexicographic order of their
-	// positions. A and B are the first two of the listing: if any four vertices span space, then A and B,
-	// being distinct, are among such four. C is the first vertex off the line AB, D the first one after C
-	// off the plane ABC: all vertices between C and D lie in that plane. So one pass suffices.
 	const VertexOrder& items = hc3.items;
 	if (items.size() < 4) return nullptr;
 	auto at = items.begin();
-	const auto next = [&items, &at]() -> Point3* {
+	const auto four = findFirstFour(predicates, [&items, &at]() -> Point3* {
 		if (at == items.end()) return nullptr;
 		Point3* pVtx = (*at)->pVtx;
 		++at;
 		return pVtx;
-	};
-	Point3* pA = next();
-	Point3* pB = next();
-	Point3* pC = next();
-	while (pC != nullptr && isOnLine(predicates, *pA, *pB, *pC)) pC = next();
-	Point3* pD = pC == nullptr ? nullptr : next();
-	Orientation3 ori = ORIENTATION3_COPLANAR;
-	for (; pD != nullptr; pD = next()) {
-		ori = predicates.getOrientation3(pA, pB, pC, pD);
-		if (ori != ORIENTATION3_COPLANAR) break;
-	}
+	});
+	const auto [pA, pB, pC, pD] = four;
 	if (pD == nullptr) {
 		flatWitness = {pA, pB, pC, items.size()};
 		return nullptr;
 	}
-
-	if (ori == ORIENTATION3_NEGATIVE) std::swap(pA, pB);
-	ori = predicates.getOrientation3(pA, pB, pC, pD);
+	const Orientation3 ori = predicates.getOrientation3(pA, pB, pC, pD);
 	CONDITION_CHECK(ori==ORIENTATION3_POSITIVE);
-	Tet3* pFirstTet = createTet(pA, pB, pC, pD);
+	return startWith(four);
+}
+
+Tet3* Dt3::startWith(const std::array<Point3*, 4>& vertices)
+{
+	Tet3* pFirstTet = createTet(vertices[0], vertices[1], vertices[2], vertices[3]);
 	bFullDimensional = true;
 	return pFirstTet;
 }

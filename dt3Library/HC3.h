@@ -49,6 +49,9 @@ public:
 	/// because the curve separates some neighbouring cells.) Tetrahedra marked by a host are passed over.
 	Tet3* nearerTet(const Point3& point, Tet3* pTet) const;
 
+	/// A vertex that belongs to this store, but to no listing: neither curve nor look-up know it.
+	Point3* createVertex(const Point3& point, std::int32_t number);
+
 	/// Appends every vertex, in the order of the curve.
 	void getVertices(std::vector<Point3*>& out) const;
 
@@ -79,7 +82,6 @@ private:
 	bool isNew(const IdxVtx& probe, const VertexOrder::Iterator& at) const;
 	/// The vertex with the coordinates of `point`; null when there is none.
 	Point3* findVertex(std::uint32_t key, const Point3& point) const;
-	Point3* createVertex(const Point3& point, std::int32_t number);
 	IdxVtx* createItem(std::uint32_t key, Point3* pVtx);
 
 	Point3* pNewest = nullptr;

@@ -5,14 +5,31 @@
 
 namespace TULO3D {
 
-InsertionOrder::InsertionOrder(std::uint32_t n) : numVertices(n)
+namespace {
+
+/// How often a list of n vertices is halved.
+unsigned numHalvings(std::uint32_t n)
 {
 	// The logarithm of n to base 2, rounded up. Deliberate: that of 2^29 is 30, since a quotient of logarithms in
 	// doubles makes it so, which the order was once defined by.
 	unsigned halvings = n > 1 ? highestBit(n - 1) + 1 : 0;
 	if (n == 1U << 29U) halvings = 30;
 	// Runs of seven to sixteen vertices are left between neighbouring middles for the last round.
-	if (halvings > 4) lastDepth = halvings - 4;
+	return halvings > 4 ? halvings - 4 : 0;
+}
+
+} // namespace
+
+InsertionOrder::InsertionOrder(std::uint32_t n) : InsertionOrder(n, numHalvings(n)) {}
+
+InsertionOrder InsertionOrder::lastToFirst(std::uint32_t n)
+{
+	return {n, 0};
+}
+
+InsertionOrder::InsertionOrder(std::uint32_t n, unsigned depthOfLast)
+    : numVertices(n), lastDepth(depthOfLast)
+{
 	if (n == 0) depth = 1; // at the end
 	findRun();
 }

@@ -20,6 +20,9 @@ public:
 	/// Of `n` vertices.
 	explicit InsertionOrder(std::uint32_t n);
 
+	/// Another order: one round, from the last vertex to the first.
+	static InsertionOrder lastToFirst(std::uint32_t n);
+
 	bool isAtEnd() const { return depth > lastDepth; }
 	/// The position that comes next, unless at the end.
 	std::uint32_t operator*() const { return isBackward() ? last - 1 : first; }
@@ -35,6 +38,7 @@ public:
 	}
 
 private:
+	InsertionOrder(std::uint32_t n, unsigned depthOfLast);
 	bool isBackward() const { return depth % 2 == 0; }
 	/// The next run of this round, or the first one of the next round.
 	void nextRun();

@@ -7,13 +7,13 @@
 
 namespace TULO3D {
 
-LookAhead::LookAhead(const std::vector<Point3*>& vBatch, const BatchTests& batchTests,
-    const ArdoTest3& adaptiveTests, bool bOn)
+LookAhead::LookAhead(const std::vector<Point3*>& vBatch, const InsertionOrder& insertionOrder,
+    const BatchTests& batchTests, const ArdoTest3& adaptiveTests, bool bOn)
     : vVertices(vBatch),
       tests(batchTests),
       predicates(adaptiveTests),
       bEnabled(bOn),
-      order(static_cast<std::uint32_t>(vBatch.size()))
+      order(insertionOrder)
 {
 }
 

@@ -23,10 +23,10 @@ namespace TULO3D {
 class LookAhead
 {
 public:
-	/// `vBatch`, in the order of the store, and the tests must outlive this object. Without `bOn` it only
-	/// gives the order.
-	LookAhead(const std::vector<Point3*>& vBatch, const BatchTests& batchTests,
-	    const ArdoTest3& adaptiveTests, bool bOn);
+	/// `insertionOrder` is one of `vBatch`, which must outlive this object, as must the tests. Without `bOn` it
+	/// only gives the order.
+	LookAhead(const std::vector<Point3*>& vBatch, const InsertionOrder& insertionOrder,
+	    const BatchTests& batchTests, const ArdoTest3& adaptiveTests, bool bOn);
 
 	bool isAtEnd() const { return order.isAtEnd(); }
 	Point3* vertex() const { return vVertices[*order]; }
