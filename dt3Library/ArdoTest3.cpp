@@ -24,11 +24,11 @@ ArdoTest3::FastStage ArdoTest3::filtered(const SphereRow<Entry, WithMagnitude>& 
 
 SphereInclusion ArdoTest3::sphereInclusionTest(const Tet3* pT, const Point3* pVtx) const
 {
-	return inclusion(
+	return sphereInclusionTest(
 	    *pT->getCorner(0), *pT->getCorner(1), *pT->getCorner(2), *pT->getCorner(3), *pVtx);
 }
 
-SphereInclusion ArdoTest3::inclusion(
+SphereInclusion ArdoTest3::sphereInclusionTest(
     const Point3& a, const Point3& b, const Point3& c, const Point3& d, const Point3& q) const
 {
 	const FastStage fast = insphereFast(a, b, c, d, q);
@@ -71,7 +71,7 @@ SphereInclusion ArdoTest3::inclusionInDoubt(const Point3& a, const Point3& b, co
 {
 	if (mayUnderflow(a, b, c, d, q)) {
 		ScaledPoints<5> p({&a, &b, &c, &d, &q}, Scales::kCommon);
-		if (p.areSafe()) return inclusion(p[0], p[1], p[2], p[3], p[4]);
+		if (p.areSafe()) return sphereInclusionTest(p[0], p[1], p[2], p[3], p[4]);
 		// The lift adds the axes, so it needs the common scale; the other columns do not.
 		ScaledPoints<5> wide({&a, &b, &c, &d, &q}, Scales::kPerAxis);
 		const auto row = [&](std::size_t i) {

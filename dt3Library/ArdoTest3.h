@@ -80,6 +80,10 @@ public:
 	/// Deliberate: on the sphere is SIC_OUTSIDE (S2), the coordinates of a corner are SIC_INSIDE (S3).
 	SphereInclusion sphereInclusionTest(const Tet3* pT, const Point3* pVtx) const;
 
+	/// The same for the sphere through a, b, c, d, which are in positive order.
+	SphereInclusion sphereInclusionTest(
+	    const Point3& a, const Point3& b, const Point3& c, const Point3& d, const Point3& q) const;
+
 	/// The name of an orientation as the tetrahedron's print has it.
 	static std::string getOrientationName(Orientation3 orientation);
 
@@ -116,8 +120,6 @@ private:
 	    const Point3& a, const Point3& b, const Point3& c, const Point3& d, double permanent) const;
 	Orientation3 exactOrientation(
 	    const Point3& a, const Point3& b, const Point3& c, const Point3& d, double permanent) const;
-	SphereInclusion inclusion(
-	    const Point3& a, const Point3& b, const Point3& c, const Point3& d, const Point3& q) const;
 	SphereInclusion inclusionInDoubt(const Point3& a, const Point3& b, const Point3& c,
 	    const Point3& d, const Point3& q, double permanent) const;
 };

@@ -36,7 +36,7 @@ Tet3* Dt3::insertAtHull(Point3** ppVtx, Tet3* pCurTet, int outIndex)
 	std::vector<Tet3*> vInConflict;
 	vInConflict.reserve(vVisible.size());
 	for (Tet3* pTet : vVisible) {
-		const bool bStays = predicates.sphereInclusionTest(pTet, pVtx) == SIC_OUTSIDE;
+		const bool bStays = !batchTests.conflict(predicates, *pTet, *pVtx);
 		if (bStays) expectUnmarked(*pTet, "!pCHTet->hasBeenVisited");
 		(bStays ? vCHTets : vInConflict).push_back(pTet);
 	}

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The later stages of the in-sphere test for the neighbours of a tetrahedron.
 #include "mesh/Surroundings.h"
-#include "ArdoTest3.h"
 
 namespace TULO3D {
 
@@ -13,8 +12,7 @@ NeighbourVerdicts decideRest(Tet3* pTet, unsigned undecided, const Point3& vtx,
 	undecided &= ~(verdicts.inside | verdicts.outside);
 	for (int i = 0; undecided >> i != 0; ++i) {
 		if ((undecided >> i & 1U) == 0) continue;
-		if (predicates.sphereInclusionTest(around.pNeigh[i], &vtx) == SIC_OUTSIDE) continue;
-		verdicts.inside |= 1U << i;
+		if (tests.conflict(predicates, *around.pNeigh[i], vtx)) verdicts.inside |= 1U << i;
 	}
 	return verdicts;
 }

@@ -2,7 +2,9 @@
 // The batched tests as functions, and the stages after the first one: a filter in doubles with a sharper
 // bound, doubles that are proved to be exact, and a filter in double-doubles.
 #include "predicates/BatchTests.h"
+#include "ArdoTest3.h"
 #include "predicates/BatchTestsSimd.h"
+#include "predicates/RankRule.h"
 #include "predicates/Underflow.h"
 
 #include <cstddef>
@@ -11,6 +13,9 @@
 namespace TULO3D {
 
 namespace {
+
+/// What becomes of a vertex exactly on a sphere.
+enum class OnSphere { kOutside, kUndecided };
 
 #if defined(__GNUC__)
 
@@ -109,7 +114,7 @@ TULO3D_ALWAYS_INLINE LaneVerdicts<Lanes> fastStage(const LaneStage<Lanes>& s)
 /// determinant are multiples of a power of g, at most 2^50 times as large: nothing was rounded, if
 /// the differences themselves were not. That they are multiples of g is seen when adding 1.5 * 2^52 g
 /// and taking it away again leaves them as they are; that they are exact, by their tails.
-template <template <typename> class Group, typename Lanes>
+template <OnSphere onSphere, template <typename> class Group, typename Lanes>
 TULO3D_ALWAYS_INLINE void exactStage(
     const Group<Lanes>& group, const LaneStage<Lanes>& s, LaneVerdicts<Lanes>& verdicts)
 {
@@ -138,8 +143,9 @@ TULO3D_ALWAYS_INLINE void exactStage(
 	checkPoints(points.d);
 
 	verdicts.inside |= ~inexact & (Flags<Lanes>)(s.d.det < 0.0);
-	verdicts.outside |=
-	    ~inexact & (Flags<Lanes>)(s.d.det >= 0.0); // on the sphere counts as outside
+	const Flags<Lanes> outside = onSphere == OnSphere::kOutside ? (Flags<Lanes>)(s.d.det >= 0.0)
+	                                                            : (Flags<Lanes>)(s.d.det > 0.0);
+	verdicts.outside |= ~inexact & outside;
 	verdicts.positive |= ~inexact & (Flags<Lanes>)(s.d.xyz > 0.0);
 }
 
@@ -159,12 +165,12 @@ TULO3D_ALWAYS_INLINE void doubleDoubleStage(
 	verdicts.outside |= (Flags<Lanes>)(det > bound);
 }
 
-template <template <typename> class Group, typename Lanes>
+template <OnSphere onSphere, template <typename> class Group, typename Lanes>
 TULO3D_ALWAYS_INLINE LaneVerdicts<Lanes> slowStages(const Group<Lanes>& group, unsigned wanted)
 {
 	const LaneStage<Lanes> stage = laneStage(group);
 	LaneVerdicts<Lanes> verdicts = fastStage(stage);
-	exactStage(group, stage, verdicts);
+	exactStage<onSphere>(group, stage, verdicts);
 	if (!areDecided(verdicts, wanted)) doubleDoubleStage(group, stage, verdicts);
 	return verdicts;
 }
@@ -178,20 +184,20 @@ TULO3D_ALWAYS_INLINE NeighbourVerdicts decideByPoints(const NeighbourBatch& batc
 
 /// The other stages, for a batch with an undecided facet. Out of line: inlined, they would cost the hot path
 /// registers (spills).
-template <typename Variant>
+template <typename Variant, OnSphere onSphere>
 TULO3D_ALWAYS_INLINE NeighbourVerdicts slowVerdicts(
     const NeighbourBatch& batch, const Point3& query, unsigned wanted)
 {
 	return Variant::compiled([&batch, &query, wanted]() TULO3D_INLINE_LAMBDA {
 		return decideByPoints<Variant>(batch,
-		    [&query, wanted](const auto& own, const auto& other, const auto& beyond, int firstFacet)
-		        TULO3D_INLINE_LAMBDA {
-			        using Lanes = decltype(own.x + own.x);
-			        const Points<Lanes> everywhere{
-			            Lanes{} + query.x(), Lanes{} + query.y(), Lanes{} + query.z()};
-			        return slowStages(NeighbourGroup<Lanes>{own, other, beyond, everywhere},
-			            wanted >> firstFacet);
-		        });
+		    [&query, wanted](const auto& own, const auto& other, const auto& beyond,
+		        int firstFacet) TULO3D_INLINE_LAMBDA {
+			    using Lanes = decltype(own.x + own.x);
+			    const Points<Lanes> everywhere{
+			        Lanes{} + query.x(), Lanes{} + query.y(), Lanes{} + query.z()};
+			    return slowStages<onSphere>(
+			        NeighbourGroup<Lanes>{own, other, beyond, everywhere}, wanted >> firstFacet);
+		    });
 	});
 }
 
@@ -203,7 +209,8 @@ unsigned testDelaunay(const NeighbourBatch& batch)
 		    [](const auto& own, const auto& other, const auto& opposite, int /*firstFacet*/)
 		        TULO3D_INLINE_LAMBDA {
 			        using Lanes = decltype(own.x + own.x);
-			        return slowStages(DelaunayGroup<Lanes>{own, other, opposite}, 0xFU);
+			        return slowStages<OnSphere::kOutside>(
+			            DelaunayGroup<Lanes>{own, other, opposite}, 0xFU);
 		        });
 		return verdicts.outside & verdicts.positive;
 	});
@@ -211,7 +218,7 @@ unsigned testDelaunay(const NeighbourBatch& batch)
 
 #else
 
-template <typename Variant>
+template <typename Variant, OnSphere>
 NeighbourVerdicts slowVerdicts(const NeighbourBatch&, const Point3&, unsigned)
 {
 	return {0, 0, 0};
@@ -225,13 +232,13 @@ unsigned testDelaunay(const NeighbourBatch&)
 
 #endif
 
-template <typename Variant>
+template <typename Variant, OnSphere onSphere>
 NeighbourVerdicts testNeighbours(const NeighbourBatch& batch, const Point3& query, unsigned wanted)
 {
 	return Variant::compiled([&batch, &query, wanted]() TULO3D_INLINE_LAMBDA {
 		const NeighbourVerdicts verdicts = Variant::verdicts(batch, query);
 		if ((wanted & ~(verdicts.inside | verdicts.outside)) == 0) return verdicts;
-		return slowVerdicts<Variant>(batch, query, wanted);
+		return slowVerdicts<Variant, onSphere>(batch, query, wanted);
 	});
 }
 
@@ -248,12 +255,12 @@ auto atAnotherScale(const NeighbourBatch& batch, const Point3& query, Test test)
 	return test({{&p[0], &p[1], &p[2], &p[3]}, {&p[4], &p[5], &p[6], &p[7]}}, p[8]);
 }
 
-template <typename Variant>
+template <typename Variant, OnSphere onSphere>
 NeighbourVerdicts testScaledNeighbours(
     const NeighbourBatch& batch, const Point3& query, unsigned wanted)
 {
 	return atAnotherScale(batch, query, [wanted](const NeighbourBatch& scaled, const Point3& q) {
-		return testNeighbours<Variant>(scaled, q, wanted);
+		return testNeighbours<Variant, onSphere>(scaled, q, wanted);
 	});
 }
 
@@ -271,13 +278,30 @@ unsigned testScaledDelaunay(const NeighbourBatch& batch)
 	    [](const NeighbourBatch& scaled, const Point3&) { return testDelaunay<Variant>(scaled); });
 }
 
-template <typename Variant>
-constexpr BatchTests kTinyTests{testScaledNeighbours<Variant>, testFacets<Variant>,
-    testScaledDelaunay<Variant>, Variant::bAvx2, nullptr};
+bool isInConflict(const ArdoTest3& predicates, const Tet3& tet, const Point3& vtx)
+{
+	return predicates.sphereInclusionTest(&tet, &vtx) == SIC_INSIDE;
+}
 
 template <typename Variant>
-constexpr BatchTests kTests{testNeighbours<Variant>, testFacets<Variant>, testDelaunay<Variant>,
-    Variant::bAvx2, &kTinyTests<Variant>};
+constexpr BatchTests kTinyTestsByRank{testScaledNeighbours<Variant, OnSphere::kUndecided>,
+    testFacets<Variant>, testScaledDelaunay<Variant>, isInConflictByRank, Variant::bAvx2, nullptr,
+    nullptr};
+
+template <typename Variant>
+constexpr BatchTests kTestsByRank{testNeighbours<Variant, OnSphere::kUndecided>,
+    testFacets<Variant>, testDelaunay<Variant>, isInConflictByRank, Variant::bAvx2,
+    &kTinyTestsByRank<Variant>, nullptr};
+
+template <typename Variant>
+constexpr BatchTests kTinyTests{testScaledNeighbours<Variant, OnSphere::kOutside>,
+    testFacets<Variant>, testScaledDelaunay<Variant>, isInConflict, Variant::bAvx2, nullptr,
+    &kTinyTestsByRank<Variant>};
+
+template <typename Variant>
+constexpr BatchTests kTests{testNeighbours<Variant, OnSphere::kOutside>, testFacets<Variant>,
+    testDelaunay<Variant>, isInConflict, Variant::bAvx2, &kTinyTests<Variant>,
+    &kTestsByRank<Variant>};
 
 } // namespace
 

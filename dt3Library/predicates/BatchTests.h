@@ -7,6 +7,9 @@
 
 namespace TULO3D {
 
+class ArdoTest3;
+class Tet3;
+
 /// A tetrahedron and, for each of its facets, the corner of the neighbour that lies beyond it. Where
 /// there is nothing to test, any point may stand in.
 struct NeighbourBatch
@@ -43,16 +46,23 @@ using FacetTest = FacetSides (*)(const Point3* const (&corner)[4], const Point3&
 /// beyond the facet, and not inside the sphere of the tetrahedron.
 using DelaunayTest = unsigned (*)(const NeighbourBatch& batch);
 
+/// True when a vertex is in conflict with a tetrahedron; by all stages.
+using ConflictTest = bool (*)(const ArdoTest3& predicates, const Tet3& tet, const Point3& vtx);
+
 /// The tests of one variant.
 struct BatchTests
 {
 	NeighbourTest neighbours; ///< all stages
 	FacetTest facets;
 	DelaunayTest delaunay; ///< all stages
+	ConflictTest conflict; ///< for what `neighbours` has left undecided
 	bool bAvx2;            ///< which copy runLoop runs of a loop with an inlined first stage
 	/// Replace these once a nonzero coordinate below kLeastSafe is stored (T5): they compute at a scale where no
 	/// product underflows, or decide nothing. Null in themselves.
 	const BatchTests* pForTiny;
+	/// Where vertices do not come in the order of their ranks: a vertex on a sphere is in conflict or not by the
+	/// ranks (RankRule.h), which `neighbours` therefore leaves undecided. Null in themselves.
+	const BatchTests* pByRank;
 };
 
 /// For any CPU.
