@@ -1,0 +1,134 @@
+// SPDX-License-Identifier: MIT
+// The part of a mesh around one range of the curve: what it begins with.
+#include "tiles/Tile.h"
+#include "ardo_tools/Bits.h"
+#include "ardo_tools/RadixSort.h"
+#include "lookahead/InsertionOrder.h"
+
+#include <algorithm>
+#include <array>
+
+namespace TULO3D {
+
+namespace {
+
+/// Foreign leaves are known that are nearer than this part of their own diagonal.
+constexpr double kNear = 0.4;
+
+/// So many vertices of the lowest ranks, which are spread over all, are in every tile.
+constexpr std::size_t kNumSpread = 256;
+
+struct RankedVertex
+{
+	std::uint32_t key; // the rank
+	Point3* pVtx;
+};
+
+} // namespace
+
+Tile::Tile(const CurveOrder& curveOrder, const BoxTree& boxTree, PositionRange ownRange,
+    const BatchTests& tests)
+    : order(curveOrder), tree(boxTree), own(ownRange), engine(nullptr, tests)
+{
+}
+
+Point3* Tile::createVertex(std::uint32_t position)
+{
+	Point3* pVtx = engine.hc3.createVertex(order.point(position), order.rank(position));
+	pVtx->setCustomIndex(static_cast<int>(position));
+	return pVtx;
+}
+
+void Tile::chooseKnown()
+{
+	for (std::uint32_t level = 0; level < tree.numLevels(); ++level) {
+		vKnown.emplace_back(tree.numNodes(level), std::uint8_t{0});
+	}
+	const std::uint32_t lastLeaf = (own.last + BoxTree::kLeafSize - 1) / BoxTree::kLeafSize;
+	for (std::uint32_t i = own.first / BoxTree::kLeafSize; i < lastLeaf; ++i) vKnown[0][i] = 1;
+	markKnownNodes();
+	if (isKnown(tree.root())) return;
+	markNear();
+	markKnownNodes();
+}
+
+void Tile::markKnownNodes()
+{
+	for (std::uint32_t level = 1; level < tree.numLevels(); ++level) {
+		for (std::uint32_t i = 0; i < tree.numNodes(level); ++i) markIfKnown({level, i});
+	}
+}
+
+void Tile::markIfKnown(const BoxNode& node)
+{
+	bool bAll = true;
+	tree.forEachChild(node, [&](const BoxNode& child) { bAll &= isKnown(child); });
+	vKnown[node.level][node.index] = bAll;
+}
+
+void Tile::markNear()
+{
+	const auto isNear = [this](const Box& box, const BoxNode& node) {
+		const Box& other = tree.box(node);
+		return squaredDistance(box, other) <= kNear * kNear * squaredDiagonal(other);
+	};
+	std::vector<std::uint32_t> vNear;
+	forEachOwnGroup([&](const Box& box, std::uint32_t firstLeaf, std::uint32_t lastLeaf) {
+		gatherUnknownLeaves(vNear, [&](const BoxNode& node) { return isNear(box, node); });
+		for (const std::uint32_t other : vNear) {
+			for (std::uint32_t leaf = firstLeaf; leaf < lastLeaf && !vKnown[0][other]; ++leaf) {
+				vKnown[0][other] = isNear(tree.box({0, leaf}), {0, other});
+			}
+		}
+	});
+}
+
+void Tile::begin()
+{
+	chooseKnown();
+	std::vector<std::uint32_t> vSpread;
+	for (std::size_t i = 0; i < std::min<std::size_t>(kNumSpread, order.size()); ++i) {
+		vSpread.push_back(order.withRank(i));
+	}
+	std::sort(vSpread.begin(), vSpread.end());
+
+	// In the order of the curve, so that what is near is near in memory, too.
+	std::vector<RankedVertex> vRanked;
+	vRanked.reserve(own.size() + own.size() / 8);
+	vOwn.reserve(own.size());
+	auto itSpread = vSpread.begin();
+	for (std::uint32_t leaf = 0; leaf < tree.numLeaves(); ++leaf) {
+		const bool bKnown = isKnown({0, leaf});
+		const bool bSpread = itSpread != vSpread.end() && *itSpread / BoxTree::kLeafSize == leaf;
+		if (!bKnown && !bSpread) continue;
+		tree.forEachPoint(leaf, [&](std::uint32_t position) {
+			const bool bWanted = itSpread != vSpread.end() && *itSpread == position;
+			itSpread += bWanted;
+			if (!bKnown && !bWanted) return;
+			Point3* pVtx = createVertex(position);
+			if (own.contains(position)) {
+				vOwn.push_back(pVtx);
+			} else {
+				vForeign.emplace(position, pVtx);
+			}
+			vRanked.push_back({static_cast<std::uint32_t>(order.rank(position)), pVtx});
+		});
+	}
+	numForeignAtBegin = vForeign.size();
+
+	if (order.isTiny() && engine.batchTests.pForTiny != nullptr) {
+		engine.batchTests = *engine.batchTests.pForTiny;
+	}
+	sortByKey(vRanked, highestBit(order.size()) + 1);
+	std::array<Point3*, 4> first{};
+	for (std::size_t i = 0; i < 4; ++i) first[i] = vRanked[i].pVtx;
+	std::vector<Point3*> vVertices;
+	vVertices.reserve(vRanked.size());
+	for (std::size_t i = vRanked.size(); i-- > 4;) vVertices.push_back(vRanked[i].pVtx);
+	vRanked = {};
+	Tet3* pFirstTet = engine.startWith(first);
+	engine.insertInOrder(vVertices,
+	    InsertionOrder::lastToFirst(static_cast<std::uint32_t>(vVertices.size())), pFirstTet);
+}
+
+} // namespace TULO3D

@@ -1,0 +1,244 @@
+// SPDX-License-Identifier: MIT
+// The tetrahedra of a tile, written to the arrays of the whole mesh.
+#include "tiles/TileArrays.h"
+#include "mesh/Prefetch.h"
+#include "tools.h"
+
+#include <algorithm>
+#include <limits>
+#include <memory>
+
+namespace TULO3D {
+
+namespace {
+
+/// The even permutations: kTurns[3 k + r] brings corner k to the front, and turns the others by r.
+constexpr std::array<std::array<std::uint8_t, 4>, 12> kTurns{
+    {{0, 1, 2, 3}, {0, 2, 3, 1}, {0, 3, 1, 2}, {1, 0, 3, 2}, {1, 3, 2, 0}, {1, 2, 0, 3},
+        {2, 3, 0, 1}, {2, 0, 1, 3}, {2, 1, 3, 0}, {3, 2, 1, 0}, {3, 1, 0, 2}, {3, 0, 2, 1}}};
+
+/// A tetrahedron of an owner, to be sorted by the positions of the other corners.
+struct Owned
+{
+	Owned() = default;
+	Owned(const std::array<std::uint32_t, 4>& position, std::uint32_t theRecord)
+	    : firstTwo(std::uint64_t{position[1]} << 32U | position[2]),
+	      last(position[3]),
+	      record(theRecord)
+	{
+	}
+	bool operator<(const Owned& other) const
+	{
+		return firstTwo != other.firstTwo ? firstTwo < other.firstTwo : last < other.last;
+	}
+	std::array<std::uint32_t, 4> positions(std::uint32_t owner) const
+	{
+		return {owner, static_cast<std::uint32_t>(firstTwo >> 32U),
+		    static_cast<std::uint32_t>(firstTwo), last};
+	}
+
+	std::uint64_t firstTwo;
+	std::uint32_t last;
+	std::uint32_t record; ///< of the tile
+};
+
+/// For a few tetrahedra, as an owner has.
+void sort(Owned* pFirst, Owned* pLast)
+{
+	constexpr std::ptrdiff_t kFew = 32;
+	if (pLast - pFirst > kFew) {
+		std::sort(pFirst, pLast);
+		return;
+	}
+	for (Owned* p = pFirst; p < pLast; ++p) {
+		const Owned inserted = *p;
+		Owned* pAt = p;
+		for (; pAt > pFirst && inserted < pAt[-1]; --pAt) *pAt = pAt[-1];
+		*pAt = inserted;
+	}
+}
+
+std::uint64_t mixed(std::uint64_t h)
+{
+	// The finalizer of SplitMix64 (G. Steele, D. Lea, C. Flood: Fast Splittable Pseudorandom Number Generators,
+	// OOPSLA 2014).
+	h = (h ^ h >> 30U) * 0xbf58476d1ce4e5b9U;
+	h = (h ^ h >> 27U) * 0x94d049bb133111ebU;
+	return h ^ h >> 31U;
+}
+
+} // namespace
+
+TileArrays::TileArrays(const Tile& theTile, const CurveOrder& curveOrder)
+    : tile(theTile), order(curveOrder), own(theTile.ownRange()), live(theTile.mesh().liveTets())
+{
+	CONDITION_CHECK_AS(live.size() <= std::numeric_limits<std::int32_t>::max(),
+	    "at most 2147483647 tetrahedra have numbers");
+}
+
+int TileArrays::cornerAt(unsigned turn, int i)
+{
+	return kTurns[turn][static_cast<std::size_t>(i)];
+}
+
+inline TileArrays::Canonical TileArrays::canonical(const Tet3& tet)
+{
+	std::array<std::uint32_t, 4> p{};
+	for (int i = 0; i < 4; ++i) {
+		p[static_cast<std::size_t>(i)] = Tile::positionOf(*tet.getCorner(i));
+	}
+	// Without branches: which corner is the lowest cannot be predicted.
+	unsigned owner = p[1] < p[0] ? 1 : 0;
+	owner = p[2] < p[owner] ? 2 : owner;
+	owner = p[3] < p[owner] ? 3 : owner;
+	const auto& first = kTurns[3 * owner];
+	const std::uint32_t b = p[first[1]], c = p[first[2]], d = p[first[3]];
+	unsigned turn = c < b ? 1 : 0;
+	turn = d < std::min(b, c) ? 2 : turn;
+	turn += 3 * owner;
+	const auto& t = kTurns[turn];
+	return {{p[t[0]], p[t[1]], p[t[2]], p[t[3]]}, turn};
+}
+
+void TileArrays::count(SharedArrays& shared)
+{
+	vTurns.resize(live.size());
+	pPositions.reset(new std::array<std::uint32_t, 4>[live.size()]);
+	std::size_t record = 0;
+	live.forEach([&](const Tet3* pTet) {
+		const Canonical tet = canonical(*pTet);
+		const auto& p = tet.position;
+		const bool bInside = own.contains(p[0]) && own.contains(std::max({p[1], p[2], p[3]}));
+		vTurns[record] = bInside ? static_cast<std::uint8_t>(tet.turn) : kAtBorder;
+		pPositions[record++] = p;
+		if (own.contains(p[0])) ++shared.vFirstOfOwner[p[0] + 1];
+	});
+}
+
+void TileArrays::writeCorners(const SharedArrays& shared)
+{
+	const std::uint32_t* const pFirst = shared.vFirstOfOwner.data() + own.first;
+	const std::uint32_t first = pFirst[0];
+	std::vector<std::uint32_t> vNext(pFirst, pFirst + own.size());
+	const std::unique_ptr<Owned[]> vOwned(new Owned[pFirst[own.size()] - first]);
+	for (std::uint32_t record = 0; record < live.size(); ++record) {
+		const auto& p = pPositions[record];
+		if (own.contains(p[0])) vOwned[vNext[p[0] - own.first]++ - first] = Owned(p, record);
+	}
+	pPositions.reset();
+
+	vNumbers.assign(live.size(), kForeign);
+	for (std::uint32_t i = own.first; i < own.last; ++i) shared.pTetOfVertex[order.number(i)] = -1;
+	// Backwards, so that each vertex is left with its lowest tetrahedron.
+	for (std::uint32_t i = own.size(); i-- > 0;) {
+		Owned* const pBegin = vOwned.get() + (pFirst[i] - first);
+		Owned* const pEnd = vOwned.get() + (pFirst[i + 1] - first);
+		sort(pBegin, pEnd);
+		for (Owned* p = pEnd; p-- > pBegin;) {
+			const auto number = static_cast<std::int32_t>(first + (p - vOwned.get()));
+			vNumbers[p->record] = number;
+			std::int32_t* pCorner = shared.pCorners + 4 * std::size_t(number);
+			for (const std::uint32_t position : p->positions(own.first + i)) {
+				const std::int32_t vertex = order.number(position);
+				*pCorner++ = vertex;
+				if (own.contains(position)) shared.pTetOfVertex[vertex] = number;
+			}
+		}
+	}
+}
+
+std::int32_t TileArrays::find(const Tet3& tet, const SharedArrays& shared) const
+{
+	const Canonical wanted = canonical(tet);
+	std::array<std::int32_t, 4> corners{};
+	for (std::size_t i = 0; i < 4; ++i) corners[i] = order.number(wanted.position[i]);
+	const std::uint32_t last = shared.vFirstOfOwner[wanted.position[0] + 1];
+	for (std::uint32_t t = shared.vFirstOfOwner[wanted.position[0]]; t < last; ++t) {
+		if (std::equal(corners.begin(), corners.end(), shared.pCorners + 4 * std::size_t{t})) {
+			return static_cast<std::int32_t>(t);
+		}
+	}
+	CONDITION_CHECK_AS(false, "two tiles have found the same tetrahedron");
+	return kForeign;
+}
+
+std::int32_t TileArrays::numberOf(const Tet3& tet, const SharedArrays& shared) const
+{
+	const std::int32_t number = vNumbers[static_cast<std::size_t>(live.numberOf(&tet))];
+	return number != kForeign ? number : find(tet, shared);
+}
+
+void TileArrays::writeAtBorder(const Tet3& tet, const SharedArrays& shared) const
+{
+	const Canonical self = canonical(tet);
+	const auto& p = self.position;
+	const auto isOwn = [this](std::uint32_t position) { return own.contains(position); };
+	if (std::none_of(p.begin(), p.end(), isOwn)) return;
+	const std::int32_t number = numberOf(tet, shared);
+	noteAtVertices(p, number, shared);
+	std::int32_t* const pNeighbours = shared.pNeighbours + 4 * std::size_t(number);
+	for (int i = 0; i < 4; ++i) {
+		std::uint32_t lowest = UINT32_MAX;
+		for (int j = 0; j < 4; ++j) {
+			if (j != i) lowest = std::min(lowest, p[static_cast<std::size_t>(j)]);
+		}
+		if (!isOwn(lowest)) continue;
+		const Tet3* pNeigh = tet.getOppTet(cornerAt(self.turn, i));
+		pNeighbours[i] = pNeigh == nullptr ? -1 : numberOf(*pNeigh, shared);
+	}
+}
+
+void TileArrays::writeNeighbours(const SharedArrays& shared) const
+{
+	std::uint32_t record = 0;
+	live.forEach([&](const Tet3* pTet) {
+		const unsigned turn = vTurns[record];
+		const std::int32_t number = vNumbers[record++];
+		if (turn == kAtBorder) {
+			writeAtBorder(*pTet, shared);
+			return;
+		}
+		std::int32_t* const p = shared.pNeighbours + 4 * std::size_t(number);
+		for (int i = 0; i < 4; ++i) {
+			const Tet3* pNeigh = pTet->getOppTet(cornerAt(turn, i));
+			p[i] = pNeigh == nullptr ? -1 : numberOf(*pNeigh, shared);
+		}
+	});
+}
+
+void TileArrays::noteAtVertices(const std::array<std::uint32_t, 4>& position, std::int32_t number,
+    const SharedArrays& shared) const
+{
+	for (const std::uint32_t p : position) {
+		if (!own.contains(p)) continue;
+		std::int32_t& lowest = shared.pTetOfVertex[order.number(p)];
+		if (lowest < 0 || number < lowest) lowest = number;
+	}
+}
+
+std::vector<std::uint64_t> TileArrays::checksums(const std::vector<PositionRange>& vTiles) const
+{
+	std::vector<std::uint64_t> vSums(vTiles.size(), 0);
+	const auto tileOf = [&vTiles](std::uint32_t position) {
+		const auto isBehind = [](std::uint32_t p, const PositionRange& range) {
+			return p < range.first;
+		};
+		return std::upper_bound(vTiles.begin(), vTiles.end(), position, isBehind) - vTiles.begin() -
+		    1;
+	};
+	std::size_t record = 0;
+	live.forEach([&](const Tet3* pTet) {
+		if (vTurns[record++] != kAtBorder) return;
+		const auto p = canonical(*pTet).position;
+		if (std::none_of(p.begin(), p.end(), [this](auto i) { return own.contains(i); })) return;
+		std::uint64_t hash = 0;
+		for (const std::uint32_t position : p) hash = mixed(hash + position + 1);
+		std::array<std::ptrdiff_t, 4> tiles{tileOf(p[0]), tileOf(p[1]), tileOf(p[2]), tileOf(p[3])};
+		std::sort(tiles.begin(), tiles.end());
+		const auto itLast = std::unique(tiles.begin(), tiles.end());
+		for (auto it = tiles.begin(); it != itLast; ++it) vSums[std::size_t(*it)] += hash;
+	});
+	return vSums;
+}
+
+} // namespace TULO3D
