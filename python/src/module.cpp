@@ -5,13 +5,17 @@
 #include "Interpolation.h"
 #include "Library.h"
 #include "Measures.h"
+#include "ParallelMesh.h"
 #include "Shapes.h"
 
 #include <nanobind/stl/pair.h>
 #include <nanobind/stl/string.h>
+#include <nanobind/stl/tuple.h>
 
 #include <algorithm>
+#include <initializer_list>
 #include <memory>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -25,6 +29,15 @@ namespace {
 using IndexArray = NewArray<std::int32_t>;
 using TupleArray = nb::ndarray<nb::numpy, std::int32_t, nb::shape<-1, 4>>;
 
+/// An array that takes over the elements of `p`.
+template <typename IntArray>
+IntArray take(std::unique_ptr<std::int32_t[]> p, std::initializer_list<std::size_t> shape)
+{
+	const nb::capsule owner(
+	    p.get(), [](void* pData) noexcept { delete[] static_cast<std::int32_t*>(pData); });
+	return IntArray(p.release(), shape, owner);
+}
+
 /// A new array of four indices a tetrahedron, its elements not set.
 ///
 /// Not made by numpy, which asks for large pages: for arrays that are written once, finding free ones takes
@@ -32,9 +45,31 @@ using TupleArray = nb::ndarray<nb::numpy, std::int32_t, nb::shape<-1, 4>>;
 TupleArray makeTuples(std::size_t num)
 {
 	std::unique_ptr<std::int32_t[]> pOwned(new std::int32_t[4 * num]); // no value-initialisation
-	const nb::capsule owner(
-	    pOwned.get(), [](void* p) noexcept { delete[] static_cast<std::int32_t*>(p); });
-	return TupleArray(pOwned.release(), {num, 4}, owner);
+	return take<TupleArray>(std::move(pOwned), {num, 4});
+}
+
+/// The vertex of each point, the corners and the neighbours of the mesh that several threads make.
+std::tuple<IndexArray, TupleArray, TupleArray> triangulate(
+    const Points& points, unsigned numThreads, nb::handle progress)
+{
+	Watch watch(progress);
+	TULO3D::ParallelMesh mesh;
+	{
+		const nb::gil_scoped_release unlock;
+		LibraryScope scope;
+		try {
+			mesh = TULO3D::triangulateInParallel(points.data(), points.shape(0), numThreads,
+			    [&watch](std::size_t numInserted, std::size_t numVertices) {
+				    watch.look(numInserted, numVertices);
+				    return true;
+			    });
+		} catch (const TULO3D::TuloException&) {
+			throw InternalError(scope.text());
+		}
+	}
+	return {take<IndexArray>(std::move(mesh.vertexOfPoint), {points.shape(0)}),
+	    take<TupleArray>(std::move(mesh.corners), {mesh.numTets, 4}),
+	    take<TupleArray>(std::move(mesh.neighbours), {mesh.numTets, 4})};
 }
 
 /// A mesh that grows; for one thread at a time.
@@ -202,6 +237,8 @@ NB_MODULE(_core, m)
 	    .def("insert", &Engine::insert, array("points"), array("numbers"), "progress"_a.none())
 	    .def("arrays", &Engine::arrays)
 	    .def_prop_ro("is_3d", &Engine::is3D);
+
+	m.def("triangulate", &triangulate, array("points"), "num_threads"_a, "progress"_a.none());
 
 	nb::class_<Mesh>(m, "Mesh").def(nb::init<Points, Tuples, Tuples>(), array("points"),
 	    array("simplices"), array("neighbors"));

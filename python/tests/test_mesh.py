@@ -130,3 +130,29 @@ def test_a_broken_mesh_is_not_valid():
         ("a dent in the hull", points, simplices[left], renumbered[neighbors[left]]),
     ):
         assert _core.is_valid(_core.Mesh(*arrays)) == (what == "nothing"), what
+
+
+@pytest.mark.parametrize("family", FAMILIES)
+def test_workers_make_one_mesh_however_many_they_are(family):
+    points = FAMILIES[family]
+    mesh = tulo3d.Delaunay(points, workers=2)
+    check_laws(mesh)
+    np.testing.assert_array_equal(mesh.simplices, tulo3d.Delaunay(points, workers=5).simplices)
+    mesh.add_points(points[:1] + np.float64(1))
+    check_laws(mesh)
+
+
+def test_workers_are_a_number_and_are_stopped_by_what_the_callback_raises():
+    points = np.random.default_rng(5).random((60_000, 3))
+    for workers, error in [(0, ValueError), (-2, ValueError), (1.5, TypeError), ("2", TypeError)]:
+        with pytest.raises(error):
+            tulo3d.Delaunay(points, workers=workers)
+
+    def stop(done, total):
+        raise KeyError(total)
+
+    with pytest.raises(KeyError):
+        tulo3d.Delaunay(points, workers=2, progress=stop)
+    with pytest.raises(tulo3d.FlatError):
+        tulo3d.Delaunay(points * [1, 1, 0], workers=2)
+    assert tulo3d.Delaunay(points, workers=-1).is_valid()

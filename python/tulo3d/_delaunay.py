@@ -6,6 +6,7 @@ from __future__ import annotations
 import threading
 from collections.abc import Callable, Iterator
 from contextlib import contextmanager
+from operator import index
 from typing import TYPE_CHECKING, Any, Literal, cast
 
 import numpy as np
@@ -39,6 +40,10 @@ class Delaunay:
         are welcome.
     incremental : bool, optional
         Keep what `add_points` needs, about 600 bytes a point.
+    workers : int, optional
+        So many threads make the mesh; -1 stands for one for each core. Pays from some ten thousand points
+        on, and least on smooth surfaces. The mesh does not depend on it, but on points of common
+        spheres it may be another one than with one worker; the next `add_points` triangulates again.
     progress : callable, optional
         Called as ``progress(num_inserted, num_vertices)``, at most some twenty times a second and once
         at the end; while points are still being sorted, with 0 and their number. An exception that it
@@ -101,13 +106,24 @@ class Delaunay:
     """The number of coordinates of a point."""
 
     def __init__(
-        self, points: npt.ArrayLike, *, incremental: bool = True, progress: Progress | None = None
+        self,
+        points: npt.ArrayLike,
+        *,
+        incremental: bool = True,
+        workers: int = 1,
+        progress: Progress | None = None,
     ) -> None:
         own = as_points(points)
         if len(own) < 4:
             raise ValueError(f"a tetrahedralization takes at least 4 points, not {len(own)}")
+        workers = index(workers)
+        if workers < 1 and workers != -1:
+            raise ValueError(f"workers is a positive number, or -1 for all cores, not {workers}")
         self._begin()
-        self._insert(own, progress)
+        if workers == 1:
+            self._insert(own, progress)
+        else:
+            self._triangulate(own, max(workers, 0), progress)
         if not incremental:
             self.close()
 
@@ -145,6 +161,12 @@ class Delaunay:
             raise FlatError(f"all {sum(map(len, batches))} points are in one plane: no tetrahedra")
         self._batches, self._numbers, self._engine, self._current = batches, numbers, engine, None
 
+    def _triangulate(self, points: FloatArray, num_threads: int, progress: Progress | None) -> None:
+        numbers, simplices, neighbors = _core.triangulate(points, num_threads, progress)
+        if len(simplices) == 0:
+            raise FlatError(f"all {len(points)} points are in one plane: no tetrahedra")
+        self._set_mesh(points, numbers, simplices, neighbors)
+
     @property
     def _mesh(self) -> Mesh:
         current = self._current
@@ -164,8 +186,11 @@ class Delaunay:
         assert engine is not None
         points: FloatArray = _joined(self._batches)
         numbers: Int32Array = _joined(self._numbers)
-        simplices, neighbors = engine.arrays()
+        self._set_mesh(points, numbers, *engine.arrays())
 
+    def _set_mesh(
+        self, points: FloatArray, numbers: Int32Array, simplices: Int32Array, neighbors: Int32Array
+    ) -> None:
         # Vertices are numbered in the order in which they first come among the points.
         vertex_of_point = numbers
         if numbers.max() + 1 < len(points):
