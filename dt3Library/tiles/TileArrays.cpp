@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The tetrahedra of a tile, written to the arrays of the whole mesh.
 #include "tiles/TileArrays.h"
-#include "mesh/Prefetch.h"
+#include "ardo_tools/prefault.h"
 #include "tools.h"
 
 #include <algorithm>
@@ -104,6 +104,7 @@ void TileArrays::count(SharedArrays& shared)
 {
 	vTurns.resize(live.size());
 	pPositions.reset(new std::array<std::uint32_t, 4>[live.size()]);
+	prefault(pPositions.get(), live.size() * sizeof(pPositions[0]));
 	std::size_t record = 0;
 	live.forEach([&](const Tet3* pTet) {
 		const Canonical tet = canonical(*pTet);
@@ -120,7 +121,12 @@ void TileArrays::writeCorners(const SharedArrays& shared)
 	const std::uint32_t* const pFirst = shared.vFirstOfOwner.data() + own.first;
 	const std::uint32_t first = pFirst[0];
 	std::vector<std::uint32_t> vNext(pFirst, pFirst + own.size());
-	const std::unique_ptr<Owned[]> vOwned(new Owned[pFirst[own.size()] - first]);
+	const std::size_t numOwned = pFirst[own.size()] - first;
+	const std::unique_ptr<Owned[]> vOwned(new Owned[numOwned]);
+	prefault(vOwned.get(), numOwned * sizeof(Owned));
+	const std::size_t numBytes = 4 * numOwned * sizeof(std::int32_t);
+	prefault(shared.pCorners + 4 * std::size_t{first}, numBytes);
+	prefault(shared.pNeighbours + 4 * std::size_t{first}, numBytes);
 	for (std::uint32_t record = 0; record < live.size(); ++record) {
 		const auto& p = pPositions[record];
 		if (own.contains(p[0])) vOwned[vNext[p[0] - own.first]++ - first] = Owned(p, record);
@@ -128,7 +134,7 @@ void TileArrays::writeCorners(const SharedArrays& shared)
 	pPositions.reset();
 
 	vNumbers.assign(live.size(), kForeign);
-	for (std::uint32_t i = own.first; i < own.last; ++i) shared.pTetOfVertex[order.number(i)] = -1;
+	vTetOfOwn.assign(own.size(), kForeign);
 	// Backwards, so that each vertex is left with its lowest tetrahedron.
 	for (std::uint32_t i = own.size(); i-- > 0;) {
 		Owned* const pBegin = vOwned.get() + (pFirst[i] - first);
@@ -141,7 +147,7 @@ void TileArrays::writeCorners(const SharedArrays& shared)
 			for (const std::uint32_t position : p->positions(own.first + i)) {
 				const std::int32_t vertex = order.number(position);
 				*pCorner++ = vertex;
-				if (own.contains(position)) shared.pTetOfVertex[vertex] = number;
+				if (own.contains(position)) vTetOfOwn[position - own.first] = number;
 			}
 		}
 	}
@@ -168,14 +174,14 @@ std::int32_t TileArrays::numberOf(const Tet3& tet, const SharedArrays& shared) c
 	return number != kForeign ? number : find(tet, shared);
 }
 
-void TileArrays::writeAtBorder(const Tet3& tet, const SharedArrays& shared) const
+void TileArrays::writeAtBorder(const Tet3& tet, const SharedArrays& shared)
 {
 	const Canonical self = canonical(tet);
 	const auto& p = self.position;
 	const auto isOwn = [this](std::uint32_t position) { return own.contains(position); };
 	if (std::none_of(p.begin(), p.end(), isOwn)) return;
 	const std::int32_t number = numberOf(tet, shared);
-	noteAtVertices(p, number, shared);
+	noteAtVertices(p, number);
 	std::int32_t* const pNeighbours = shared.pNeighbours + 4 * std::size_t(number);
 	for (int i = 0; i < 4; ++i) {
 		std::uint32_t lowest = UINT32_MAX;
@@ -188,7 +194,7 @@ void TileArrays::writeAtBorder(const Tet3& tet, const SharedArrays& shared) cons
 	}
 }
 
-void TileArrays::writeNeighbours(const SharedArrays& shared) const
+void TileArrays::writeNeighbours(const SharedArrays& shared)
 {
 	std::uint32_t record = 0;
 	live.forEach([&](const Tet3* pTet) {
@@ -204,15 +210,18 @@ void TileArrays::writeNeighbours(const SharedArrays& shared) const
 			p[i] = pNeigh == nullptr ? -1 : numberOf(*pNeigh, shared);
 		}
 	});
+	// Only now, and once: vertices of several tiles share the cache lines of this array.
+	for (std::uint32_t i = 0; i < own.size(); ++i) {
+		shared.pTetOfVertex[order.number(own.first + i)] = vTetOfOwn[i];
+	}
 }
 
-void TileArrays::noteAtVertices(const std::array<std::uint32_t, 4>& position, std::int32_t number,
-    const SharedArrays& shared) const
+void TileArrays::noteAtVertices(const std::array<std::uint32_t, 4>& position, std::int32_t number)
 {
 	for (const std::uint32_t p : position) {
 		if (!own.contains(p)) continue;
-		std::int32_t& lowest = shared.pTetOfVertex[order.number(p)];
-		if (lowest < 0 || number < lowest) lowest = number;
+		std::int32_t& lowest = vTetOfOwn[p - own.first];
+		if (lowest == kForeign || number < lowest) lowest = number;
 	}
 }
 

@@ -36,8 +36,8 @@ public:
 	void count(SharedArrays& shared);
 	/// Once vFirstOfOwner holds sums. Writes the corners.
 	void writeCorners(const SharedArrays& shared);
-	/// Once all tiles have written their corners.
-	void writeNeighbours(const SharedArrays& shared) const;
+	/// Once all tiles have written their corners. Writes the neighbours and a tetrahedron for each own vertex.
+	void writeNeighbours(const SharedArrays& shared);
 
 	/// For each tile, a checksum of the tetrahedra that have a corner in this one and a corner there. Of two tiles,
 	/// each must have the same for the other.
@@ -55,10 +55,9 @@ private:
 	static int cornerAt(unsigned turn, int i);
 	std::int32_t numberOf(const Tet3& tet, const SharedArrays& shared) const;
 	std::int32_t find(const Tet3& tet, const SharedArrays& shared) const;
-	void writeAtBorder(const Tet3& tet, const SharedArrays& shared) const;
+	void writeAtBorder(const Tet3& tet, const SharedArrays& shared);
 	/// A tetrahedron at own vertices; the lowest counts.
-	void noteAtVertices(const std::array<std::uint32_t, 4>& position, std::int32_t number,
-	    const SharedArrays& shared) const;
+	void noteAtVertices(const std::array<std::uint32_t, 4>& position, std::int32_t number);
 
 	const Tile& tile;
 	const CurveOrder& order;
@@ -68,6 +67,7 @@ private:
 	static constexpr std::uint8_t kAtBorder = 0xFF;
 	/// Of each tetrahedron its canonical positions, until the corners are written.
 	std::unique_ptr<std::array<std::uint32_t, 4>[]> pPositions;
+	std::vector<std::int32_t> vTetOfOwn; ///< the lowest tetrahedron at each own vertex
 	std::vector<std::int32_t>
 	    vNumbers; ///< of each tetrahedron of the tile, kForeign for those of others
 	std::vector<std::uint8_t>

@@ -1,12 +1,14 @@
 // SPDX-License-Identifier: MIT
 // A few tasks in a few threads.
 #include "tiles/parallel.h"
+#include "TuloException.h"
 #include "messages.h"
 
 #include <algorithm>
 #include <atomic>
 #include <exception>
 #include <mutex>
+#include <new>
 #include <thread>
 #include <vector>
 
@@ -14,17 +16,32 @@ namespace TULO3D {
 
 namespace {
 
-/// Messages of this thread go nowhere while it lives.
-class Silence
+[[noreturn]] void throwInstead(StopReason reason, const char* /*text*/)
+{
+	if (reason == StopReason::kOutOfMemory) throw std::bad_alloc();
+	throw TuloException();
+}
+
+/// While it lives, messages of this thread go nowhere, and hard stops are exceptions, which can be taken to the thread
+/// of the caller.
+class QuietThread
 {
 public:
-	Silence() : pFormer(setMessageStream(nullptr)) {}
-	Silence(const Silence&) = delete;
-	Silence& operator=(const Silence&) = delete;
-	~Silence() { setMessageStream(pFormer); }
+	QuietThread()
+	    : pFormerStream(setMessageStream(nullptr)), formerHandler(setStopHandler(throwInstead))
+	{
+	}
+	QuietThread(const QuietThread&) = delete;
+	QuietThread& operator=(const QuietThread&) = delete;
+	~QuietThread()
+	{
+		setMessageStream(pFormerStream);
+		setStopHandler(formerHandler);
+	}
 
 private:
-	std::ostream* pFormer;
+	std::ostream* pFormerStream;
+	StopHandler formerHandler;
 };
 
 } // namespace
@@ -36,7 +53,7 @@ void inParallel(
 	std::exception_ptr pFirst;
 	std::mutex mutex;
 	const auto work = [&]() noexcept {
-		const Silence silence;
+		const QuietThread quiet;
 		for (std::size_t i = next++; i < numTasks; i = next++) {
 			try {
 				task(i);
