@@ -25,6 +25,10 @@ public:
 
 	/// Triangulates all points in the fastest way that the library has for a batch.
 	virtual void build() = 0;
+	/// The same from numbers to arrays of corners and neighbours, by one object.
+	virtual void buildArrays() { refuse(); }
+	/// The same in so many threads.
+	virtual void buildInParallel(unsigned /*numThreads*/) { refuse(); }
 	/// Triangulates the points one by one in the order given, without a hint.
 	virtual void insertOneByOne() { refuse(); }
 	/// The same with the vertex before as a hint, where the library takes one.

@@ -8,6 +8,7 @@
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
+#include <chrono>
 #include <cstdio>
 #include <exception>
 
@@ -28,6 +29,7 @@ struct Options
 	std::size_t size = 100000;
 	unsigned seed = 1;
 	int repeat = 1;
+	unsigned threads = 2;
 };
 
 /// Everything that an operation needs beforehand, and what is to be measured. Both return a count
@@ -35,17 +37,25 @@ struct Options
 struct Operation
 {
 	bool bNeedsMesh;
-	std::size_t (*run)(Backend& backend);
+	std::size_t (*run)(Backend& backend, const Options& options);
 };
 
 const std::map<std::string, Operation> kOperations = {
-    {"build", {false, [](Backend& b) { return b.build(), std::size_t{0}; }}},
-    {"single", {false, [](Backend& b) { return b.insertOneByOne(), std::size_t{0}; }}},
-    {"ordered", {false, [](Backend& b) { return b.insertInOrder(), std::size_t{0}; }}},
-    {"locate", {true, [](Backend& b) { return b.locate(); }}},
-    {"list", {true, [](Backend& b) { return b.listTets(); }}},
-    {"stars", {true, [](Backend& b) { return b.collectStars(); }}},
-    {"check", {true, [](Backend& b) { return b.check(); }}},
+    {"build", {false, [](Backend& b, const Options&) { return b.build(), std::size_t{0}; }}},
+    {"arrays", {false, [](Backend& b, const Options&) { return b.buildArrays(), std::size_t{0}; }}},
+    {"parallel",
+        {false,
+            [](Backend& b, const Options& o) {
+	            return b.buildInParallel(o.threads), std::size_t{0};
+            }}},
+    {"single",
+        {false, [](Backend& b, const Options&) { return b.insertOneByOne(), std::size_t{0}; }}},
+    {"ordered",
+        {false, [](Backend& b, const Options&) { return b.insertInOrder(), std::size_t{0}; }}},
+    {"locate", {true, [](Backend& b, const Options&) { return b.locate(); }}},
+    {"list", {true, [](Backend& b, const Options&) { return b.listTets(); }}},
+    {"stars", {true, [](Backend& b, const Options&) { return b.collectStars(); }}},
+    {"check", {true, [](Backend& b, const Options&) { return b.check(); }}},
 };
 
 template <class Table>
@@ -95,9 +105,11 @@ void run(const Options& options)
 
 	const long residentBefore = residentKilobytes();
 	std::size_t count = 0;
+	const auto startOnTheClock = std::chrono::steady_clock::now();
 	const CpuTime start = cpuTime();
-	for (int i = 0; i < options.repeat; ++i) count = operation.run(*pBackend);
+	for (int i = 0; i < options.repeat; ++i) count = operation.run(*pBackend, options);
 	const CpuTime spent = cpuTime() - start;
+	const std::chrono::duration<double> wall = std::chrono::steady_clock::now() - startOnTheClock;
 	const long peak = peakKilobytes(); // before the tetrahedra are counted
 
 	const double seconds = spent.sum / options.repeat;
@@ -105,15 +117,16 @@ void run(const Options& options)
 		return static_cast<double>(n) / std::max(seconds, 1e-9);
 	};
 	const std::size_t numTets = pBackend->numTets();
-	std::printf("{\"compiler\": \"%s\", \"library\": \"%s\", \"operation\": \"%s\", \"workload\": "
-	            "\"%s\", \"n\": %zu, "
-	            "\"seed\": %u, \"seconds\": %.6f, \"user\": %.6f, \"system\": %.6f, "
-	            "\"resident_before_kb\": %ld, \"peak_kb\": %ld, \"vertices\": %zu, \"tets\": %zu, "
-	            "\"count\": %zu, \"points_per_s\": %.0f, \"tets_per_s\": %.0f}\n",
+	std::printf(
+	    "{\"compiler\": \"%s\", \"library\": \"%s\", \"operation\": \"%s\", \"workload\": "
+	    "\"%s\", \"n\": %zu, "
+	    "\"seed\": %u, \"seconds\": %.6f, \"user\": %.6f, \"system\": %.6f, \"wall\": %.6f, "
+	    "\"resident_before_kb\": %ld, \"peak_kb\": %ld, \"vertices\": %zu, \"tets\": %zu, "
+	    "\"count\": %zu, \"points_per_s\": %.0f, \"tets_per_s\": %.0f}\n",
 	    kCompiler, options.library.c_str(), options.operation.c_str(), name.c_str(), size,
 	    options.seed, seconds, spent.user / options.repeat, spent.system / options.repeat,
-	    residentBefore, peak, pBackend->numVertices(), numTets, count, perSecond(size),
-	    perSecond(numTets));
+	    wall.count() / options.repeat, residentBefore, peak, pBackend->numVertices(), numTets,
+	    count, perSecond(size), perSecond(numTets));
 	std::fflush(stdout);
 	// The process ends without destroying the mesh: that time is not measured.
 	std::_Exit(0);
@@ -136,6 +149,7 @@ int main(int argc, char** argv)
 	cli.add_option("--file", options.file, "Read the points from here: x y z in each line");
 	cli.add_option("--n", options.size, "The number of points to make")->capture_default_str();
 	cli.add_option("--seed", options.seed, "Another seed, other points")->capture_default_str();
+	cli.add_option("--threads", options.threads, "Of the operation parallel");
 	cli.add_option("--repeat", options.repeat, "Repeat a short operation, report the mean")
 	    ->check(CLI::PositiveNumber);
 	cli.add_flag_callback("--libraries", listLibraries, "Print the libraries of this build");

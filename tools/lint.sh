@@ -20,7 +20,7 @@ check() { # NAME COMMAND...
 }
 
 tidy() {
-	cmake --preset clang >/dev/null && tools/tidy.sh build/clang '/(dt3Library|shapes|apps|examples)/'
+	cmake --preset clang >/dev/null && tools/tidy.sh build/clang "$PWD/(dt3Library|shapes|apps|examples)/"
 }
 
 mapfile -t sources < <(git ls-files --cached --others --exclude-standard '*.cpp' '*.h')

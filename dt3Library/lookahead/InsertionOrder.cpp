@@ -20,7 +20,9 @@ unsigned numHalvings(std::uint32_t n)
 
 } // namespace
 
-InsertionOrder::InsertionOrder(std::uint32_t n) : InsertionOrder(n, numHalvings(n)) {}
+InsertionOrder::InsertionOrder(std::uint32_t n) : InsertionOrder(n, numHalvings(n))
+{
+}
 
 InsertionOrder InsertionOrder::lastToFirst(std::uint32_t n)
 {

@@ -65,9 +65,10 @@ CurveOrder::Listing::Listing(const std::vector<Point3>& vInput) : vFirst(vInput.
 		vCell.clear();
 		for (; i < vKeyed.size() && vKeyed[i].key == key; ++i) vCell.push_back(vKeyed[i].position);
 		sortByCoordinates(vCell, vInput);
-		const std::size_t numBefore = vMade.size();
+		const auto numBefore = static_cast<std::ptrdiff_t>(vMade.size());
 		for (const std::uint32_t n : vCell) {
-			const bool bRepeats = vListed.size() > numBefore && vInput[vListed.back()] == vInput[n];
+			const bool bRepeats =
+			    vListed.begin() + numBefore < vListed.end() && vInput[vListed.back()] == vInput[n];
 			vFirst[n] = bRepeats ? vListed.back() : n;
 			if (!bRepeats) vListed.push_back(n);
 		}

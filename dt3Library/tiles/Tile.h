@@ -64,8 +64,8 @@ public:
 	void complete();
 
 	PositionRange ownRange() const { return own; }
-	bool isOwn(const Point3& vtx) const { return own.contains(positionOf(vtx)); }
-	static std::uint32_t positionOf(const Point3& vtx)
+	bool isOwn(const Point3& vtx) const { return own.contains(curvePosition(vtx)); }
+	static std::uint32_t curvePosition(const Point3& vtx)
 	{
 		return static_cast<std::uint32_t>(vtx.getCustomIndex());
 	}

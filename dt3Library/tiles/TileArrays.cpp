@@ -85,13 +85,13 @@ inline TileArrays::Canonical TileArrays::canonical(const Tet3& tet)
 {
 	std::array<std::uint32_t, 4> p{};
 	for (int i = 0; i < 4; ++i) {
-		p[static_cast<std::size_t>(i)] = Tile::positionOf(*tet.getCorner(i));
+		p[static_cast<std::size_t>(i)] = Tile::curvePosition(*tet.getCorner(i));
 	}
 	// Without branches: which corner is the lowest cannot be predicted.
 	unsigned owner = p[1] < p[0] ? 1 : 0;
 	owner = p[2] < p[owner] ? 2 : owner;
 	owner = p[3] < p[owner] ? 3 : owner;
-	const auto& first = kTurns[3 * owner];
+	const auto& first = kTurns[3 * std::size_t{owner}];
 	const std::uint32_t b = p[first[1]], c = p[first[2]], d = p[first[3]];
 	unsigned turn = c < b ? 1 : 0;
 	turn = d < std::min(b, c) ? 2 : turn;

@@ -44,7 +44,7 @@ void Tile::measureClearance()
 
 double Tile::clearance(const Point3& vtx) const
 {
-	const std::uint32_t position = positionOf(vtx);
+	const std::uint32_t position = curvePosition(vtx);
 	if (!own.contains(position)) return 0;
 	return vClearance[(position - own.first) / BoxTree::kLeafSize];
 }

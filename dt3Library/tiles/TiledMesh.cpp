@@ -39,6 +39,7 @@ void expectAgreement(const std::vector<std::unique_ptr<TileArrays>>& vArrays,
     const std::vector<PositionRange>& vTiles)
 {
 	std::vector<std::vector<std::uint64_t>> vSums;
+	vSums.reserve(vArrays.size());
 	for (const auto& pArrays : vArrays) vSums.push_back(pArrays->checksums(vTiles));
 	for (std::size_t i = 0; i < vSums.size(); ++i) {
 		for (std::size_t j = 0; j < i; ++j) {
