@@ -38,50 +38,6 @@ private:
 	std::vector<Index> vParent;
 };
 
-/// The component of each tetrahedron in the shape, -1 for the others; returns how many there are.
-Index labelComponents(
-    const Mesh& mesh, const std::vector<double>& vRadii, double radius, std::vector<Index>& vLabel)
-{
-	vLabel.assign(mesh.numTets, -1);
-	std::vector<Index> vStack;
-	Index num = 0;
-	for (std::size_t first = 0; first < mesh.numTets; ++first) {
-		if (vLabel[first] >= 0 || vRadii[first] > radius) continue;
-		vLabel[first] = num;
-		vStack.push_back(static_cast<Index>(first));
-		while (!vStack.empty()) {
-			const Index tet = vStack.back();
-			vStack.pop_back();
-			for (int i = 0; i < 4; ++i) {
-				const Index next = mesh.neighbours(tet)[i];
-				if (next < 0 || vLabel[at(next)] >= 0 || vRadii[at(next)] > radius) continue;
-				vLabel[at(next)] = num;
-				vStack.push_back(next);
-			}
-		}
-		++num;
-	}
-	return num;
-}
-
-void addTet(const Mesh& mesh, Index tet, Index component, AlphaShape& shape)
-{
-	const Index* p = mesh.corners(tet);
-	const double det =
-	    dot(mesh.between(p[0], p[1]), cross(mesh.between(p[0], p[2]), mesh.between(p[0], p[3])));
-	shape.vTets.push_back(tet);
-	shape.vComponents.push_back(component);
-	shape.vVolumes[at(component)] += std::max(0.0, det);
-}
-
-void addTriangle(const Mesh& mesh, Index tet, int i, AlphaShape& shape)
-{
-	const auto [a, b, c] = mesh.facet(tet, i);
-	shape.vTriangles.insert(shape.vTriangles.end(), {a, b, c});
-	shape.vTetsOfTriangles.push_back(tet);
-	shape.area += norm(cross(mesh.between(a, b), mesh.between(a, c))) / 2;
-}
-
 } // namespace
 
 AlphaShapes::AlphaShapes(const MeshView& theMesh) : mesh(theMesh)
@@ -142,22 +98,9 @@ double AlphaShapes::radiusOfOneComponent() const
 AlphaShape AlphaShapes::shape(double radius) const
 {
 	if (!(radius >= 0)) throw std::invalid_argument("The radius of an alpha shape is negative.");
-	const Mesh checked(mesh);
-	AlphaShape shape;
-	shape.radius = radius;
-	std::vector<Index> vLabel;
-	shape.vVolumes.resize(at(labelComponents(checked, vRadii, radius, vLabel)));
-	for (Index tet = 0; at(tet) < mesh.numTets; ++tet) {
-		if (vLabel[at(tet)] < 0) continue;
-		addTet(checked, tet, vLabel[at(tet)], shape);
-		for (int i = 0; i < 4; ++i) {
-			const Index next = checked.neighbours(tet)[i];
-			if (next < 0 || vLabel[at(next)] < 0) addTriangle(checked, tet, i, shape);
-		}
-	}
-	for (double& volume : shape.vVolumes) volume /= 6;
-	shape.volume = std::accumulate(shape.vVolumes.begin(), shape.vVolumes.end(), 0.0);
-	return shape;
+	std::vector<bool> vKept(mesh.numTets);
+	for (std::size_t t = 0; t < mesh.numTets; ++t) vKept[t] = vRadii[t] <= radius;
+	return {solidOf(mesh, vKept), radius};
 }
 
 } // namespace TULO3D::shapes

@@ -440,6 +440,7 @@ TEST(Shapes, BadInputIsRefused)
 	}
 	EXPECT_THROW(Voronoi(m.view, {{0, 0, 0}, {1, 0, 1}}), std::invalid_argument);
 	EXPECT_THROW(Voronoi(m.view, {{0, 0, 0}, {1, kInfinity, 1}}), std::invalid_argument);
+	EXPECT_THROW(solidOf(m.view, {true}), std::invalid_argument);
 	EXPECT_THROW(histogram(nullptr, 0, 1, 1, 3), std::invalid_argument);
 	EXPECT_THROW(mergeCoplanar(m.view, {{0, 1, 2}, {}, {0}, 0, 0}), std::invalid_argument);
 	const MeshView empty;

@@ -2,27 +2,16 @@
 // The alpha shapes of a mesh: which parts of it remain for a radius.
 #pragma once
 
-#include "shapes/MeshView.h"
+#include "shapes/Solid.h"
 
 #include <vector>
 
 namespace TULO3D::shapes {
 
-/// The solid part of an alpha shape, and its boundary. The boundary is a closed surface around each component;
-/// where components, or parts of one, touch in an edge or a vertex, so does the surface.
-struct AlphaShape
+/// The solid part of an alpha shape.
+struct AlphaShape : Solid
 {
 	double radius = 0;
-	std::vector<std::int32_t> vTets; ///< the tetrahedra of the shape, ascending
-	std::vector<std::int32_t>
-	    vComponents;              ///< of each of them; 0, 1, ... in the order of first tetrahedra
-	std::vector<double> vVolumes; ///< of each component
-	std::vector<std::int32_t>
-	    vTriangles; ///< the boundary: 3 vertices each, counter-clockwise from outside
-	std::vector<std::int32_t>
-	    vTetsOfTriangles; ///< the tetrahedron of the shape behind each triangle
-	double area = 0;      ///< of the boundary
-	double volume = 0;    ///< of all components
 };
 
 /// Facets and edges of an alpha shape that bound no tetrahedron, or no facet, of it.

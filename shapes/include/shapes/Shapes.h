@@ -7,4 +7,5 @@
 #include "shapes/MeshCopy.h"
 #include "shapes/MeshView.h"
 #include "shapes/Quality.h"
+#include "shapes/Solid.h"
 #include "shapes/Voronoi.h"
