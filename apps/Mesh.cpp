@@ -145,6 +145,13 @@ std::vector<std::int32_t> numberVertices(const Mesh& mesh, const Numbers& vGiven
 	return vNumbers;
 }
 
+std::size_t numHullVertices(const Mesh& mesh)
+{
+	const auto vNumbers = numberVertices(mesh, mesh.vHullCorners);
+	return vNumbers.size() -
+	    static_cast<std::size_t>(std::count(vNumbers.begin(), vNumbers.end(), -1));
+}
+
 const char* findBrokenLink(const Mesh& mesh)
 {
 	if (const char* reason = findBrokenRecord(mesh)) return reason;

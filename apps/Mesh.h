@@ -75,6 +75,9 @@ void forEachTet(const Mesh& mesh, Visit visit)
 /// may be given repeatedly, as the corners of triangles.
 std::vector<std::int32_t> numberVertices(const Mesh& mesh, const std::vector<std::int32_t>& vGiven);
 
+/// How many vertices are corners of hull facets.
+std::size_t numHullVertices(const Mesh& mesh);
+
 /// Checks the links of the whole mesh from its arrays alone: neighbours name each other and share their
 /// facet, every vertex has an incident tetrahedron that has it as a corner, the hull is closed, and
 /// V - E + F - T = 1. Returns what is wrong, or null. The library's own check, which tests the geometry,

@@ -8,6 +8,9 @@
 
 #include <CLI/CLI.hpp>
 
+#include <charconv>
+#include <cmath>
+
 namespace app {
 
 namespace {
@@ -22,6 +25,36 @@ Example: tulo3d scan.ply -o mesh.vtu --check --stats)";
 std::string failureMessage(const CLI::App* /*pApp*/, const CLI::Error& error)
 {
 	return errorPrefix() + error.what() + "\nRun with --help for more information.\n";
+}
+
+// A finite number above 0.
+double positiveNumber(const char* option, const std::string& text, const char* alternative)
+{
+	double value = 0;
+	const char* const pEnd = text.data() + text.size();
+	const auto [end, ec] = std::from_chars(text.data(), pEnd, value);
+	if (ec != std::errc() || end != pEnd || !(value > 0) || !std::isfinite(value))
+		throw CLI::ValidationError(option, "'" + text + "' is no positive number" + alternative);
+	return value;
+}
+
+// What is to be computed, from the options that were given and the values of two of them.
+void readShape(const CLI::App& cli, const std::string& radius, const std::string& longest,
+    ShapeRequest& request)
+{
+	for (const auto kind :
+	    {ShapeKind::kHull, ShapeKind::kAlpha, ShapeKind::kMaxEdge, ShapeKind::kVoronoi}) {
+		const char* const option = optionOf(kind);
+		if (cli.count(option) == 0) continue;
+		if (request.kind != ShapeKind::kMesh)
+			throw CLI::ValidationError(option,
+			    std::string("it does not go with ") + optionOf(request.kind) +
+			        "; run once for each");
+		request.kind = kind;
+		if (kind == ShapeKind::kAlpha && radius != "auto")
+			request.limit = positiveNumber(option, radius, ", nor auto");
+		if (kind == ShapeKind::kMaxEdge) request.limit = positiveNumber(option, longest, "");
+	}
 }
 
 } // namespace
@@ -56,6 +89,17 @@ std::optional<int> parseCommandLine(int argc, char** argv, Options& options)
 	    ->check(CLI::IsMember(getStdoutFormats()));
 	cli.add_flag("--compact", options.bCompact,
 	    "TetGen: only distinct vertices, and a .map from the points to them, not all points");
+	std::string radius, longest;
+	cli.add_flag("--hull", "Compute the convex hull: a surface");
+	cli.add_option("--alpha", radius,
+	    "Compute the alpha shape of that radius, or with auto of the smallest one that keeps every "
+	    "point: tetrahedra, or their surface");
+	cli.add_option("--max-edge", longest,
+	    "Drop tetrahedra with an edge longer than that; the others, or their surface");
+	cli.add_flag("--voronoi",
+	    "Compute the Voronoi cell of each point, clipped to the hull: polyhedra (.vtu)");
+	cli.add_flag("--quality", options.shape.bQuality,
+	    "Measure volumes, dihedral angles, radius ratios and edges of the tetrahedra");
 	bool bCheckAll = false, bNoCheck = false;
 	auto* pCheck = cli.add_flag("--check", bCheckAll,
 	    "Check all links, the hull and the Euler relation too, not only the empty spheres");
@@ -70,6 +114,7 @@ std::optional<int> parseCommandLine(int argc, char** argv, Options& options)
 	try {
 		cli.parse(argc, argv);
 		if (cli.count("FILE") == 0 && isTerminal(stdin)) throw CLI::RequiredError("FILE");
+		readShape(cli, radius, longest, options.shape);
 	} catch (const CLI::ParseError& error) {
 		return cli.exit(error) == 0 ? kDone : kWrongUse;
 	}

@@ -2,6 +2,7 @@
 // The command line of the program.
 #pragma once
 
+#include "Shape.h"
 #include "read/Reader.h"
 
 #include <optional>
@@ -20,6 +21,7 @@ struct Options
 	/// The format of standard output, where that is an output.
 	std::string stdoutFormat;
 	bool bCompact = false;
+	ShapeRequest shape;
 	Check check = Check::kGeometry;
 	bool bStatistics = false;
 	bool bJson = false;

@@ -2,7 +2,8 @@
 // Collecting the facts of a run, each once, in both of the forms in which it can be printed.
 #include "Report.h"
 
-#include "Utf8.h"
+#include "Facts.h"
+#include "ShapeFacts.h"
 
 #include <algorithm>
 #include <charconv>
@@ -17,36 +18,6 @@ using TULO3D::Point3;
 namespace app {
 
 namespace {
-
-// A fact with its JSON name, its label for a person, and its value as each of them reads it.
-struct Fact
-{
-	const char* key;
-	std::string label;
-	std::string json;
-	std::string text;
-};
-
-template <class... Format>
-std::string decimal(double value, Format... format)
-{
-	char aText[400];
-	const auto end = std::to_chars(aText, aText + sizeof(aText), value, format...).ptr;
-	return {aText, end};
-}
-
-Fact count(const char* key, const char* label, std::size_t value)
-{
-	std::string text = std::to_string(value);
-	for (std::size_t i = text.size(); i > 3; i -= 3) text.insert(i - 3, ",");
-	return {key, label, std::to_string(value), text};
-}
-
-Fact seconds(const char* key, const char* label, double value)
-{
-	const std::string text = decimal(value, std::chars_format::fixed, 3);
-	return {key, label, decimal(value), text};
-}
 
 // The most memory that the program has had so far.
 Fact peakMemory()
@@ -63,11 +34,6 @@ Fact peakMemory()
 	return {"peakMemoryBytes", "peak memory", std::to_string(bytes),
 	    std::to_string(bytes >> 20) + " MB"};
 #endif
-}
-
-Fact number(const char* key, const char* label, double value)
-{
-	return {key, label, decimal(value), decimal(value, std::chars_format::general, 6)};
 }
 
 Fact corner(const char* key, const char* label, const Point3& p)
@@ -87,21 +53,6 @@ Fact validity(const Measured& measured)
 {
 	if (!measured.bChecked) return {"valid", "valid", "null", "not checked"};
 	return {"valid", "valid", measured.bValid ? "true" : "false", measured.bValid ? "yes" : "no"};
-}
-
-std::string jsonText(const std::string& text)
-{
-	static const char* const kHex = "0123456789abcdef";
-	std::string quoted = "\"";
-	for (const char c : validUtf8(text)) {
-		if (c == '"' || c == '\\') quoted += '\\';
-		const auto code = static_cast<unsigned char>(c);
-		if (code < 32)
-			(quoted += "\\u00") += {kHex[code / 16], kHex[code % 16]};
-		else
-			quoted += c;
-	}
-	return quoted + "\"";
 }
 
 double volume(const Mesh& mesh, const std::int32_t* pCorners)
@@ -148,13 +99,10 @@ std::vector<Fact> statistics(const Measured& measured, const Mesh& mesh)
 	for (std::size_t i = 0; i < mesh.numVertices(); ++i) box.add(mesh.point(i));
 	double total = 0;
 	forEachTet(mesh, [&](const std::int32_t* pCorners) { total += volume(mesh, pCorners); });
-	const auto vHullNumbers = numberVertices(mesh, mesh.vHullCorners);
-	const auto numInside = std::count(vHullNumbers.begin(), vHullNumbers.end(), -1);
 	const double ratio =
 	    static_cast<double>(mesh.numTets()) / static_cast<double>(mesh.numVertices());
 	return {count("repeatedPoints", "duplicate points", measured.numPoints - mesh.numVertices()),
-	    count("hullVertices", "hull vertices",
-	        mesh.numVertices() - static_cast<std::size_t>(numInside)),
+	    count("hullVertices", "hull vertices", numHullVertices(mesh)),
 	    count("facets", "facets", mesh.numFacets()),
 	    number("tetrahedraOverVertices", "tetrahedra / distinct vertices", ratio),
 	    number("meanIncidentTetrahedra", "mean tetrahedra incident to a vertex",
@@ -169,9 +117,12 @@ std::vector<Fact> statistics(const Measured& measured, const Mesh& mesh)
 
 } // namespace
 
-std::string reportText(const Measured& measured, const Mesh& mesh, bool bStatistics)
+std::string reportText(
+    const Measured& measured, const Mesh& mesh, const Shape& shape, bool bStatistics)
 {
 	auto vFacts = basicFacts(measured, mesh);
+	for (auto& fact : shapeFacts(mesh, shape, measured.shapeSeconds))
+		vFacts.push_back(std::move(fact));
 	if (bStatistics)
 		for (auto& fact : statistics(measured, mesh)) vFacts.push_back(std::move(fact));
 	std::size_t width = 20;
@@ -184,13 +135,17 @@ std::string reportText(const Measured& measured, const Mesh& mesh, bool bStatist
 	return text;
 }
 
-std::string reportJson(const Measured& measured, const Mesh& mesh)
+std::string reportJson(const Measured& measured, const Mesh& mesh, const Shape& shape)
 {
 	auto vFacts = basicFacts(measured, mesh);
+	for (auto& fact : shapeFacts(mesh, shape, measured.shapeSeconds))
+		vFacts.push_back(std::move(fact));
 	for (auto& fact : statistics(measured, mesh)) vFacts.push_back(std::move(fact));
 	std::string json;
-	for (const auto& fact : vFacts)
+	for (const auto& fact : vFacts) {
+		if (fact.json.empty()) continue; // for the text alone
 		json += (json.empty() ? "{\n  \"" : ",\n  \"") + std::string(fact.key) + "\": " + fact.json;
+	}
 	return json + "\n}\n";
 }
 

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "Mesh.h"
+#include "Shape.h"
 
 #include <string>
 #include <vector>
@@ -22,6 +23,7 @@ struct Measured
 	/// The insertion alone: neither reading nor checking nor writing.
 	double insertSeconds = 0;
 	double checkSeconds = 0;
+	double shapeSeconds = 0;
 	double writeSeconds = 0;
 	double totalSeconds = 0;
 	bool bChecked = false;
@@ -29,8 +31,9 @@ struct Measured
 };
 
 /// A line for each fact; `bStatistics` adds those that take a traversal of the mesh.
-std::string reportText(const Measured& measured, const Mesh& mesh, bool bStatistics);
+std::string reportText(
+    const Measured& measured, const Mesh& mesh, const Shape& shape, bool bStatistics);
 /// One JSON object with every fact, statistics included.
-std::string reportJson(const Measured& measured, const Mesh& mesh);
+std::string reportJson(const Measured& measured, const Mesh& mesh, const Shape& shape);
 
 } // namespace app

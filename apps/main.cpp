@@ -50,6 +50,7 @@ void checkOutputs(const Options& options)
 		throw Failure(kWrongUse, "--to is the format of standard output, which needs -o -");
 	if (std::count(options.vOutputs.begin(), options.vOutputs.end(), kStdout) > 1)
 		throw Failure(kWrongUse, "-o -: standard output can be one output only");
+	checkShapeOutputs(options.shape, options.vOutputs, options.stdoutFormat);
 	for (const auto& output : options.vOutputs) {
 		hasAttributes(output, options.stdoutFormat); // fails when there is no such format
 		for (const auto& file : getOutputFiles(output, options.bCompact)) {
@@ -67,6 +68,17 @@ ReadOptions readingOptions(const Options& options)
 	for (const auto& output : options.vOutputs)
 		reading.bAttributes |= hasAttributes(output, options.stdoutFormat);
 	return reading;
+}
+
+// What the options ask for; nothing when they ask for the mesh alone.
+Shape makeShape(const Mesh& mesh, const Options& options, Progress& progress, Measured& measured)
+{
+	Shape shape;
+	if (!options.shape.isAny()) return shape;
+	progress.stop();
+	progress.start("computing shapes");
+	measured.shapeSeconds = timed([&] { shape = computeShape(mesh, options.shape); });
+	return shape;
 }
 
 void writeOutputs(const Options& options, const Result& result, Progress& progress)
@@ -150,18 +162,22 @@ ExitStatus run(const Options& options, LibraryMessages& messages)
 		measured.checkSeconds = timed([&] { measured.bValid = isValid(mesh, options); });
 	}
 	const bool bBroken = measured.bChecked && !measured.bValid;
-	if (!bBroken)
+	Shape shape;
+	if (!bBroken) {
+		shape = makeShape(mesh, options, progress, measured);
 		measured.writeSeconds = timed([&] {
-			writeOutputs(options, {mesh, input, options.stdoutFormat, options.bCompact}, progress);
+			writeOutputs(
+			    options, {mesh, input, shape, options.stdoutFormat, options.bCompact}, progress);
 		});
+	}
 	progress.stop();
 	measured.totalSeconds = secondsSince(start);
 
 	std::FILE* const pReport = isStdoutUsed(options) ? stderr : stdout;
 	if (options.bJson)
-		print(reportJson(measured, mesh), pReport);
+		print(reportJson(measured, mesh, shape), pReport);
 	else if (options.bStatistics || !options.bQuiet)
-		print(reportText(measured, mesh, options.bStatistics), pReport);
+		print(reportText(measured, mesh, shape, options.bStatistics), pReport);
 	if (bBroken)
 		throw Failure(kNotValid, options.file + ": the mesh is not valid; no output was written");
 	messages.dismiss();

@@ -198,11 +198,47 @@ class Program(ProgramCase):
                            ([points, "-o", "-"], "(--to)"), ([points, "--to", "stl"], "-o -"),
                            ([points, "-o", "-", "--to", "tetgen"], "--to"), ([points, "--columns", "1,2,3"], "are for text"),
                            ([points, "-o", points], "would replace the input"), ([points, "-q", "-v"], "--quiet"),
+                           ([points, "--hull", "--alpha", "3"], "does not go with --hull"),
+                           ([points, "--alpha", "all"], "'all' is no positive number, nor auto"),
+                           ([points, "--max-edge", "-1"], "'-1' is no positive number"), ([points, "--alpha", ""], "''"),
+                           ([points, "--hull", "-o", "m.vtu"], "m.vtu: --hull makes a surface"),
+                           ([points, "--voronoi", "-o", "-", "--to", "vtk"], "-o -: --voronoi makes polyhedra"),
+                           ([points, "--quality", "-o", "m.stl", "-o", "m.ele"], "no room for values of tetrahedra"),
+                           ([points, "--quality", "--voronoi"], "--quality measures tetrahedra"),
                            ([points, "-f", "stl"], "stl"), ([points, "--check", "--no-check"], "--check")):
             with self.subTest(text):
                 done = run(*args)
                 self.assertEqual((done.returncode, done.stdout, done.stderr[:8]), (2, b"", b"tulo3d: "))
                 self.assertIn(text, done.stderr.decode())
+
+    def testShapesHaveTheirAreaVolumeAndParts(self):
+        cubes = lines([(x + far, y, z) for far in (0, 10) for x in (0, 1) for y in (0, 1) for z in (0, 1)]).encode()
+        for args, expected in (
+                (["--hull"], {"shape": "hull", "area": 46, "volume": 11}),
+                (["--alpha", "auto"], {"alphaRadius": 0.75**0.5, "components": 2, "triangles": 24, "area": 12, "volume": 2}),
+                (["--alpha", "99"], {"alphaRadius": 99, "components": 1, "area": 46, "volume": 11}),
+                (["--max-edge", "1.74"], {"maxEdge": 1.74, "components": 2, "area": 12, "volume": 2}),
+                (["--voronoi"], {"cells": 16, "unboundedCells": 16, "volume": 11})):
+            with self.subTest(args):
+                facts = json.loads(run("--json", *args, input=cubes).stdout)
+                for name, value in expected.items():
+                    (self.assertEqual if name == "shape" else self.assertAlmostEqual)(facts[name], value)
+                text = run(*args, input=cubes).stdout.decode()
+                self.assertRegex(text, rf"\nvolume +{expected['volume']}\n")
+        none = run("--max-edge", "0.9", "-o", self.mesh, input=cubes)
+        self.assertEqual((none.returncode, self.mesh.exists()), (4, False))
+        self.assertIn(b"no tetrahedron is left; the shortest of their longest edges is 1.", none.stderr)
+
+    def testARegularTetrahedronIsOfTheBestQuality(self):
+        points = b"1 1 1\n1 -1 -1\n-1 1 -1\n-1 -1 1\n"
+        measures = json.loads(run("--json", "--quality", input=points).stdout)["quality"]
+        for name, value in (("volume", 8 / 3), ("minDihedralAngle", 70.528779), ("maxDihedralAngle", 70.528779),
+                            ("radiusRatio", 1), ("shortestEdge", 8**0.5), ("longestEdge", 8**0.5)):
+            for number in "min", "mean", "max":
+                self.assertAlmostEqual(measures[name][number], value, 6)
+        counts = [measures[name]["histogram"]["counts"] for name in ("minDihedralAngle", "maxDihedralAngle", "radiusRatio")]
+        self.assertEqual(counts, [[0] * 7 + [1], [1] + [0] * 10, [0] * 9 + [1]])
+        self.assertIn(b"\n  70 to 80 degrees      1\n", run("--quality", input=points).stdout)
 
     def testEveryOptionIsCompletedAndDescribed(self):
         text = run("--help").stdout.decode()
@@ -293,26 +329,31 @@ class Program(ProgramCase):
                 self.assertEqual((caught, program.wait()), (True, -number))
                 self.assertEqual([p.name for p in self.folder.glob(".*")], [])
 
-    def testTheWrittenNeighboursAndHullFitTogether(self):
-        facts = json.loads(run("--json", "-o", self.mesh, "-o", self.folder / "hull.off",
-                               "-o", self.folder / "m.list", input=lines(POINTS).encode()).stdout)
+    def testTheWrittenNeighboursAndSurfaceFitTogether(self):
+        for args, volume in ([], "hullVolume"), (["--max-edge", "1e6"], "volume"), (["--alpha", "auto"], "volume"):
+            with self.subTest(args):
+                facts = json.loads(run("--json", *args, "-o", self.mesh, "-o", self.folder / "hull.off",
+                                       "-o", self.folder / "m.list", input=lines(POINTS).encode()).stdout)
+                self.expectNeighboursAndSurface(
+                    facts.get("tetrahedraLeft", facts["tetrahedra"]), facts.get("triangles", facts["hullFacets"]), facts[volume])
+
+    def expectNeighboursAndSurface(self, numTets, numTriangles, expectedVolume):
         tets, neighbours = ([tuple(map(int, row.split()[1:])) for row in self.mesh.with_suffix(s).read_text()
                              .splitlines()[1:]] for s in (".ele", ".neigh"))
         for t, row in enumerate(neighbours):
             for i, n in enumerate(row):
                 facet = set(tets[t]) - {tets[t][i]}
                 self.assertTrue(n < 0 or (t in neighbours[n] and facet < set(tets[n])))
-        self.assertEqual(sum(row.count(-1) for row in neighbours), facts["hullFacets"])
-        hull = [row.split() for row in (self.folder / "hull.off").read_text().splitlines()[2:]]
-        corners = [tuple(map(float, row)) for row in hull[:facts["hullVertices"]]]
+        self.assertEqual((len(tets), sum(row.count(-1) for row in neighbours)), (numTets, numTriangles))
+        counts, *hull = [row.split() for row in (self.folder / "hull.off").read_text().splitlines()[1:]]
+        corners = [tuple(map(float, row)) for row in hull[:int(counts[0])]]
         volume = 0
         for _, *facet in hull[len(corners):]:
             a, b, c = (corners[int(i)] for i in facet)
             volume += sum(a[i] * (b[i - 2] * c[i - 1] - b[i - 1] * c[i - 2]) for i in range(3)) / 6
-        self.assertAlmostEqual(volume / facts["hullVolume"], 1)  # outward, and closed
+        self.assertAlmostEqual(volume / expectedVolume, 1)  # outward, and closed
         drawing = (self.folder / "m.list").read_text()
-        self.assertEqual(len(re.findall("^3 .*\\.5$", drawing, re.M)), 4 * facts["tetrahedra"])
-
+        self.assertEqual(len(re.findall("^3 .*\\.5$", drawing, re.M)), 4 * numTets)
 
     def testStandardOutputGetsWhatAFileWouldGet(self):
         points = self.write("a.xyz", lines(POINTS))
@@ -502,6 +543,59 @@ class OtherPrograms(ProgramCase):
             self.assertEqual(mesh["cells"], {"triangle": facts["hullFacets"]})
             self.assertEqual(len(mesh["points"]), facts["hullVertices"])
             self.assertAlmostEqual(mesh["volume"] / facts["hullVolume"], 1, 3 if mesh is stl else 7)
+
+    def testMeshioReadsShapesOfTheVolumeThatTheSummarySays(self):
+        if importlib.util.find_spec("meshio") is None:
+            self.skipTest(f"{sys.executable} has no meshio (tools/packages.sh)")
+        files = [self.folder / ("m" + s) for s in (".vtu", ".vtk", ".msh", ".ele", ".off", ".ply", ".stl", ".obj")]
+        points = lines([[random.random() for _ in range(3)] for _ in range(200)]).encode()
+        for args in ["--alpha", "0.2"], ["--alpha", "auto"], ["--max-edge", "0.4"]:
+            with self.subTest(args):
+                facts = json.loads(run("--json", "--quality", *args, *(a for f in files for a in ("-o", f)), input=points).stdout)
+                read = json.loads(subprocess.check_output([sys.executable, MESHIO_TOOL, *files], stderr=subprocess.DEVNULL))
+                self.assertLess(facts["tetrahedraLeft"], facts["tetrahedra"])
+                for i, mesh in enumerate(read):
+                    kind = {"tetra": facts["tetrahedraLeft"]} if i < 4 else {"triangle": facts["triangles"]}
+                    self.assertEqual(mesh["cells"], kind)
+                    self.assertAlmostEqual(mesh["volume"] / facts["volume"], 1, 5)
+                for mesh in read[:3]:
+                    values = mesh["cellData"]
+                    self.assertAlmostEqual(sum(values["volume"]), facts["volume"])
+                    self.assertEqual(len(set(values["component"])), facts["components"])
+                    for name, measure in facts["quality"].items():
+                        self.assertEqual([min(values[name]), max(values[name])], [measure["min"], measure["max"]])
+
+    def testVtkReadsVoronoiCellsThatFillTheHull(self):
+        if importlib.util.find_spec("vtk") is None:
+            self.skipTest(f"{sys.executable} has no vtk")
+        program = """import json, sys, vtk
+reader = vtk.vtkXMLUnstructuredGridReader()
+reader.SetFileName(sys.argv[1])
+reader.Update()
+grid, data = reader.GetOutput(), reader.GetOutput().GetCellData()
+cells = []
+for i in range(grid.GetNumberOfCells()):
+    faces = (grid.GetCell(i).GetFace(k) for k in range(grid.GetCell(i).GetNumberOfFaces()))
+    cells.append({"faces": [[f.GetPointId(k) for k in range(f.GetNumberOfPoints())] for f in faces]})
+    for k in range(data.GetNumberOfArrays()):
+        cells[-1][data.GetArrayName(k)] = data.GetArray(k).GetTuple(i)
+json.dump([[grid.GetPoint(i) for i in range(grid.GetNumberOfPoints())], cells], sys.stdout)"""
+        raster = [(x, y, z) for x in range(4) for y in range(4) for z in range(4)]
+        points = [raster[0]] + raster + [[3 * random.random() for _ in range(3)] for _ in range(100)]
+        rows = [f"{row},{i},7,8\n" for i, row in enumerate(lines(points, ",").split())]
+        file = self.folder / "cells.vtu"
+        facts = json.loads(run("--json", "--voronoi", "-o", file, self.write("a.csv", "x,y,z,red,green,blue\n" + "".join(rows))).stdout)
+        corners, cells = json.loads(subprocess.check_output([sys.executable, "-c", program, file]))
+        self.assertEqual([c["inputIndex"] for c in cells], [[i] for i in range(len(points)) if i != 1])
+        self.assertEqual([c["RGB"] for c in cells], [[i, 7, 8] for i in range(len(points)) if i != 1])
+        self.assertEqual(sum(c["unbounded"][0] for c in cells), facts["unboundedCells"])
+        for cell in cells:
+            origin, volume = corners[cell["faces"][0][0]], 0
+            for a, *others in ([[u - o for u, o in zip(corners[i], origin)] for i in face] for face in cell["faces"]):
+                for b, c in zip(others, others[1:]):
+                    volume += sum(a[i] * (b[i - 2] * c[i - 1] - b[i - 1] * c[i - 2]) for i in range(3)) / 6
+            self.assertAlmostEqual(volume, cell["volume"][0])
+        self.assertAlmostEqual(sum(c["volume"][0] for c in cells), 27)
 
     def testVtkReadsWhatIsWritten(self):
         if importlib.util.find_spec("vtk") is None:

@@ -23,6 +23,7 @@ def contents(file):
         "points": mesh.points.tolist(),
         "cells": {block.type: len(block.data) for block in mesh.cells},
         "pointData": {name: values.ravel().tolist() for name, values in mesh.point_data.items()},
+        "cellData": {name: values[0].ravel().tolist() for name, values in mesh.cell_data.items()},
         "volume": float(volume),
     }
 

@@ -7,12 +7,13 @@ _tulo3d() {
 	case $previous in
 	-f | --format) words="xyz ply obj off las node" ;;
 	--to) words="vtu vtk msh ply stl obj off list" ;;
-	--columns | --skip-lines) return ;;
+	--alpha) words="auto" ;;
+	--columns | --skip-lines | --max-edge) return ;;
 	-o | --output) words="" ;;
 	*)
 		[[ $current != -* ]] || words="-h --help --version -f --format --columns --skip-lines
-			--skip-invalid -o --output --to --compact --check --no-check --stats --json
-			-q --quiet -v --verbose"
+			--skip-invalid -o --output --to --compact --hull --alpha --max-edge --voronoi
+			--quality --check --no-check --stats --json -q --quiet -v --verbose"
 		;;
 	esac
 	if [[ -n ${words:-} ]]; then

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The mesh for Gmsh: format 4.1, binary in the order of bytes of this machine. Attributes are node data, which
-// are always doubles there.
+// The mesh for Gmsh: format 4.1, binary in the order of bytes of this machine. Attributes are node data and
+// values of tetrahedra element data, which are always doubles there.
 //
 // Nodes are numbered without gaps, from 1 on: not every reader of node data takes other numbers. Where these
 // are not those of the input points, node data names the points.
@@ -38,29 +38,31 @@ void writeNodes(OutputFile& file, const Mesh& mesh)
 	file.text("\n$EndNodes\n");
 }
 
-void writeElements(OutputFile& file, const Mesh& mesh)
+void writeElements(OutputFile& file, const Result& result)
 {
 	file.text("$Elements\n");
-	beginBlock(file, mesh.numTets(), kTetrahedron);
+	beginBlock(file, numTets(result), kTetrahedron);
 	uint64_t element = 0;
-	forEachTet(mesh, [&](const int32_t* pCorners) {
+	forEachTet(result, [&](const int32_t* pCorners) {
 		file.binary(++element);
 		for (int i = 0; i < 4; ++i) file.binary(uint64_t{1} + static_cast<uint64_t>(pCorners[i]));
 	});
 	file.text("\n$EndElements\n");
 }
 
-// `valueOf(vertex)` is a double.
+// Values of all nodes or of all elements; `valueOf(i)` is a double.
 template <class ValueOf>
-void writeNodeData(OutputFile& file, std::string name, std::size_t num, ValueOf valueOf)
+void writeData(OutputFile& file, const std::string& section, std::string name, std::size_t num,
+    ValueOf valueOf)
 {
 	std::replace(name.begin(), name.end(), '"', '\'');
-	file.text("$NodeData\n1\n\"" + name + "\"\n1\n0\n3\n0\n1\n" + std::to_string(num) + "\n");
+	file.text(
+	    "$" + section + "\n1\n\"" + name + "\"\n1\n0\n3\n0\n1\n" + std::to_string(num) + "\n");
 	for (std::size_t i = 0; i < num; ++i) {
 		file.binary(static_cast<int32_t>(i + 1));
 		file.binary(valueOf(i));
 	}
-	file.text("\n$EndNodeData\n");
+	file.text("\n$End" + section + "\n");
 }
 
 } // namespace
@@ -74,13 +76,16 @@ void writeMsh(const Result& result, const Path& output)
 	file.binary(int32_t{1}); // shows the order of bytes
 	file.text("\n$EndMeshFormat\n");
 	writeNodes(file, mesh);
-	writeElements(file, mesh);
+	writeElements(file, result);
 	if (result.inputIndex(num - 1) != static_cast<int32_t>(num - 1))
-		writeNodeData(file, "inputIndex", num,
+		writeData(file, "NodeData", "inputIndex", num,
 		    [&](std::size_t vertex) -> double { return result.inputIndex(vertex); });
 	for (const auto& attribute : result.input.vAttributes)
-		writeNodeData(file, attribute.name, num,
+		writeData(file, "NodeData", attribute.name, num,
 		    [&](std::size_t vertex) { return valueAt(attribute, result.firstInput(vertex)); });
+	for (const auto& values : result.shape.vTetValues)
+		writeData(file, "ElementData", values.name, numTets(result),
+		    [&](std::size_t tet) { return valueAt(values, tet); });
 	file.commit();
 }
 

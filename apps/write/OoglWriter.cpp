@@ -25,10 +25,10 @@ void writeVertices(OutputFile& file, const Mesh& mesh)
 	}
 }
 
-void writeFacets(OutputFile& file, const Mesh& mesh)
+void writeFacets(OutputFile& file, const Result& result)
 {
 	std::size_t tet = 0;
-	forEachTet(mesh, [&](const std::int32_t* pCorners) {
+	forEachTet(result, [&](const std::int32_t* pCorners) {
 		const char* const colour = kColours[tet++ % std::size(kColours)];
 		for (const auto& facet : kOutside) {
 			file.text("3");
@@ -59,9 +59,9 @@ void writeOogl(const Result& result, const Path& output)
 	const Mesh& mesh = result.mesh;
 	OutputFile file(output);
 	file.text("LIST\n{ OFF\n" + std::to_string(mesh.numVertices()) + " " +
-	    std::to_string(4 * mesh.numTets()) + " 0\n");
+	    std::to_string(4 * numTets(result)) + " 0\n");
 	writeVertices(file, mesh);
-	writeFacets(file, mesh);
+	writeFacets(file, result);
 	file.text("}\n");
 	writeDots(file, mesh);
 	file.commit();

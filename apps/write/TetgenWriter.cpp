@@ -90,12 +90,13 @@ void writeNodes(OutputFile& file, const Nodes& nodes, const std::vector<Attribut
 	}
 }
 
-void writeTets(OutputFile& elements, OutputFile& neighbours, const Nodes& nodes)
+void writeTets(
+    OutputFile& elements, OutputFile& neighbours, const Nodes& nodes, const Result& result)
 {
-	elements.text(std::to_string(nodes.mesh.numTets()) + " 4 0\n");
-	neighbours.text(std::to_string(nodes.mesh.numTets()) + " 4\n");
+	elements.text(std::to_string(numTets(result)) + " 4 0\n");
+	neighbours.text(std::to_string(numTets(result)) + " 4\n");
 	std::int64_t tet = nodes.base;
-	forEachTet(nodes.mesh, [&](const std::int32_t* pCorners, const std::int32_t* pNeighbours) {
+	forEachTet(result, [&](const std::int32_t* pCorners, const std::int32_t* pNeighbours) {
 		elements.number(tet);
 		neighbours.number(tet);
 		for (int i = 0; i < 4; ++i) {
@@ -127,7 +128,7 @@ void writeTetgen(const Result& result, const Path& output)
 	for (const auto& name : getOutputFiles(output, result.bCompact))
 		vFiles.push_back(std::make_unique<OutputFile>(name));
 	writeNodes(*vFiles[0], nodes, result.input.vAttributes);
-	writeTets(*vFiles[1], *vFiles[2], nodes);
+	writeTets(*vFiles[1], *vFiles[2], nodes, result);
 	if (result.bCompact) writeMap(*vFiles[3], nodes);
 
 	// None takes its name before all are complete.

@@ -19,6 +19,8 @@ struct Format
 	const char* name;
 	std::vector<const char*> vExtensions;
 	bool bAttributes;
+	/// Values of tetrahedra have room, too.
+	bool bTetValues;
 	void (*writeMesh)(const Result&, const Path&);
 	/// In place of it, for formats of surfaces.
 	void (*writeSurface)(const Result&, const Triangles&, const Path&);
@@ -27,15 +29,15 @@ struct Format
 const std::vector<Format>& getFormats()
 {
 	static const std::vector<Format> vFormats = {
-	    {"vtu", {".vtu"}, true, writeVtu, nullptr},
-	    {"vtk", {".vtk"}, true, writeVtk, nullptr},
-	    {"msh", {".msh"}, true, writeMsh, nullptr},
-	    {"tetgen", {".node", ".ele", ".neigh"}, true, writeTetgen, nullptr},
-	    {"ply", {".ply"}, true, nullptr, writePly},
-	    {"stl", {".stl"}, false, nullptr, writeStl},
-	    {"obj", {".obj"}, false, nullptr, writeObj},
-	    {"off", {".off"}, false, nullptr, writeOff},
-	    {"list", {".list", ".oogl"}, false, writeOogl, nullptr},
+	    {"vtu", {".vtu"}, true, true, writeVtu, nullptr},
+	    {"vtk", {".vtk"}, true, true, writeVtk, nullptr},
+	    {"msh", {".msh"}, true, true, writeMsh, nullptr},
+	    {"tetgen", {".node", ".ele", ".neigh"}, true, false, writeTetgen, nullptr},
+	    {"ply", {".ply"}, true, false, nullptr, writePly},
+	    {"stl", {".stl"}, false, false, nullptr, writeStl},
+	    {"obj", {".obj"}, false, false, nullptr, writeObj},
+	    {"off", {".off"}, false, false, nullptr, writeOff},
+	    {"list", {".list", ".oogl"}, false, false, writeOogl, nullptr},
 	};
 	return vFormats;
 }
@@ -135,12 +137,38 @@ bool hasAttributes(const Path& output, const std::string& stdoutFormat)
 	return findFormat(output, stdoutFormat).bAttributes;
 }
 
+void checkShapeOutputs(const ShapeRequest& request, const std::vector<std::string>& vOutputs,
+    const std::string& stdoutFormat)
+{
+	if (request.bQuality &&
+	    (request.kind == ShapeKind::kHull || request.kind == ShapeKind::kVoronoi))
+		throw Failure(kWrongUse,
+		    "--quality measures tetrahedra: use it alone, or with --alpha or --max-edge");
+	bool bTetValues = vOutputs.empty();
+	for (const auto& output : vOutputs) {
+		const auto& format = findFormat(output, stdoutFormat);
+		const auto name = output == kStdout ? "-o -" : output;
+		bTetValues |= format.bTetValues;
+		if (request.kind == ShapeKind::kHull && !format.writeSurface)
+			throw Failure(kWrongUse,
+			    name +
+			        ": --hull makes a surface: write it as .ply, .stl, .obj or .off, or leave "
+			        "--hull out to write the tetrahedra");
+		if (request.kind == ShapeKind::kVoronoi && format.writeMesh != writeVtu)
+			throw Failure(kWrongUse, name + ": --voronoi makes polyhedra: write them as .vtu");
+	}
+	if (request.bQuality && !bTetValues)
+		throw Failure(kWrongUse,
+		    "--quality: the outputs have no room for values of tetrahedra: add one as .vtu, .vtk "
+		    "or .msh, or write none for the summary alone");
+}
+
 std::string outputWarning(const Result& result, const Path& output)
 {
 	const auto& format = findFormat(output, result.stdoutFormat);
 	const auto name = output.string() + ": ";
 	constexpr std::size_t kBytesPerTet = 170;
-	const std::size_t gigabytes = result.mesh.numTets() * kBytesPerTet / 1000000000;
+	const std::size_t gigabytes = numTets(result) * kBytesPerTet / 1000000000;
 	if (format.writeMesh == writeOogl && gigabytes > 0)
 		return name + "this drawing takes about " + std::to_string(gigabytes) +
 		    " GB, and Geomview several times as much memory";
@@ -153,8 +181,13 @@ std::string outputWarning(const Result& result, const Path& output)
 void writeMesh(const Result& result, const Path& output)
 {
 	const auto& format = findFormat(output, result.stdoutFormat);
-	if (format.writeSurface)
-		format.writeSurface(result, result.mesh.vHullCorners, output);
+	const Shape& shape = result.shape;
+	if (shape.kind == ShapeKind::kVoronoi)
+		writeVoronoi(result, output);
+	else if (format.writeSurface)
+		format.writeSurface(result,
+		    shape.kind == ShapeKind::kMesh ? result.mesh.vHullCorners : shape.solid.vTriangles,
+		    output);
 	else
 		format.writeMesh(result, output);
 }

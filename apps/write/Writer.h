@@ -3,6 +3,7 @@
 #pragma once
 
 #include "Mesh.h"
+#include "Shape.h"
 #include "read/Reader.h"
 
 #include <filesystem>
@@ -17,6 +18,8 @@ struct Result
 	const Mesh& mesh;
 	/// What was read, but for the points: the mesh has them.
 	const Input& input;
+	/// What was made of the mesh.
+	const Shape& shape;
 	/// The format of standard output; empty when it is no output.
 	std::string stdoutFormat;
 	/// TetGen's files have each vertex once, with numbers of its own, and not each input point.
@@ -30,6 +33,18 @@ struct Result
 		return static_cast<std::size_t>(mesh.vFirstInput[vertex]);
 	}
 };
+
+inline std::size_t numTets(const Result& result)
+{
+	return numTets(result.mesh, result.shape);
+}
+
+/// The tetrahedra that are written.
+template <class Visit>
+void forEachTet(const Result& result, Visit visit)
+{
+	forEachTet(result.mesh, result.shape, visit);
+}
 
 /// The name of standard output.
 constexpr const char* kStdout = "-";
@@ -45,6 +60,10 @@ std::vector<std::filesystem::path> getOutputFiles(
 /// True when the format of the output has room for attributes.
 bool hasAttributes(const std::filesystem::path& output, const std::string& stdoutFormat);
 
+/// Throws when one of the outputs cannot hold what was asked for.
+void checkShapeOutputs(const ShapeRequest& request, const std::vector<std::string>& vOutputs,
+    const std::string& stdoutFormat);
+
 /// What there is to say before an output is written; empty when there is nothing.
 std::string outputWarning(const Result& result, const std::filesystem::path& output);
 
@@ -54,6 +73,7 @@ void writeMesh(const Result& result, const std::filesystem::path& output);
 // Each writes files that appear only once they are complete.
 using Path = std::filesystem::path;
 void writeVtu(const Result& result, const Path& output);
+void writeVoronoi(const Result& result, const Path& output);
 void writeVtk(const Result& result, const Path& output);
 void writeMsh(const Result& result, const Path& output);
 void writeTetgen(const Result& result, const Path& output);
