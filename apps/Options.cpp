@@ -19,7 +19,8 @@ const char* const kFooter =
     R"(Input: XYZ, CSV, TXT and PTS text, PLY, OBJ, OFF, uncompressed LAS, TetGen .node;
        each of them also compressed by gzip
 Exit status: 0 done, 1 internal error or out of memory, 2 wrong command line, 3 bad input,
-             4 no four points span space, 5 output not written, 6 mesh not valid
+             4 no four points span space or no tetrahedron is left,
+             5 output not written, 6 mesh not valid
 Example: tulo3d scan.ply -o mesh.vtu --check --stats)";
 
 std::string failureMessage(const CLI::App* /*pApp*/, const CLI::Error& error)
@@ -81,9 +82,9 @@ std::optional<int> parseCommandLine(int argc, char** argv, Options& options)
 	    "Leave out points with a coordinate that is no finite number, and count them");
 	cli.add_option("-o,--output", options.vOutputs,
 	       "Write the mesh, as the extension says: .vtu, .vtk (ParaView), .msh (Gmsh), "
-	       ".node/.ele/.neigh (TetGen, all three), .list/.oogl (Geomview); or its hull: .ply, "
-	       ".stl, "
-	       ".obj, .off. May be repeated; - is standard output")
+	       ".node/.ele/.neigh (TetGen, all three), .list/.oogl (Geomview); or a surface, the "
+	       "hull or what is chosen below: .ply, .stl, .obj, .off. May be repeated; - is standard "
+	       "output")
 	    ->allow_extra_args(false);
 	cli.add_option("--to", options.stdoutFormat, "The format of standard output, for -o -")
 	    ->check(CLI::IsMember(getStdoutFormats()));
@@ -92,10 +93,13 @@ std::optional<int> parseCommandLine(int argc, char** argv, Options& options)
 	std::string radius, longest;
 	cli.add_flag("--hull", "Compute the convex hull: a surface");
 	cli.add_option("--alpha", radius,
-	    "Compute the alpha shape of that radius, or with auto of the smallest one that keeps every "
-	    "point: tetrahedra, or their surface");
+	       "Compute the alpha shape of that radius, or with auto of the smallest one that keeps "
+	       "every "
+	       "point: tetrahedra, or their surface")
+	    ->type_name("R|auto");
 	cli.add_option("--max-edge", longest,
-	    "Drop tetrahedra with an edge longer than that; the others, or their surface");
+	       "Drop tetrahedra with an edge longer than that; the others, or their surface")
+	    ->type_name("L");
 	cli.add_flag("--voronoi",
 	    "Compute the Voronoi cell of each point, clipped to the hull: polyhedra (.vtu)");
 	cli.add_flag("--quality", options.shape.bQuality,

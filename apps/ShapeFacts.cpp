@@ -30,8 +30,8 @@ void addMeasure(
 	const auto& v = std::get<std::vector<double>>(values.values);
 	const auto [least, most] = std::minmax_element(v.begin(), v.end());
 	const double mean = std::accumulate(v.begin(), v.end(), 0.0) / static_cast<double>(v.size());
-	json += (json.empty() ? "\"" : ", \"") + values.name + "\": {\"min\": " + jsonNumber(*least) +
-	    ", \"mean\": " + jsonNumber(mean) + ", \"max\": " + jsonNumber(*most);
+	json += (json.empty() ? "\"" : ", \"") + values.name + R"(": {"min": )" + jsonNumber(*least) +
+	    R"(, "mean": )" + jsonNumber(mean) + R"(, "max": )" + jsonNumber(*most);
 	vFacts.push_back({"", measure.label, "",
 	    shortNumber(*least) + " to " + shortNumber(*most) + ", mean " + shortNumber(mean) +
 	        measure.unit});
@@ -48,8 +48,8 @@ void addMeasure(
 			fact.json.clear();
 			vFacts.push_back(std::move(fact));
 		}
-		json += ", \"histogram\": {\"low\": " + decimal(measure.low) +
-		    ", \"high\": " + decimal(measure.high) + ", \"counts\": [" + counts + "]}";
+		json += R"(, "histogram": {"low": )" + decimal(measure.low) + R"(, "high": )" +
+		    decimal(measure.high) + R"(, "counts": [)" + counts + "]}";
 	}
 	json += "}";
 }

@@ -89,8 +89,12 @@ void writeVoronoi(const Result& result, const Path& output)
 	file.numCells = polyhedra.vVertices.size();
 	addPoints(file, result.shape, polyhedra.vPoints);
 	const auto add = [&](const char* name, const auto& vValues) {
-		file.add(file.cells, "Int64", name, vValues.size(),
-		    [&](std::size_t i) { return std::int64_t{vValues[i]}; });
+		if (polyhedra.vFaces.size() <= INT32_MAX) // the longest of all
+			file.add(file.cells, "Int32", name, vValues.size(),
+			    [&](std::size_t i) { return static_cast<std::int32_t>(vValues[i]); });
+		else
+			file.add(file.cells, "Int64", name, vValues.size(),
+			    [&](std::size_t i) { return std::int64_t{vValues[i]}; });
 	};
 	add("connectivity", polyhedra.vCorners);
 	add("offsets", polyhedra.vCornerEnds);
