@@ -16,12 +16,8 @@ namespace TULO3D {
 
 namespace {
 
-/// An item and its position on the curve.
-struct KeyedItem
-{
-	std::uint32_t key;
-	IdxVtx* pItem;
-};
+/// An item by its position on the curve.
+using KeyedItem = Keyed<std::uint32_t, IdxVtx*>;
 
 /// A probe for the place of `point`; the order never writes to it.
 IdxVtx probeFor(std::uint32_t key, const Point3& point)
@@ -67,9 +63,9 @@ void HC3::rebuildKeys()
 		vKeyed.push_back({pItem->key, pItem});
 	}
 	sortByKey(vKeyed, numBits, [](const KeyedItem& a, const KeyedItem& b) {
-		return Func_ltIdxVtxPtr()(a.pItem, b.pItem);
+		return Func_ltIdxVtxPtr()(a.value, b.value);
 	});
-	for (std::size_t i = 0; i < vKeyed.size(); ++i) vItems[i] = vKeyed[i].pItem;
+	for (std::size_t i = 0; i < vKeyed.size(); ++i) vItems[i] = vKeyed[i].value;
 	items.assign(vItems);
 }
 

@@ -17,12 +17,8 @@ namespace TULO3D {
 
 namespace {
 
-/// A point of a batch and its position on the curve.
-struct KeyedInput
-{
-	std::uint32_t key;
-	std::uint32_t position;
-};
+/// The position of a point in a batch, by that on the curve.
+using KeyedInput = Keyed<std::uint32_t, std::uint32_t>;
 
 /// The margin around the points of a batch: a tenth of the box for the first one that moves a box in
 /// this process, its whole size later on. Deliberate: one flag for all stores.
@@ -104,10 +100,10 @@ void HC3::insertPoints(const std::vector<Point3>& vPoints, std::vector<Point3*>&
 		batch.vCell.clear();
 		for (; i < siz && vHIndexIndexPair[i].key == key; ++i) {
 			// In curve order the input is read at scattered addresses.
-			const std::uint32_t later = vHIndexIndexPair[placeAhead(i, siz)].position;
+			const std::uint32_t later = vHIndexIndexPair[placeAhead(i, siz)].value;
 			prefetchObject(&vPoints[later]);
 			prefetch(&vUserHandles[later]);
-			batch.vCell.push_back(vHIndexIndexPair[i].position);
+			batch.vCell.push_back(vHIndexIndexPair[i].value);
 		}
 		insertCell(key, batch);
 		stored.reach(i);

@@ -28,11 +28,7 @@ void sortByCoordinates(std::vector<std::uint32_t>& vPositions, const std::vector
 {
 	constexpr std::size_t kMany = 512;
 	constexpr unsigned kBits = 36; // four passes
-	struct KeyedPosition
-	{
-		std::uint64_t key;
-		std::uint32_t position;
-	};
+	using KeyedPosition = Keyed<std::uint64_t, std::uint32_t>;
 	const auto byCoordinates = [&vPoints](std::uint32_t i, std::uint32_t j) {
 		return vPoints[i] < vPoints[j];
 	};
@@ -48,9 +44,9 @@ void sortByCoordinates(std::vector<std::uint32_t>& vPositions, const std::vector
 		vKeyed.push_back({orderedBits(vPoints[i].x(), kBits), i});
 	}
 	sortByKey(vKeyed, kBits, [&byCoordinates](const KeyedPosition& a, const KeyedPosition& b) {
-		return byCoordinates(a.position, b.position);
+		return byCoordinates(a.value, b.value);
 	});
-	for (std::size_t i = 0; i < vKeyed.size(); ++i) vPositions[i] = vKeyed[i].position;
+	for (std::size_t i = 0; i < vKeyed.size(); ++i) vPositions[i] = vKeyed[i].value;
 }
 
 } // namespace TULO3D

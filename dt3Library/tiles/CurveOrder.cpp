@@ -17,11 +17,8 @@ namespace {
 /// The margin of the first box in a process.
 constexpr double kFirstMargin = 0.1;
 
-struct KeyedInput
-{
-	std::uint32_t key;
-	std::uint32_t position;
-};
+/// The position of an input point, by that on the curve.
+using KeyedInput = Keyed<std::uint32_t, std::uint32_t>;
 
 /// The input in the order of the keys.
 std::vector<KeyedInput> sortAlongCurve(const std::vector<Point3>& vInput)
@@ -63,7 +60,7 @@ CurveOrder::Listing::Listing(const std::vector<Point3>& vInput) : vFirst(vInput.
 	for (std::size_t i = 0; i < vKeyed.size();) {
 		const std::uint32_t key = vKeyed[i].key;
 		vCell.clear();
-		for (; i < vKeyed.size() && vKeyed[i].key == key; ++i) vCell.push_back(vKeyed[i].position);
+		for (; i < vKeyed.size() && vKeyed[i].key == key; ++i) vCell.push_back(vKeyed[i].value);
 		sortByCoordinates(vCell, vInput);
 		const auto numBefore = static_cast<std::ptrdiff_t>(vMade.size());
 		for (const std::uint32_t n : vCell) {

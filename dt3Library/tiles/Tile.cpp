@@ -18,11 +18,7 @@ constexpr double kNear = 0.4;
 /// So many vertices of the lowest ranks, which are spread over all, are in every tile.
 constexpr std::size_t kNumSpread = 256;
 
-struct RankedVertex
-{
-	std::uint32_t key; // the rank
-	Point3* pVtx;
-};
+using RankedVertex = Keyed<std::uint32_t, Point3*>; // by its rank
 
 } // namespace
 
@@ -121,10 +117,10 @@ void Tile::begin()
 	}
 	sortByKey(vRanked, highestBit(order.size()) + 1);
 	std::array<Point3*, 4> first{};
-	for (std::size_t i = 0; i < 4; ++i) first[i] = vRanked[i].pVtx;
+	for (std::size_t i = 0; i < 4; ++i) first[i] = vRanked[i].value;
 	std::vector<Point3*> vVertices;
 	vVertices.reserve(vRanked.size());
-	for (std::size_t i = vRanked.size(); i-- > 4;) vVertices.push_back(vRanked[i].pVtx);
+	for (std::size_t i = vRanked.size(); i-- > 4;) vVertices.push_back(vRanked[i].value);
 	vRanked = {};
 	Tet3* pFirstTet = engine.startWith(first);
 	engine.insertInOrder(vVertices,
