@@ -93,7 +93,7 @@ const char* TuloException::what() const noexcept
 {
 	return "\n  TULO EXCEPTION due to a bug _or_ wrong usage of Tulo. If you think it is a \n"
 	       "  bug then please report this incident and it will be fixed quickly: "
-	       "bugs@tulo3d.example";
+	       "the place from which you have Tulo3D";
 }
 
 } // namespace TULO3D
