@@ -91,7 +91,6 @@ void Tile::begin()
 	// In the order of the curve, so that what is near is near in memory, too.
 	std::vector<RankedVertex> vRanked;
 	vRanked.reserve(own.size() + own.size() / 8);
-	vOwn.reserve(own.size());
 	auto itSpread = vSpread.begin();
 	for (std::uint32_t leaf = 0; leaf < tree.numLeaves(); ++leaf) {
 		const bool bKnown = isKnown({0, leaf});
@@ -103,15 +102,13 @@ void Tile::begin()
 			if (!bKnown && !bWanted) return;
 			Point3* pVtx = createVertex(position);
 			if (own.contains(position)) {
-				vOwn.push_back(pVtx);
+				pOwnVtx = pVtx;
 			} else {
-				vForeign.emplace(position, pVtx);
+				foreign.insert(position);
 			}
 			vRanked.push_back({static_cast<std::uint32_t>(order.rank(position)), pVtx});
 		});
 	}
-	numForeignAtBegin = vForeign.size();
-
 	if (order.isTiny() && engine.batchTests.pForTiny != nullptr) {
 		engine.batchTests = *engine.batchTests.pForTiny;
 	}

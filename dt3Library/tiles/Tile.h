@@ -12,7 +12,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
-#include <unordered_map>
+#include <unordered_set>
 #include <utility>
 #include <vector>
 
@@ -70,13 +70,6 @@ public:
 		return static_cast<std::uint32_t>(vtx.getCustomIndex());
 	}
 	const Dt3& mesh() const { return engine; }
-	/// In the order of their positions.
-	const std::vector<Point3*>& ownVertices() const { return vOwn; }
-
-	/// How many vertices of other tiles it began with, and how many it has inserted since.
-	std::size_t numNear() const { return numForeignAtBegin; }
-	std::size_t numAsked() const { return vForeign.size() - numForeignAtBegin; }
-	std::size_t rounds() const { return numRounds; }
 
 private:
 	// Tile.cpp
@@ -117,7 +110,7 @@ private:
 	Point3* createVertex(std::uint32_t position);
 	bool isIn(std::uint32_t position) const
 	{
-		return own.contains(position) || vForeign.count(position) != 0;
+		return own.contains(position) || foreign.count(position) != 0;
 	}
 
 	// TileCompletion.cpp
@@ -165,15 +158,13 @@ private:
 	const BoxTree& tree;
 	const PositionRange own;
 	Dt3 engine;
-	std::vector<Point3*> vOwn;                           ///< by position
-	std::unordered_map<std::uint32_t, Point3*> vForeign; ///< by position
-	std::size_t numForeignAtBegin = 0;
+	const Point3* pOwnVtx = nullptr;           ///< any own vertex
+	std::unordered_set<std::uint32_t> foreign; ///< the positions of the other vertices that are in
 	std::vector<std::vector<std::uint8_t>> vKnown; ///< nodes of the tree of which every point is in
 	std::vector<unsigned> vSpent; ///< in each leaf: a measure of the time of searches
 	std::vector<Tet3*> vDoubtful;
 	std::vector<std::uint32_t> vMissing; ///< to be inserted at the end of this round
 	std::vector<Searched> vSearch;
-	std::size_t numRounds = 0;
 	std::vector<double>
 	    vClearance; ///< of each own leaf: a squared distance within which no unknown vertex is
 };

@@ -193,11 +193,11 @@ void Tile::insertMissing()
 	std::vector<Point3*> vNew;
 	for (const std::uint32_t position : vMissing) {
 		vNew.push_back(createVertex(position));
-		vForeign.emplace(position, vNew.back());
+		foreign.insert(position);
 	}
 	vMissing.clear();
 	engine.insertInOrder(
-	    vNew, InsertionOrder(static_cast<std::uint32_t>(vNew.size())), vOwn.front()->getOneTet());
+	    vNew, InsertionOrder(static_cast<std::uint32_t>(vNew.size())), pOwnVtx->getOneTet());
 
 	std::vector<Tet3*> vStar;
 	for (Point3* pVtx : vNew) {
@@ -228,7 +228,6 @@ void Tile::complete()
 		}
 		vDoubtful.clear();
 		if (vMissing.empty()) break;
-		++numRounds;
 		insertMissing();
 		// Beyond a hull facet of such a one there may be more.
 		for (Tet3* pTet : vStays) {

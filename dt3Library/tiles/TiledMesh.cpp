@@ -105,8 +105,11 @@ ParallelMesh triangulateInTiles(const double* pCoordinates, std::size_t numPoint
 	inParallel(
 	    vRanges.size(), numThreads, [&](std::size_t i) { vArrays[i]->writeCorners(shared); });
 	expectAgreement(vArrays, vRanges);
-	inParallel(
-	    vRanges.size(), numThreads, [&](std::size_t i) { vArrays[i]->writeNeighbours(shared); });
+	inParallel(vRanges.size(), numThreads, [&](std::size_t i) {
+		vArrays[i]->writeNeighbours(shared);
+		vArrays[i].reset(); // here, where a large pool says nothing about its end
+		vTiles[i].reset();
+	});
 	CONDITION_CHECK_AS(
 	    !progress || progress(numPoints, numPoints), "the progress handler lets it go on");
 	return mesh;
