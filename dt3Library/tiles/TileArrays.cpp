@@ -69,8 +69,8 @@ std::uint64_t mixed(std::uint64_t h)
 
 } // namespace
 
-TileArrays::TileArrays(const Tile& theTile, const CurveOrder& curveOrder)
-    : tile(theTile), order(curveOrder), own(theTile.ownRange()), live(theTile.mesh().liveTets())
+TileArrays::TileArrays(const Tile& tile, const CurveOrder& curveOrder)
+    : order(curveOrder), own(tile.ownRange()), live(tile.mesh().liveTets())
 {
 	CONDITION_CHECK_AS(live.size() <= std::numeric_limits<std::int32_t>::max(),
 	    "at most 2147483647 tetrahedra have numbers");

@@ -30,7 +30,8 @@ struct SharedArrays
 class TileArrays
 {
 public:
-	TileArrays(const Tile& theTile, const CurveOrder& curveOrder);
+	/// The tile must outlive it.
+	TileArrays(const Tile& tile, const CurveOrder& curveOrder);
 
 	/// Counts the tetrahedra of each own vertex into the entry behind that of the vertex.
 	void count(SharedArrays& shared);
@@ -59,7 +60,6 @@ private:
 	/// A tetrahedron at own vertices; the lowest counts.
 	void noteAtVertices(const std::array<std::uint32_t, 4>& position, std::int32_t number);
 
-	const Tile& tile;
 	const CurveOrder& order;
 	const PositionRange own;
 	const LiveTets live;
