@@ -74,7 +74,7 @@ FORMATS = {  # name: content; all hold POINTS, the LAS files RASTER
     "view.csv": '"Points:2","Points:0","Points:1"\n' + lines(SWAPPED, ","),
     "units.txt": "Z [m] X [m] Y [m]\n" + lines(SWAPPED),
     "comma.csv": "Name;X;Y;Z\n" + "".join(f"a, b. c;{row}\n" for row in german(POINTS, ";").splitlines()),
-    "comma.txt": german(POINTS, "\t"),
+    "comma.txt": german(POINTS, "\t"), "nameless.csv": german(POINTS, ";"),
     "zipped": gzip.compress(lines(POINTS[:9]).encode()) + gzip.compress(lines(POINTS[9:]).encode()),
     "zipped.OFF.gz": gzip.compress(b"OFF 40 0 0\n" + lines(POINTS).encode()),
     "piped": "40 3 1 0\n" + lines(POINTS, numbered=1, tail=" 0.5"),

@@ -121,7 +121,7 @@ private:
 	bool isValue(const std::string& name) const
 	{
 		double value = 0;
-		return parse(std::string_view(name), value) ||
+		return parse(std::string_view(name), value) || parseDecimalComma(name, value) ||
 		    (source.options.bSkipInvalid && isNoValue(name));
 	}
 
