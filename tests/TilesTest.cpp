@@ -5,9 +5,12 @@
 #include "support.h"
 #include "tiles/CurveOrder.h"
 #include "tiles/TiledMesh.h"
+#include "tiles/parallel.h"
+#include "tools.h"
 
 #include <cstdint>
 #include <limits>
+#include <new>
 
 using namespace TULO3D;
 using points::Cloud;
@@ -213,6 +216,15 @@ TEST(TilesAtOnce, RefuseWhatAnEngineRefusesAndTakeWhatIsFlat)
 	EXPECT_EQ(plane.numTets, 0U);
 	EXPECT_EQ(plane.vertexOfPoint[4], 1);
 	EXPECT_EQ(plane.tetOfVertex[3], -1);
+}
+
+TEST(TilesAtOnce, TakeAHardStopInAThreadToTheCallerAsAnException)
+{
+	// Every task stops, so that one in a thread of its own does, whichever gets how many.
+	EXPECT_THROW(
+	    inParallel(8, 3, [](std::size_t) { printAndStop(StopReason::kOutOfMemory, "no memory"); }),
+	    std::bad_alloc);
+	EXPECT_EQ(setStopHandler(nullptr), nullptr); // that of the caller is back
 }
 
 TEST(TilesAtOnce, TellHowFarTheyAreAndStopWhenToldTo)

@@ -12,19 +12,6 @@ namespace {
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 constexpr Box kEmpty{{kInfinity, kInfinity, kInfinity}, {-kInfinity, -kInfinity, -kInfinity}};
 
-void widen(Box& box, const Box& other)
-{
-	for (std::size_t i = 0; i < 3; ++i) {
-		box.low[i] = std::min(box.low[i], other.low[i]);
-		box.high[i] = std::max(box.high[i], other.high[i]);
-	}
-}
-
-Box boxOf(const Point3& p)
-{
-	return {{p.x(), p.y(), p.z()}, {p.x(), p.y(), p.z()}};
-}
-
 /// The boxes of runs of `length` elements.
 template <typename Element, typename BoxOfElement>
 std::vector<Box> boxesOfRuns(
@@ -38,6 +25,19 @@ std::vector<Box> boxesOfRuns(
 }
 
 } // namespace
+
+Box boxOf(const Point3& p)
+{
+	return {{p.x(), p.y(), p.z()}, {p.x(), p.y(), p.z()}};
+}
+
+void widen(Box& box, const Box& other)
+{
+	for (std::size_t i = 0; i < 3; ++i) {
+		box.low[i] = std::min(box.low[i], other.low[i]);
+		box.high[i] = std::max(box.high[i], other.high[i]);
+	}
+}
 
 double squaredDiagonal(const Box& box)
 {

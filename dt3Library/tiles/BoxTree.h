@@ -18,6 +18,12 @@ struct Box
 	std::array<double, 3> high;
 };
 
+/// The box of one point.
+Box boxOf(const Point3& p);
+
+/// Grows a box to contain another.
+void widen(Box& box, const Box& other);
+
 /// The squared length of the diagonal.
 double squaredDiagonal(const Box& box);
 

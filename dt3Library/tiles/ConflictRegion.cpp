@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <initializer_list>
 
 namespace TULO3D {
 
@@ -15,27 +16,10 @@ namespace {
 /// each a rounded difference, and fewer than 20 further operations: less than 32 u.
 constexpr double kRelativeError = 32 * 0x1p-53;
 
-Box boxOf(const Point3& a, const Point3& b, const Point3& c)
+Box boxOf(std::initializer_list<const Point3*> points)
 {
-	return {{std::min({a.x(), b.x(), c.x()}), std::min({a.y(), b.y(), c.y()}),
-	            std::min({a.z(), b.z(), c.z()})},
-	    {std::max({a.x(), b.x(), c.x()}), std::max({a.y(), b.y(), c.y()}),
-	        std::max({a.z(), b.z(), c.z()})}};
-}
-
-Box boxOf(const Point3& p)
-{
-	return boxOf(p, p, p);
-}
-
-Box boxOf(const Tet3& tet)
-{
-	Box box = boxOf(*tet.getCorner(1), *tet.getCorner(2), *tet.getCorner(3));
-	const Box last = boxOf(*tet.getCorner(0));
-	for (std::size_t i = 0; i < 3; ++i) {
-		box.low[i] = std::min(box.low[i], last.low[i]);
-		box.high[i] = std::max(box.high[i], last.high[i]);
-	}
+	Box box = boxOf(**points.begin());
+	for (const Point3* p : points) widen(box, boxOf(*p));
 	return box;
 }
 
@@ -92,7 +76,7 @@ ConflictRegion ConflictRegion::beyondFacet(const Tet3& tet, int ith)
 		region.nMagnitude[i] = std::abs(b[j] * c[k]) + std::abs(b[k] * c[j]);
 		region.n[i] = -region.n[i];
 	}
-	const Box plane = boxOf(a, *tet.getCorner(q), *tet.getCorner(r));
+	const Box plane = boxOf({&a, tet.getCorner(q), tet.getCorner(r)});
 	for (std::size_t i = 0; i < 3; ++i) {
 		if (plane.low[i] == plane.high[i] && region.n[i] != 0) region.axis = i;
 	}
@@ -140,7 +124,8 @@ bool ConflictRegion::holds(const Box& box) const
 	return most + kRelativeError * magnitude + kLostInInsphere < 0;
 }
 
-TetRegion::TetRegion(const Tet3& tet) : around(boxOf(tet))
+TetRegion::TetRegion(const Tet3& tet)
+    : around(boxOf({tet.getCorner(0), tet.getCorner(1), tet.getCorner(2), tet.getCorner(3)}))
 {
 	for (int i = 0; i < 4; ++i) {
 		beyond[static_cast<std::size_t>(i)] = ConflictRegion::beyondFacet(tet, i);
