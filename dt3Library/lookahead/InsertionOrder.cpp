@@ -36,6 +36,31 @@ InsertionOrder::InsertionOrder(std::uint32_t n, unsigned depthOfLast)
 	findRun();
 }
 
+std::uint32_t InsertionOrder::placeOf(std::uint32_t position, std::uint32_t n)
+{
+	const unsigned lastDepth = numHalvings(n);
+	std::uint32_t first = 0;
+	std::uint32_t last = n;
+	std::uint32_t part = 0; // of those into which the middles of the rounds before have cut the list
+	for (unsigned depth = 0; depth < lastDepth; ++depth) {
+		const std::uint32_t middle = first + (last - first) / 2;
+		if (position == middle) {
+			const std::uint32_t numBefore = (std::uint32_t{1} << depth) - 1;
+			return numBefore + (isBackward(depth) ? numBefore - part : part);
+		}
+		part *= 2;
+		if (position > middle) {
+			++part;
+			first = middle + 1;
+		} else {
+			last = middle;
+		}
+	}
+	const std::uint32_t numMiddles = (std::uint32_t{1} << lastDepth) - 1;
+	const std::uint32_t place = position - part;
+	return numMiddles + (isBackward(lastDepth) ? n - numMiddles - 1 - place : place);
+}
+
 void InsertionOrder::nextRun()
 {
 	if (++numRuns >> depth != 0) {

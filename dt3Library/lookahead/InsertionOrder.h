@@ -23,6 +23,9 @@ public:
 	/// Another order: one round, from the last vertex to the first.
 	static InsertionOrder lastToFirst(std::uint32_t n);
 
+	/// After how many others a position of `n` vertices comes.
+	static std::uint32_t placeOf(std::uint32_t position, std::uint32_t n);
+
 	bool isAtEnd() const { return depth > lastDepth; }
 	/// The position that comes next, unless at the end.
 	std::uint32_t operator*() const { return isBackward() ? last - 1 : first; }
@@ -39,7 +42,8 @@ public:
 
 private:
 	InsertionOrder(std::uint32_t n, unsigned depthOfLast);
-	bool isBackward() const { return depth % 2 == 0; }
+	static bool isBackward(unsigned depth) { return depth % 2 == 0; }
+	bool isBackward() const { return isBackward(depth); }
 	/// The next run of this round, or the first one of the next round.
 	void nextRun();
 	void findRun();

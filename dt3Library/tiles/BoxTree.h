@@ -2,33 +2,14 @@
 // A hierarchy of boxes over points in the order of the curve.
 #pragma once
 
-#include "Point3.h"
+#include "tiles/Box.h"
+#include "tiles/CurvePoints.h"
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <vector>
 
 namespace TULO3D {
-
-/// An axis-aligned box, closed.
-struct Box
-{
-	std::array<double, 3> low;
-	std::array<double, 3> high;
-};
-
-/// The box of one point.
-Box boxOf(const Point3& p);
-
-/// Grows a box to contain another.
-void widen(Box& box, const Box& other);
-
-/// The squared length of the diagonal.
-double squaredDiagonal(const Box& box);
-
-/// The squared distance between two boxes; zero where they meet.
-double squaredDistance(const Box& a, const Box& b);
 
 /// A node of a BoxTree.
 struct BoxNode
@@ -38,21 +19,32 @@ struct BoxNode
 };
 
 /// Points that follow one another on a space-filling curve are near one another: runs of kLeafSize points are the
-/// leaves, runs of kFanOut nodes the nodes of the next level, up to one root. Nothing but the boxes is stored.
+/// leaves, runs of kFanOut nodes the nodes of the next level, up to one root. Nothing but the boxes is stored, and
+/// those of the lower levels are with the points.
 class BoxTree
 {
 public:
-	static constexpr std::uint32_t kLeafSize = 16;
-	static constexpr std::uint32_t kFanOut = 8;
+	static constexpr std::uint32_t kLeafSize = CurvePoints::kLeafSize;
+	static constexpr std::uint32_t kFanOut = CurvePoints::kFanOut;
 
-	/// Of points along a curve, at least one, which must outlive the tree.
-	explicit BoxTree(const std::vector<Point3>& vAlongCurve);
+	/// Of at least one point; the points must outlive the tree.
+	explicit BoxTree(const CurvePoints& curvePoints);
 
-	const Box& box(const BoxNode& node) const { return vLevels[node.level][node.index]; }
-	std::uint32_t numLevels() const { return static_cast<std::uint32_t>(vLevels.size()); }
+	const Box& box(const BoxNode& node) const
+	{
+		if (node.level < CurvePoints::kNumBlockLevels) return points.box(node.level, node.index);
+		return vUpperLevels[node.level - CurvePoints::kNumBlockLevels][node.index];
+	}
+	std::uint32_t numLevels() const
+	{
+		return CurvePoints::kNumBlockLevels + static_cast<std::uint32_t>(vUpperLevels.size());
+	}
 	std::uint32_t numNodes(std::uint32_t level) const
 	{
-		return static_cast<std::uint32_t>(vLevels[level].size());
+		if (level < CurvePoints::kNumBlockLevels) {
+			return points.numBlocks() * CurvePoints::numOfBlock(level);
+		}
+		return static_cast<std::uint32_t>(vUpperLevels[level - CurvePoints::kNumBlockLevels].size());
 	}
 	std::uint32_t numLeaves() const { return numNodes(0); }
 	BoxNode root() const { return {numLevels() - 1, 0}; }
@@ -72,15 +64,13 @@ public:
 	template <typename Visit>
 	void forEachPoint(std::uint32_t leaf, Visit visit) const
 	{
-		const std::uint32_t first = leaf * kLeafSize;
-		for (std::uint32_t i = first; i < first + kLeafSize && i < vPoints.size(); ++i) visit(i);
+		const std::uint32_t last = points.lastOfLeaf(leaf);
+		for (std::uint32_t i = leaf * kLeafSize; i < last; ++i) visit(i);
 	}
 
-	const Point3& point(std::uint32_t position) const { return vPoints[position]; }
-
 private:
-	const std::vector<Point3>& vPoints;
-	std::vector<std::vector<Box>> vLevels;
+	const CurvePoints& points;
+	std::vector<std::vector<Box>> vUpperLevels;
 };
 
 } // namespace TULO3D

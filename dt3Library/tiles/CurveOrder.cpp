@@ -2,13 +2,13 @@
 // The vertices of a batch in the order of the curve, and their ranks.
 #include "tiles/CurveOrder.h"
 #include "Dt3.h"
-#include "ardo_tools/RadixSort.h"
 #include "lookahead/InsertionOrder.h"
 #include "predicates/Underflow.h"
 #include "store/CoordinateOrder.h"
 #include "tools.h"
 
 #include <algorithm>
+#include <deque>
 
 namespace TULO3D {
 
@@ -17,14 +17,12 @@ namespace {
 /// The margin of the first box in a process.
 constexpr double kFirstMargin = 0.1;
 
-/// The position of an input point, by that on the curve.
-using KeyedInput = Keyed<std::uint32_t, std::uint32_t>;
+} // namespace
 
-/// The input in the order of the keys.
-std::vector<KeyedInput> sortAlongCurve(const std::vector<Point3>& vInput)
+std::vector<KeyedInput> listAlongCurve(const std::vector<Point3>& vInput, const Bbox3& around)
 {
 	HC3 curve;
-	curve.bbox.add(vInput);
+	curve.bbox = around;
 	curve.bbox.enlargeBounds(kFirstMargin);
 	curve.rebuildKeys();
 	std::vector<KeyedInput> vKeyed;
@@ -33,10 +31,19 @@ std::vector<KeyedInput> sortAlongCurve(const std::vector<Point3>& vInput)
 		vKeyed.push_back({curve.hilbertIndex(point), static_cast<std::uint32_t>(vKeyed.size())});
 	}
 	sortByKey(vKeyed, curve.numBits);
+	std::vector<std::uint32_t> vCell;
+	for (std::size_t i = 0; i < vKeyed.size();) {
+		const std::size_t first = i;
+		while (++i < vKeyed.size() && vKeyed[i].key == vKeyed[first].key) {
+		}
+		if (i == first + 1) continue; // as nearly all are
+		vCell.clear();
+		for (std::size_t j = first; j < i; ++j) vCell.push_back(vKeyed[j].value);
+		sortByCoordinates(vCell, vInput);
+		for (std::size_t j = first; j < i; ++j) vKeyed[j].value = vCell[j - first];
+	}
 	return vKeyed;
 }
-
-} // namespace
 
 /// The input without what repeats an earlier point: in the order in which the vertices of a batch are made, and in
 /// the order in which a store lists them. Both follow the curve; within a cell, the first is input order, the
@@ -53,17 +60,16 @@ struct CurveOrder::Listing
 
 CurveOrder::Listing::Listing(const std::vector<Point3>& vInput) : vFirst(vInput.size())
 {
-	const std::vector<KeyedInput> vKeyed = sortAlongCurve(vInput);
+	Bbox3 around;
+	around.add(vInput);
+	const std::vector<KeyedInput> vKeyed = listAlongCurve(vInput, around);
 	vMade.reserve(vInput.size());
 	vListed.reserve(vInput.size());
-	std::vector<std::uint32_t> vCell;
 	for (std::size_t i = 0; i < vKeyed.size();) {
 		const std::uint32_t key = vKeyed[i].key;
-		vCell.clear();
-		for (; i < vKeyed.size() && vKeyed[i].key == key; ++i) vCell.push_back(vKeyed[i].value);
-		sortByCoordinates(vCell, vInput);
 		const auto numBefore = static_cast<std::ptrdiff_t>(vMade.size());
-		for (const std::uint32_t n : vCell) {
+		for (; i < vKeyed.size() && vKeyed[i].key == key; ++i) {
+			const std::uint32_t n = vKeyed[i].value;
 			const bool bRepeats =
 			    vListed.begin() + numBefore < vListed.end() && vInput[vListed.back()] == vInput[n];
 			vFirst[n] = bRepeats ? vListed.back() : n;
@@ -100,13 +106,14 @@ CurveOrder::CurveOrder(const double* pCoordinates, std::size_t numPoints)
 		const std::uint32_t first = listing.vFirst[i];
 		vVertexOfPoint[i] = first == i ? next++ : vVertexOfPoint[first];
 	}
-	vPoints.reserve(vOrder.size());
+	vCoordinates.reserve(3 * vOrder.size());
 	vNumbers.reserve(vOrder.size());
 	for (const std::uint32_t i : vOrder) {
-		vPoints.push_back(vInput[i]);
-		vPoints.back().setCustomIndex(static_cast<int>(vNumbers.size()));
+		vCoordinates.insert(vCoordinates.end(), {vInput[i].x(), vInput[i].y(), vInput[i].z()});
 		vNumbers.push_back(vVertexOfPoint[i]);
 	}
+	vBoxes.resize(CurvePoints::numBoxes(size()));
+	CurvePoints::boxesOfBlocks(vCoordinates.data(), size(), vBoxes.data());
 
 	std::vector<std::uint32_t> vPositionOfInput(numPoints);
 	for (std::uint32_t n = 0; n < size(); ++n) vPositionOfInput[vOrder[n]] = n;
@@ -117,22 +124,32 @@ CurveOrder::CurveOrder(const double* pCoordinates, std::size_t numPoints)
 
 void CurveOrder::rankAll(const std::vector<std::uint32_t>& vListed)
 {
+	std::deque<Point3> vTried; // which stay where they are
 	auto it = vListed.begin();
-	const auto four = findFirstFour(ArdoTest3(), [this, &it, &vListed]() -> Point3* {
-		return it == vListed.end() ? nullptr : &vPoints[*it++];
+	const auto four = findFirstFour(ArdoTest3(), [&]() -> Point3* {
+		if (it == vListed.end()) return nullptr;
+		const double* p = vCoordinates.data() + 3 * std::size_t{*it};
+		vTried.emplace_back(p[0], p[1], p[2]);
+		vTried.back().setCustomIndex(static_cast<int>(*it++));
+		return &vTried.back();
 	});
 	bFlat = four[3] == nullptr;
 	if (bFlat) return;
 
 	vRanks.assign(size(), -1);
-	vByRank.reserve(size());
-	const auto add = [this](std::uint32_t position) {
+	std::int32_t next = 0;
+	const auto add = [this, &next](std::uint32_t position) {
 		if (vRanks[position] >= 0) return;
-		vRanks[position] = static_cast<std::int32_t>(vByRank.size());
-		vByRank.push_back(position);
+		vRanks[position] = next++;
+		if (vLowest.size() < kNumSpread) vLowest.push_back(position);
 	};
 	for (const Point3* pVtx : four) add(static_cast<std::uint32_t>(pVtx->getCustomIndex()));
 	for (InsertionOrder order(size()); !order.isAtEnd(); ++order) add(*order);
+}
+
+CurvePoints CurveOrder::points() const
+{
+	return {{{vCoordinates.data(), vRanks.data(), vBoxes.data(), size()}}, vLowest, bTiny};
 }
 
 } // namespace TULO3D

@@ -2,14 +2,27 @@
 // The vertices of a batch in the order of the curve, and their ranks.
 #pragma once
 
+#include "Bbox3.h"
 #include "Point3.h"
+#include "ardo_tools/RadixSort.h"
+#include "tiles/CurvePoints.h"
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <vector>
 
 namespace TULO3D {
+
+/// The position of an input point, by its key on the curve.
+using KeyedInput = Keyed<std::uint32_t, std::uint32_t>;
+
+/// Points in the order in which a store lists them: by their keys on the curve through a box, within a cell by
+/// coordinates, equal ones as in the input. `around` is the box of all points, without the margin that a
+/// process gives to its first.
+std::vector<KeyedInput> listAlongCurve(const std::vector<Point3>& vInput, const Bbox3& around);
+
+/// So many vertices of the lowest ranks, which are spread over all, are in every tile.
+constexpr std::size_t kNumSpread = 256;
 
 /// What one engine, as the first of its process, would make of a batch before it inserts the first vertex: the
 /// distinct points along its curve, their numbers as vertices, and the order in which they would enter the mesh.
@@ -21,24 +34,16 @@ public:
 	/// Of points as x, y, z, x, y, z, ... Throws `TuloException` for what an engine refuses.
 	CurveOrder(const double* pCoordinates, std::size_t numPoints);
 
-	std::uint32_t size() const { return static_cast<std::uint32_t>(vPoints.size()); }
+	std::uint32_t size() const { return static_cast<std::uint32_t>(vNumbers.size()); }
 
 	/// There are no four vertices that span space, and so no mesh.
 	bool isFlat() const { return bFlat; }
-	/// Some coordinate is so small that products of it may underflow.
-	bool isTiny() const { return bTiny; }
 
-	/// The vertex at a position. Its custom index is the position.
-	const Point3& point(std::uint32_t position) const { return vPoints[position]; }
-	const std::vector<Point3>& points() const { return vPoints; }
+	/// What tiles read, unless flat. The order must outlive it.
+	CurvePoints points() const;
 
 	/// The number of a vertex: the place of its first point among the distinct ones, in input order.
-	std::int32_t number(std::uint32_t position) const { return vNumbers[position]; }
-
-	/// The place of a vertex in the order of insertion. Those of the first tetrahedron have 0 to 3.
-	std::int32_t rank(std::uint32_t position) const { return vRanks[position]; }
-	/// The vertex with a rank. The first four are in positive order.
-	std::uint32_t withRank(std::size_t rank) const { return vByRank[rank]; }
+	const std::vector<std::int32_t>& numbers() const { return vNumbers; }
 
 	/// The number of the vertex of each input point.
 	const std::vector<std::int32_t>& vertexOfPoint() const { return vVertexOfPoint; }
@@ -49,10 +54,11 @@ private:
 
 	bool bFlat = true;
 	bool bTiny = false;
-	std::vector<Point3> vPoints;
+	std::vector<double> vCoordinates;
+	std::vector<Box> vBoxes;
 	std::vector<std::int32_t> vNumbers;
 	std::vector<std::int32_t> vRanks;
-	std::vector<std::uint32_t> vByRank;
+	std::vector<std::uint32_t> vLowest;
 	std::vector<std::int32_t> vVertexOfPoint;
 };
 

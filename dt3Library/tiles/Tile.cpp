@@ -15,22 +15,19 @@ namespace {
 /// Foreign leaves are known that are nearer than this part of their own diagonal.
 constexpr double kNear = 0.4;
 
-/// So many vertices of the lowest ranks, which are spread over all, are in every tile.
-constexpr std::size_t kNumSpread = 256;
-
 using RankedVertex = Keyed<std::uint32_t, Point3*>; // by its rank
 
 } // namespace
 
-Tile::Tile(const CurveOrder& curveOrder, const BoxTree& boxTree, PositionRange ownRange,
+Tile::Tile(const CurvePoints& curvePoints, const BoxTree& boxTree, PositionRange ownRange,
     const BatchTests& tests)
-    : order(curveOrder), tree(boxTree), own(ownRange), engine(nullptr, tests)
+    : points(curvePoints), tree(boxTree), own(ownRange), engine(nullptr, tests)
 {
 }
 
 Point3* Tile::createVertex(std::uint32_t position)
 {
-	Point3* pVtx = engine.hc3.createVertex(order.point(position), order.rank(position));
+	Point3* pVtx = engine.hc3.createVertex(points.point(position), points.rank(position));
 	pVtx->setCustomIndex(static_cast<int>(position));
 	return pVtx;
 }
@@ -42,6 +39,9 @@ void Tile::chooseKnown()
 	}
 	const std::uint32_t lastLeaf = (own.last + BoxTree::kLeafSize - 1) / BoxTree::kLeafSize;
 	for (std::uint32_t i = own.first / BoxTree::kLeafSize; i < lastLeaf; ++i) vKnown[0][i] = 1;
+	for (std::uint32_t i = 0; i < tree.numLeaves(); ++i) {
+		if (points.lastOfLeaf(i) <= i * BoxTree::kLeafSize) vKnown[0][i] = 1; // it has no points
+	}
 	markKnownNodes();
 	if (isKnown(tree.root())) return;
 	markNear();
@@ -82,13 +82,10 @@ void Tile::markNear()
 void Tile::begin()
 {
 	chooseKnown();
-	std::vector<std::uint32_t> vSpread;
-	for (std::size_t i = 0; i < std::min<std::size_t>(kNumSpread, order.size()); ++i) {
-		vSpread.push_back(order.withRank(i));
-	}
+	std::vector<std::uint32_t> vSpread = points.lowest();
 	std::sort(vSpread.begin(), vSpread.end());
 
-	// In the order of the curve, so that what is near is near in memory, too.
+	// The vertices of the lowest ranks are spread over all. In the order of the curve, so that what is near is near in memory, too.
 	std::vector<RankedVertex> vRanked;
 	vRanked.reserve(own.size() + own.size() / 8);
 	auto itSpread = vSpread.begin();
@@ -106,13 +103,13 @@ void Tile::begin()
 			} else {
 				foreign.insert(position);
 			}
-			vRanked.push_back({static_cast<std::uint32_t>(order.rank(position)), pVtx});
+			vRanked.push_back({static_cast<std::uint32_t>(points.rank(position)), pVtx});
 		});
 	}
-	if (order.isTiny() && engine.batchTests.pForTiny != nullptr) {
+	if (points.isTiny() && engine.batchTests.pForTiny != nullptr) {
 		engine.batchTests = *engine.batchTests.pForTiny;
 	}
-	sortByKey(vRanked, highestBit(order.size()) + 1);
+	sortByKey(vRanked, highestBit(points.size()) + 1);
 	std::array<Point3*, 4> first{};
 	for (std::size_t i = 0; i < 4; ++i) first[i] = vRanked[i].value;
 	std::vector<Point3*> vVertices;

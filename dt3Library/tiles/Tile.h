@@ -6,7 +6,7 @@
 #include "predicates/BatchTests.h"
 #include "tiles/BoxTree.h"
 #include "tiles/ConflictRegion.h"
-#include "tiles/CurveOrder.h"
+#include "tiles/CurvePoints.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -45,9 +45,9 @@ struct PositionRange
 class Tile
 {
 public:
-	/// `tree` is over all points of `order`; both must outlive the tile. `ownRange` begins with a leaf and ends with
-	/// one.
-	Tile(const CurveOrder& order, const BoxTree& tree, PositionRange ownRange,
+	/// `tree` is over `curvePoints`; both must outlive the tile. `ownRange` is one of a part that begins with a leaf
+	/// and ends with one.
+	Tile(const CurvePoints& curvePoints, const BoxTree& boxTree, PositionRange ownRange,
 	    const BatchTests& tests);
 	Tile(const Tile&) = delete;
 	Tile& operator=(const Tile&) = delete;
@@ -154,7 +154,7 @@ private:
 
 	static constexpr std::uint32_t kNone = UINT32_MAX;
 
-	const CurveOrder& order;
+	const CurvePoints& points;
 	const BoxTree& tree;
 	const PositionRange own;
 	Dt3 engine;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The tetrahedra of a tile, written to the arrays of the whole mesh.
+// The tetrahedra of a tile, written to arrays.
 #include "tiles/TileArrays.h"
 #include "ardo_tools/prefault.h"
 #include "tools.h"
@@ -21,7 +21,7 @@ constexpr std::array<std::array<std::uint8_t, 4>, 12> kTurns{
 struct Owned
 {
 	Owned() = default;
-	Owned(const std::array<std::uint32_t, 4>& position, std::uint32_t theRecord)
+	Owned(const TetPositions& position, std::uint32_t theRecord)
 	    : firstTwo(std::uint64_t{position[1]} << 32U | position[2]),
 	      last(position[3]),
 	      record(theRecord)
@@ -31,7 +31,7 @@ struct Owned
 	{
 		return firstTwo != other.firstTwo ? firstTwo < other.firstTwo : last < other.last;
 	}
-	std::array<std::uint32_t, 4> positions(std::uint32_t owner) const
+	TetPositions positions(std::uint32_t owner) const
 	{
 		return {owner, static_cast<std::uint32_t>(firstTwo >> 32U),
 		    static_cast<std::uint32_t>(firstTwo), last};
@@ -69,8 +69,8 @@ std::uint64_t mixed(std::uint64_t h)
 
 } // namespace
 
-TileArrays::TileArrays(const Tile& tile, const CurveOrder& curveOrder)
-    : order(curveOrder), own(tile.ownRange()), live(tile.mesh().liveTets())
+TileArrays::TileArrays(const Tile& tile)
+    : own(tile.ownRange()), live(tile.mesh().liveTets())
 {
 	CONDITION_CHECK_AS(live.size() <= std::numeric_limits<std::int32_t>::max(),
 	    "at most 2147483647 tetrahedra have numbers");
@@ -81,9 +81,9 @@ int TileArrays::cornerAt(unsigned turn, int i)
 	return kTurns[turn][static_cast<std::size_t>(i)];
 }
 
-inline TileArrays::Canonical TileArrays::canonical(const Tet3& tet)
+TileArrays::Canonical TileArrays::canonical(const Tet3& tet)
 {
-	std::array<std::uint32_t, 4> p{};
+	TetPositions p{};
 	for (int i = 0; i < 4; ++i) {
 		p[static_cast<std::size_t>(i)] = Tile::curvePosition(*tet.getCorner(i));
 	}
@@ -100,10 +100,10 @@ inline TileArrays::Canonical TileArrays::canonical(const Tet3& tet)
 	return {{p[t[0]], p[t[1]], p[t[2]], p[t[3]]}, turn};
 }
 
-void TileArrays::count(SharedArrays& shared)
+void TileArrays::count(std::uint32_t* pCounts)
 {
 	vTurns.resize(live.size());
-	pPositions.reset(new std::array<std::uint32_t, 4>[live.size()]);
+	pPositions.reset(new TetPositions[live.size()]);
 	prefault(pPositions.get(), live.size() * sizeof(pPositions[0]));
 	std::size_t record = 0;
 	live.forEach([&](const Tet3* pTet) {
@@ -112,21 +112,21 @@ void TileArrays::count(SharedArrays& shared)
 		const bool bInside = own.contains(p[0]) && own.contains(std::max({p[1], p[2], p[3]}));
 		vTurns[record] = bInside ? static_cast<std::uint8_t>(tet.turn) : kAtBorder;
 		pPositions[record++] = p;
-		if (own.contains(p[0])) ++shared.vFirstOfOwner[p[0] + 1];
+		if (own.contains(p[0])) ++pCounts[p[0] - own.first + 1];
 	});
 }
 
-void TileArrays::writeCorners(const SharedArrays& shared)
+void TileArrays::writeCorners(const OwnedArrays& to)
 {
-	const std::uint32_t* const pFirst = shared.vFirstOfOwner.data() + own.first;
+	const std::uint32_t* const pFirst = to.pFirstOfOwner;
 	const std::uint32_t first = pFirst[0];
 	std::vector<std::uint32_t> vNext(pFirst, pFirst + own.size());
 	const std::size_t numOwned = pFirst[own.size()] - first;
 	const std::unique_ptr<Owned[]> vOwned(new Owned[numOwned]);
 	prefault(vOwned.get(), numOwned * sizeof(Owned));
 	const std::size_t numBytes = 4 * numOwned * sizeof(std::int32_t);
-	prefault(shared.pCorners + 4 * std::size_t{first}, numBytes);
-	prefault(shared.pNeighbours + 4 * std::size_t{first}, numBytes);
+	prefault(to.pCorners + 4 * std::size_t{first}, numBytes);
+	prefault(to.pNeighbours + 4 * std::size_t{first}, numBytes);
 	for (std::uint32_t record = 0; record < live.size(); ++record) {
 		const auto& p = pPositions[record];
 		if (own.contains(p[0])) vOwned[vNext[p[0] - own.first]++ - first] = Owned(p, record);
@@ -143,80 +143,77 @@ void TileArrays::writeCorners(const SharedArrays& shared)
 		for (Owned* p = pEnd; p-- > pBegin;) {
 			const auto number = static_cast<std::int32_t>(first + (p - vOwned.get()));
 			vNumbers[p->record] = number;
-			std::int32_t* pCorner = shared.pCorners + 4 * std::size_t(number);
+			std::int32_t* pCorner = to.pCorners + 4 * std::size_t(number);
 			for (const std::uint32_t position : p->positions(own.first + i)) {
-				const std::int32_t vertex = order.number(position);
-				*pCorner++ = vertex;
+				*pCorner++ = to.pNumbers != nullptr ? to.pNumbers[position]
+				                                    : static_cast<std::int32_t>(position);
 				if (own.contains(position)) vTetOfOwn[position - own.first] = number;
 			}
 		}
 	}
 }
 
-std::int32_t TileArrays::find(const Tet3& tet, const SharedArrays& shared) const
+std::int32_t TileArrays::find(const std::array<std::int32_t, 4>& wanted,
+    const std::uint32_t* pFirstOfOwner, const std::int32_t* pCorners)
 {
-	const Canonical wanted = canonical(tet);
-	std::array<std::int32_t, 4> corners{};
-	for (std::size_t i = 0; i < 4; ++i) corners[i] = order.number(wanted.position[i]);
-	const std::uint32_t last = shared.vFirstOfOwner[wanted.position[0] + 1];
-	for (std::uint32_t t = shared.vFirstOfOwner[wanted.position[0]]; t < last; ++t) {
-		if (std::equal(corners.begin(), corners.end(), shared.pCorners + 4 * std::size_t{t})) {
+	for (std::uint32_t t = pFirstOfOwner[0]; t < pFirstOfOwner[1]; ++t) {
+		if (std::equal(wanted.begin(), wanted.end(), pCorners + 4 * std::size_t{t})) {
 			return static_cast<std::int32_t>(t);
 		}
 	}
-	CONDITION_CHECK_AS(false, "two tiles have found the same tetrahedron");
 	return kForeign;
 }
 
-std::int32_t TileArrays::numberOf(const Tet3& tet, const SharedArrays& shared) const
+inline FacetSide TileArrays::sideOf(const Tet3& tet, const TetPositions& position) const
 {
-	const std::int32_t number = vNumbers[static_cast<std::size_t>(live.numberOf(&tet))];
-	return number != kForeign ? number : find(tet, shared);
+	return {position, vNumbers[static_cast<std::size_t>(live.numberOf(&tet))]};
 }
 
-void TileArrays::writeAtBorder(const Tet3& tet, const SharedArrays& shared)
+void TileArrays::linkAtBorder(const Tet3& tet, const Link& link) const
 {
 	const Canonical self = canonical(tet);
 	const auto& p = self.position;
-	const auto isOwn = [this](std::uint32_t position) { return own.contains(position); };
-	if (std::none_of(p.begin(), p.end(), isOwn)) return;
-	const std::int32_t number = numberOf(tet, shared);
-	noteAtVertices(p, number);
-	std::int32_t* const pNeighbours = shared.pNeighbours + 4 * std::size_t(number);
+	if (!hasOwn(p)) return;
+	const FacetSide side = sideOf(tet, p);
 	for (int i = 0; i < 4; ++i) {
 		std::uint32_t lowest = UINT32_MAX;
 		for (int j = 0; j < 4; ++j) {
 			if (j != i) lowest = std::min(lowest, p[static_cast<std::size_t>(j)]);
 		}
-		if (!isOwn(lowest)) continue;
+		if (!own.contains(lowest)) continue;
 		const Tet3* pNeigh = tet.getOppTet(cornerAt(self.turn, i));
-		pNeighbours[i] = pNeigh == nullptr ? -1 : numberOf(*pNeigh, shared);
+		if (pNeigh == nullptr) {
+			link(side, i, nullptr);
+		} else {
+			const FacetSide other = sideOf(*pNeigh, canonical(*pNeigh).position);
+			link(side, i, &other);
+		}
 	}
 }
 
-void TileArrays::writeNeighbours(const SharedArrays& shared)
+void TileArrays::writeNeighbours(const OwnedArrays& to, const Link& link)
 {
 	std::uint32_t record = 0;
 	live.forEach([&](const Tet3* pTet) {
 		const unsigned turn = vTurns[record];
 		const std::int32_t number = vNumbers[record++];
 		if (turn == kAtBorder) {
-			writeAtBorder(*pTet, shared);
+			linkAtBorder(*pTet, link);
 			return;
 		}
-		std::int32_t* const p = shared.pNeighbours + 4 * std::size_t(number);
+		std::int32_t* const p = to.pNeighbours + 4 * std::size_t(number);
 		for (int i = 0; i < 4; ++i) {
 			const Tet3* pNeigh = pTet->getOppTet(cornerAt(turn, i));
-			p[i] = pNeigh == nullptr ? -1 : numberOf(*pNeigh, shared);
+			p[i] = pNeigh == nullptr ? -1 : vNumbers[static_cast<std::size_t>(live.numberOf(pNeigh))];
+			if (p[i] == kForeign && pNeigh != nullptr) {
+				const FacetSide other = sideOf(*pNeigh, canonical(*pNeigh).position);
+				link({canonical(*pTet).position, number}, i, &other);
+			}
 		}
 	});
-	// Only now, and once: vertices of several tiles share the cache lines of this array.
-	for (std::uint32_t i = 0; i < own.size(); ++i) {
-		shared.pTetOfVertex[order.number(own.first + i)] = vTetOfOwn[i];
-	}
 }
 
-void TileArrays::noteAtVertices(const std::array<std::uint32_t, 4>& position, std::int32_t number)
+void TileArrays::noteAtVertices(const TetPositions& position, std::int32_t number)
 {
 	for (const std::uint32_t p : position) {
 		if (!own.contains(p)) continue;
@@ -239,7 +236,7 @@ std::vector<std::uint64_t> TileArrays::checksums(const std::vector<PositionRange
 	live.forEach([&](const Tet3* pTet) {
 		if (vTurns[record++] != kAtBorder) return;
 		const auto p = canonical(*pTet).position;
-		if (std::none_of(p.begin(), p.end(), [this](auto i) { return own.contains(i); })) return;
+		if (!hasOwn(p)) return;
 		std::uint64_t hash = 0;
 		for (const std::uint32_t position : p) hash = mixed(hash + position + 1);
 		std::array<std::ptrdiff_t, 4> tiles{tileOf(p[0]), tileOf(p[1]), tileOf(p[2]), tileOf(p[3])};

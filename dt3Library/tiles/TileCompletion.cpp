@@ -111,7 +111,7 @@ std::uint32_t Tile::findUnknown(const Region& region, Test test)
 		}
 		unsigned cost = BoxTree::kLeafSize;
 		tree.forEachPoint(next.node.index, [&](std::uint32_t position) {
-			const double leastHere = region.leastAt(order.point(position));
+			const double leastHere = region.leastAt(points.point(position));
 			if (leastHere >= least || isIn(position)) return;
 			cost += kCostOfExactTest;
 			if (!test(position)) return;
@@ -129,7 +129,7 @@ std::uint32_t Tile::findInside(const Tet3& tet)
 {
 	return findUnknown(TetRegion(tet), [&](std::uint32_t position) {
 		for (int i = 0; i < 4; ++i) {
-			const Point3& p = order.point(position);
+			const Point3 p = points.point(position);
 			if (engine.predicates.getOrientation3(&tet, i, &p) == ORIENTATION3_NEGATIVE)
 				return false;
 		}
@@ -143,8 +143,9 @@ std::uint32_t Tile::findInConflict(const Tet3& tet)
 		RankedTest ranked = rankedTest(tet);
 		const std::uint32_t found =
 		    findUnknown(ConflictRegion::ofTet(tet), [&](std::uint32_t position) {
-			    ranked.pQuery = &order.point(position);
-			    ranked.rank[4] = order.rank(position);
+			    const Point3 query = points.point(position);
+			    ranked.pQuery = &query;
+			    ranked.rank[4] = points.rank(position);
 			    return isInConflictByRank(engine.predicates, ranked);
 		    });
 		if (found != kNone) return found;
@@ -153,7 +154,7 @@ std::uint32_t Tile::findInConflict(const Tet3& tet)
 		if (tet.getOppTet(i) != nullptr) continue;
 		const std::uint32_t found =
 		    findUnknown(ConflictRegion::beyondFacet(tet, i), [&](std::uint32_t position) {
-			    const Point3& p = order.point(position);
+			    const Point3 p = points.point(position);
 			    return engine.predicates.getOrientation3(&tet, i, &p) == ORIENTATION3_NEGATIVE;
 		    });
 		if (found != kNone) return found;

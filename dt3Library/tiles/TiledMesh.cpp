@@ -3,6 +3,7 @@
 #include "tiles/TiledMesh.h"
 #include "tiles/BoxTree.h"
 #include "tiles/CurveOrder.h"
+#include "tiles/CurvePoints.h"
 #include "tiles/Tile.h"
 #include "tiles/TileArrays.h"
 #include "tiles/TileProgress.h"
@@ -10,6 +11,7 @@
 #include "tools.h"
 
 #include <algorithm>
+#include <array>
 #include <limits>
 #include <memory>
 #include <numeric>
@@ -20,10 +22,12 @@ namespace TULO3D {
 
 namespace {
 
+using Corners = std::array<std::int32_t, 4>;
+
 /// Ranges of whole leaves, even in count.
-std::vector<PositionRange> cut(const BoxTree& tree, std::uint32_t numPoints, std::size_t numTiles)
+std::vector<PositionRange> cut(std::uint32_t numPoints, std::size_t numTiles)
 {
-	const std::size_t numLeaves = tree.numLeaves();
+	const std::size_t numLeaves = (numPoints + BoxTree::kLeafSize - 1) / BoxTree::kLeafSize;
 	numTiles = std::clamp<std::size_t>(numTiles, 1, numLeaves);
 	const auto firstOf = [=](std::size_t i) {
 		const std::size_t leaf = i * numLeaves / numTiles;
@@ -75,23 +79,23 @@ ParallelMesh triangulateInTiles(const double* pCoordinates, std::size_t numPoint
 		return mesh;
 	}
 
-	const BoxTree tree(order.points());
-	const std::vector<PositionRange> vRanges = cut(tree, order.size(), numTiles);
+	const CurvePoints points = order.points();
+	const BoxTree tree(points);
+	const std::vector<PositionRange> vRanges = cut(order.size(), numTiles);
 	std::vector<std::unique_ptr<Tile>> vTiles(vRanges.size());
 	std::vector<std::unique_ptr<TileArrays>> vArrays(vRanges.size());
 	TileProgress tileProgress(progress, numPoints);
-	SharedArrays shared{mesh.tetOfVertex.get(), nullptr, nullptr, {}};
-	shared.vFirstOfOwner.assign(order.size() + std::size_t{1}, 0);
+	std::vector<std::uint32_t> vFirstOfOwner(order.size() + std::size_t{1}, 0);
 	inParallel(vRanges.size(), numThreads, [&](std::size_t i) {
-		vTiles[i] = std::make_unique<Tile>(order, tree, vRanges[i], bestTests());
+		vTiles[i] = std::make_unique<Tile>(points, tree, vRanges[i], bestTests());
 		vTiles[i]->setProgress(tileProgress.ofTile(vRanges[i]));
 		vTiles[i]->begin();
 		vTiles[i]->complete();
-		vArrays[i] = std::make_unique<TileArrays>(*vTiles[i], order);
-		vArrays[i]->count(shared);
+		vArrays[i] = std::make_unique<TileArrays>(*vTiles[i]);
+		vArrays[i]->count(vFirstOfOwner.data() + vRanges[i].first);
 	});
 	std::size_t numTets = 0;
-	for (std::uint32_t& count : shared.vFirstOfOwner) {
+	for (std::uint32_t& count : vFirstOfOwner) {
 		numTets += count;
 		count = static_cast<std::uint32_t>(numTets);
 	}
@@ -100,13 +104,38 @@ ParallelMesh triangulateInTiles(const double* pCoordinates, std::size_t numPoint
 	mesh.numTets = numTets;
 	mesh.corners.reset(new std::int32_t[4 * numTets]);
 	mesh.neighbours.reset(new std::int32_t[4 * numTets]);
-	shared.pCorners = mesh.corners.get();
-	shared.pNeighbours = mesh.neighbours.get();
-	inParallel(
-	    vRanges.size(), numThreads, [&](std::size_t i) { vArrays[i]->writeCorners(shared); });
+	const auto arraysOf = [&](std::size_t i) {
+		return OwnedArrays{vFirstOfOwner.data() + vRanges[i].first, mesh.corners.get(),
+		    mesh.neighbours.get(), order.numbers().data()};
+	};
+	inParallel(vRanges.size(), numThreads,
+	    [&](std::size_t i) { vArrays[i]->writeCorners(arraysOf(i)); });
 	expectAgreement(vArrays, vRanges);
+
+	const auto numberOf = [&](const FacetSide& side) {
+		if (!side.isForeign()) return side.number;
+		Corners corners{};
+		for (std::size_t i = 0; i < 4; ++i) corners[i] = order.numbers()[side.position[i]];
+		const std::int32_t number =
+		    TileArrays::find(corners, &vFirstOfOwner[side.position[0]], mesh.corners.get());
+		CONDITION_CHECK_AS(number >= 0, "two tiles have found the same tetrahedron");
+		return number;
+	};
 	inParallel(vRanges.size(), numThreads, [&](std::size_t i) {
-		vArrays[i]->writeNeighbours(shared);
+		TileArrays& arrays = *vArrays[i];
+		arrays.writeNeighbours(
+		    arraysOf(i), [&](const FacetSide& side, int facet, const FacetSide* pOther) {
+			    mesh.neighbours[4 * std::size_t(numberOf(side)) + std::size_t(facet)] =
+			        pOther == nullptr ? -1 : numberOf(*pOther);
+		    });
+		arrays.forEachForeign([&](const TetPositions& position) {
+			arrays.noteAtVertices(position, numberOf({position, TileArrays::kForeign}));
+		});
+		// Only now, and once: vertices of several tiles share the cache lines of this array.
+		for (std::uint32_t j = 0; j < vRanges[i].size(); ++j) {
+			mesh.tetOfVertex[std::size_t(order.numbers()[vRanges[i].first + j])] =
+			    arrays.tetOfOwn()[j];
+		}
 		vArrays[i].reset(); // here, where a large pool says nothing about its end
 		vTiles[i].reset();
 	});
