@@ -70,6 +70,8 @@ public:
 		return static_cast<std::uint32_t>(vtx.getCustomIndex());
 	}
 	const Dt3& mesh() const { return engine; }
+	/// The number of vertices that are in and are not own.
+	std::size_t numForeign() const { return foreign.size(); }
 
 private:
 	// Tile.cpp

@@ -7,6 +7,7 @@
 #include "Measures.h"
 #include "ParallelMesh.h"
 #include "Shapes.h"
+#include "Tiles.h"
 
 #include <nanobind/stl/pair.h>
 #include <nanobind/stl/string.h>
@@ -259,4 +260,5 @@ NB_MODULE(_core, m)
 	    array("begins"));
 	m.def("is_valid", &checkMesh, "mesh"_a);
 	bindShapes(m);
+	bindTiles(m);
 }

@@ -1,0 +1,201 @@
+# SPDX-License-Identifier: MIT
+"""One mesh by many processes: that of one engine, whatever the chunks, tiles, workers and their deaths."""
+
+import os
+import signal
+
+import dask.array
+import laspy
+import meshio
+import numpy as np
+import pyarrow
+import pyarrow.parquet
+import pytest
+import pyvista
+import tulo3d
+from distributed import Client, LocalCluster
+from families import FAMILIES, sorted_rows
+from tulo3d.distributed import open_mesh, triangulate
+
+POINTS = np.random.default_rng(3).random((3000, 3))
+LATTICE = np.stack(np.meshgrid(*[np.arange(12.0)] * 3), axis=-1).reshape(-1, 3)
+# In no order of the curve, so that the rank of a vertex has to come from its place in the input.
+CROWDED = np.concatenate([np.random.default_rng(4).permutation(LATTICE) * 1e-6, [[1, 1, 1], [-1, -1, -1]]])
+
+
+@pytest.fixture(scope="module")
+def client():
+    with (
+        LocalCluster(n_workers=1, threads_per_worker=2, processes=False, dashboard_address=":0") as cluster,
+        Client(cluster) as client,
+    ):
+        yield client
+
+
+def chunks(points, num=4):
+    """A callable of a chunk's number, and their number; one chunk is empty."""
+    parts = [*np.array_split(points, num - 1), np.empty((0, 3))]
+    return parts.__getitem__, num
+
+
+def whole(mesh):
+    """All tetrahedra by input indices, and their neighbours."""
+    tiles = list(mesh)
+    return (
+        np.concatenate([tile.index[tile.simplices] for tile in tiles]),
+        np.concatenate([tile.neighbors for tile in tiles]),
+    )
+
+
+def expect_same(mesh, points):
+    one = tulo3d.Delaunay(points, workers=2)
+    simplices, neighbors = whole(mesh)
+    assert len(simplices) == mesh.nsimplex == one.nsimplex
+    assert sorted_rows(simplices) == sorted_rows(one.simplices)
+    own = np.concatenate([tile.index[: tile.num_own] for tile in mesh])
+    assert sorted(own) == np.unique(one.vertex_of_point).tolist()
+    duplicates = np.concatenate([tile.duplicates for tile in mesh])
+    assert (one.vertex_of_point[duplicates[:, 0]] == duplicates[:, 1]).all()
+    assert len(points) == mesh.npoints == len(own) + len(duplicates)
+    # Facet k is shared with neighbour k, or is on the hull.
+    tet, k = np.nonzero(neighbors >= 0)
+    facets = np.sort(np.stack([np.delete(simplices, i, axis=1) for i in range(4)], axis=1), axis=2)
+    beyond = neighbors[tet, k]
+    back = (neighbors[beyond] == tet[:, np.newaxis]).argmax(axis=1)
+    assert (facets[tet, k] == facets[beyond, back]).all()
+    assert sorted_rows(mesh.hull()) == sorted_rows(one.convex_hull)
+    assert mesh.euler_characteristic == 1
+
+
+@pytest.mark.parametrize("name", FAMILIES)
+@pytest.mark.parametrize("tile_size", [130, 20])
+def test_hard_inputs_have_the_mesh_of_one_engine(name, tile_size, client, tmp_path):
+    points = FAMILIES[name]
+    read, num = chunks(points)
+    mesh = triangulate(
+        read, tmp_path / "m", client=client, num_chunks=num, tile_size=tile_size, count_edges=True
+    )
+    expect_same(mesh, points)
+
+
+@pytest.mark.parametrize("points", [POINTS, LATTICE, CROWDED, np.concatenate([CROWDED, CROWDED[::3]])])
+def test_neither_chunks_nor_tiles_decide_the_mesh(points, client, tmp_path):
+    sums = []
+    for tile_size, num in (10**6, 2), (400, 9), (100, 3):
+        read, num = chunks(points, num)
+        mesh = triangulate(
+            read,
+            tmp_path / f"m{num}",
+            client=client,
+            num_chunks=num,
+            tile_size=tile_size,
+            count_edges=True,
+        )
+        expect_same(mesh, points)
+        assert mesh.volume == pytest.approx(mesh.hull_volume, rel=1e-3)
+        assert all(tile.num_own > 0 for tile in mesh)
+        sums.append(mesh.checksum(client=client))
+    assert len(set(sums)) == 1
+
+
+def test_a_worker_that_dies_in_any_stage_changes_nothing(tmp_path):
+    read, num = chunks(POINTS)
+    killed = []
+
+    def kill_one(stage, num_done, num_tasks):
+        if stage in killed:
+            return
+        killed.append(stage)
+        os.kill(next(iter(client.run(os.getpid).values())), signal.SIGKILL)
+
+    with (
+        LocalCluster(n_workers=2, threads_per_worker=1, dashboard_address=":0", silence_logs=60) as cluster,
+        Client(cluster) as client,
+    ):
+        mesh = triangulate(
+            read,
+            tmp_path / "m",
+            client=client,
+            num_chunks=num,
+            tile_size=400,
+            count_edges=True,
+            progress=kill_one,
+        )
+    expect_same(mesh, POINTS)
+    assert killed == ["read", "sort", "collect", "rank", "mesh", "finish"]
+    assert not list((tmp_path / "m").rglob("*.part")) and not (tmp_path / "m" / "scratch").exists()
+
+
+def test_points_come_from_arrays_and_from_files(client, tmp_path):
+    paths = [tmp_path / f"points.{suffix}" for suffix in ("npy", "parquet", "ply", "las")]
+    np.save(paths[0], POINTS)
+    table = pyarrow.table({axis: POINTS[:, i] for i, axis in enumerate("xyz")})
+    pyarrow.parquet.write_table(table, paths[1], row_group_size=700)
+    meshio.write_points_cells(paths[2], POINTS, {}, file_format="ply")
+    las = laspy.LasData(laspy.LasHeader())
+    las.header.scales = [2.0**-20] * 3
+    las.x, las.y, las.z = np.rint(POINTS.T * 2**20) / 2**20
+    las.write(paths[3])
+    sources = [dask.array.from_array(POINTS, chunks=(900, 2)), *paths[:3]]
+    meshes = [
+        triangulate(source, tmp_path / f"m{i}", client=client, tile_size=1000)
+        for i, source in enumerate(sources)
+    ]
+    assert len({mesh.checksum() for mesh in meshes}) == 1
+    two = triangulate([paths[3], paths[0]], tmp_path / "two", client=client, tile_size=1000, count_edges=True)
+    expect_same(two, np.concatenate([np.stack([las.x, las.y, las.z], axis=1), POINTS]))
+
+
+def test_what_is_wrong_is_told_and_nothing_is_left(client, tmp_path):
+    bad = POINTS.copy()
+    bad[2500, 1] = np.nan
+    torn = tmp_path / "torn.npy"
+    np.save(torn, POINTS)
+    torn.write_bytes(torn.read_bytes()[:-8])
+    np.save(tmp_path / "wide.npy", np.zeros((9, 4)))
+    flat = POINTS * [1, 1, 0]
+    for source, num, error, text in (
+        (*chunks(bad, 7), ValueError, r"chunk 5: coordinates must be finite.*point 0 "),
+        (lambda i: 1 // i, 2, ValueError, "chunk 0: integer division"),
+        (torn, None, ValueError, r"torn.npy"),
+        (tmp_path / "wide.npy", None, ValueError, r"wide.npy, points 0 to 9: points must have the shape"),
+        (tmp_path / "none.npy", None, ValueError, "none.npy cannot be read: .*No such file"),
+        (tmp_path / "points.xyz", None, ValueError, "files of points are"),
+        (POINTS, None, TypeError, "dask.array.from_array"),
+        (lambda i: POINTS, None, TypeError, "num_chunks"),
+        (*chunks(flat), tulo3d.FlatError, "all 3000 points are in one plane"),
+        (*chunks(POINTS[:3]), ValueError, "at least 4 points, not 3"),
+    ):
+        with pytest.raises(error, match=text):
+            triangulate(source, tmp_path / "m", client=client, num_chunks=num, tile_size=1000)
+        assert not (tmp_path / "m").exists()
+    (tmp_path / "kept").write_text("mine")
+    with pytest.raises(FileExistsError):
+        triangulate(*chunks(POINTS)[:1], tmp_path, client=client, num_chunks=4)
+    assert (tmp_path / "kept").read_text() == "mine"
+    with pytest.raises(FileNotFoundError, match=r"holds no mesh"):
+        open_mesh(tmp_path)
+
+
+def test_results_need_no_gathering(client, tmp_path):
+    read, num = chunks(np.concatenate([POINTS, POINTS[:50]]))
+    told = []
+    mesh = triangulate(
+        read,
+        tmp_path / "m",
+        client=client,
+        num_chunks=num,
+        tile_size=700,
+        progress=lambda *state: told.append(state),
+    )
+    assert told[-1] == ("finish", mesh.ntiles, mesh.ntiles)
+    again = open_mesh(tmp_path / "m")
+    one = tulo3d.Delaunay(POINTS)
+    assert (again.nvertices, again.nduplicates, again.nsimplex) == (3000, 50, one.nsimplex)
+    assert again.volume == pytest.approx(one.volumes.sum())
+    counts, edges = again.quality_histogram(20, client=client)
+    np.testing.assert_array_equal(counts, np.histogram(one.quality, edges)[0])
+    assert sum(again.map_tiles(lambda tile: len(tile.simplices), client=client)) == one.nsimplex
+    pieces = pyvista.read(again.write_vtu(tmp_path / "vtu", client=client))
+    assert pieces.n_cells == one.nsimplex
+    assert pieces.compute_cell_sizes()["Volume"].sum() == pytest.approx(one.volumes.sum())
