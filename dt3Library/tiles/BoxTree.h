@@ -44,7 +44,8 @@ public:
 		if (level < CurvePoints::kNumBlockLevels) {
 			return points.numBlocks() * CurvePoints::numOfBlock(level);
 		}
-		return static_cast<std::uint32_t>(vUpperLevels[level - CurvePoints::kNumBlockLevels].size());
+		return static_cast<std::uint32_t>(
+		    vUpperLevels[level - CurvePoints::kNumBlockLevels].size());
 	}
 	std::uint32_t numLeaves() const { return numNodes(0); }
 	BoxNode root() const { return {numLevels() - 1, 0}; }

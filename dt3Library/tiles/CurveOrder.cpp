@@ -34,8 +34,7 @@ std::vector<KeyedInput> listAlongCurve(const std::vector<Point3>& vInput, const 
 	std::vector<std::uint32_t> vCell;
 	for (std::size_t i = 0; i < vKeyed.size();) {
 		const std::size_t first = i;
-		while (++i < vKeyed.size() && vKeyed[i].key == vKeyed[first].key) {
-		}
+		while (++i < vKeyed.size() && vKeyed[i].key == vKeyed[first].key) {}
 		if (i == first + 1) continue; // as nearly all are
 		vCell.clear();
 		for (std::size_t j = first; j < i; ++j) vCell.push_back(vKeyed[j].value);

@@ -17,43 +17,33 @@ constexpr std::array<std::array<std::uint8_t, 4>, 12> kTurns{
     {{0, 1, 2, 3}, {0, 2, 3, 1}, {0, 3, 1, 2}, {1, 0, 3, 2}, {1, 3, 2, 0}, {1, 2, 0, 3},
         {2, 3, 0, 1}, {2, 0, 1, 3}, {2, 1, 3, 0}, {3, 2, 1, 0}, {3, 1, 0, 2}, {3, 0, 2, 1}}};
 
-/// A tetrahedron of an owner, to be sorted by the positions of the other corners.
-struct Owned
-{
-	Owned() = default;
-	Owned(const TetPositions& position, std::uint32_t theRecord)
-	    : firstTwo(std::uint64_t{position[1]} << 32U | position[2]),
-	      last(position[3]),
-	      record(theRecord)
-	{
-	}
-	bool operator<(const Owned& other) const
-	{
-		return firstTwo != other.firstTwo ? firstTwo < other.firstTwo : last < other.last;
-	}
-	TetPositions positions(std::uint32_t owner) const
-	{
-		return {owner, static_cast<std::uint32_t>(firstTwo >> 32U),
-		    static_cast<std::uint32_t>(firstTwo), last};
-	}
+/// A tetrahedron of an owner, where its corners will be: the positions of the other corners, and its record in the tile.
+using TetRow = std::array<std::int32_t, 4>;
 
-	std::uint64_t firstTwo;
-	std::uint32_t last;
-	std::uint32_t record; ///< of the tile
-};
+/// The order of the other corners.
+bool isBefore(const TetRow& a, const TetRow& b)
+{
+	const auto firstTwo = [](const TetRow& row) {
+		return std::uint64_t{static_cast<std::uint32_t>(row[0])} << 32U |
+		    static_cast<std::uint32_t>(row[1]);
+	};
+	const std::uint64_t ofA = firstTwo(a), ofB = firstTwo(b);
+	if (ofA != ofB) return ofA < ofB;
+	return static_cast<std::uint32_t>(a[2]) < static_cast<std::uint32_t>(b[2]);
+}
 
 /// For a few tetrahedra, as an owner has.
-void sort(Owned* pFirst, Owned* pLast)
+void sort(TetRow* pFirst, TetRow* pLast)
 {
 	constexpr std::ptrdiff_t kFew = 32;
 	if (pLast - pFirst > kFew) {
-		std::sort(pFirst, pLast);
+		std::sort(pFirst, pLast, isBefore);
 		return;
 	}
-	for (Owned* p = pFirst; p < pLast; ++p) {
-		const Owned inserted = *p;
-		Owned* pAt = p;
-		for (; pAt > pFirst && inserted < pAt[-1]; --pAt) *pAt = pAt[-1];
+	for (TetRow* p = pFirst; p < pLast; ++p) {
+		const TetRow inserted = *p;
+		TetRow* pAt = p;
+		for (; pAt > pFirst && isBefore(inserted, pAt[-1]); --pAt) *pAt = pAt[-1];
 		*pAt = inserted;
 	}
 }
@@ -69,8 +59,7 @@ std::uint64_t mixed(std::uint64_t h)
 
 } // namespace
 
-TileArrays::TileArrays(const Tile& tile)
-    : own(tile.ownRange()), live(tile.mesh().liveTets())
+TileArrays::TileArrays(const Tile& tile) : own(tile.ownRange()), live(tile.mesh().liveTets())
 {
 	CONDITION_CHECK_AS(live.size() <= std::numeric_limits<std::int32_t>::max(),
 	    "at most 2147483647 tetrahedra have numbers");
@@ -120,16 +109,19 @@ void TileArrays::writeCorners(const OwnedArrays& to)
 {
 	const std::uint32_t* const pFirst = to.pFirstOfOwner;
 	const std::uint32_t first = pFirst[0];
-	std::vector<std::uint32_t> vNext(pFirst, pFirst + own.size());
-	const std::size_t numOwned = pFirst[own.size()] - first;
-	const std::unique_ptr<Owned[]> vOwned(new Owned[numOwned]);
-	prefault(vOwned.get(), numOwned * sizeof(Owned));
-	const std::size_t numBytes = 4 * numOwned * sizeof(std::int32_t);
+	const std::size_t numBytes = 4 * std::size_t{pFirst[own.size()] - first} * sizeof(std::int32_t);
 	prefault(to.pCorners + 4 * std::size_t{first}, numBytes);
 	prefault(to.pNeighbours + 4 * std::size_t{first}, numBytes);
+
+	// Each owner's tetrahedra are gathered, and then sorted, where their corners will be.
+	TetRow* const pRows = reinterpret_cast<TetRow*>(to.pCorners);
+	std::vector<std::uint32_t> vNext(pFirst, pFirst + own.size());
 	for (std::uint32_t record = 0; record < live.size(); ++record) {
 		const auto& p = pPositions[record];
-		if (own.contains(p[0])) vOwned[vNext[p[0] - own.first]++ - first] = Owned(p, record);
+		if (!own.contains(p[0])) continue;
+		pRows[vNext[p[0] - own.first]++] = {static_cast<std::int32_t>(p[1]),
+		    static_cast<std::int32_t>(p[2]), static_cast<std::int32_t>(p[3]),
+		    static_cast<std::int32_t>(record)};
 	}
 	pPositions.reset();
 
@@ -137,17 +129,16 @@ void TileArrays::writeCorners(const OwnedArrays& to)
 	vTetOfOwn.assign(own.size(), kForeign);
 	// Backwards, so that each vertex is left with its lowest tetrahedron.
 	for (std::uint32_t i = own.size(); i-- > 0;) {
-		Owned* const pBegin = vOwned.get() + (pFirst[i] - first);
-		Owned* const pEnd = vOwned.get() + (pFirst[i + 1] - first);
-		sort(pBegin, pEnd);
-		for (Owned* p = pEnd; p-- > pBegin;) {
-			const auto number = static_cast<std::int32_t>(first + (p - vOwned.get()));
-			vNumbers[p->record] = number;
-			std::int32_t* pCorner = to.pCorners + 4 * std::size_t(number);
-			for (const std::uint32_t position : p->positions(own.first + i)) {
-				*pCorner++ = to.pNumbers != nullptr ? to.pNumbers[position]
-				                                    : static_cast<std::int32_t>(position);
+		sort(pRows + pFirst[i], pRows + pFirst[i + 1]);
+		for (std::uint32_t t = pFirst[i + 1]; t-- > pFirst[i];) {
+			TetRow& row = pRows[t];
+			const auto number = static_cast<std::int32_t>(t);
+			vNumbers[static_cast<std::size_t>(row[3])] = number;
+			row = {static_cast<std::int32_t>(own.first + i), row[0], row[1], row[2]};
+			for (std::int32_t& corner : row) {
+				const auto position = static_cast<std::uint32_t>(corner);
 				if (own.contains(position)) vTetOfOwn[position - own.first] = number;
+				if (to.pNumbers != nullptr) corner = to.pNumbers[position];
 			}
 		}
 	}
@@ -204,7 +195,8 @@ void TileArrays::writeNeighbours(const OwnedArrays& to, const Link& link)
 		std::int32_t* const p = to.pNeighbours + 4 * std::size_t(number);
 		for (int i = 0; i < 4; ++i) {
 			const Tet3* pNeigh = pTet->getOppTet(cornerAt(turn, i));
-			p[i] = pNeigh == nullptr ? -1 : vNumbers[static_cast<std::size_t>(live.numberOf(pNeigh))];
+			p[i] =
+			    pNeigh == nullptr ? -1 : vNumbers[static_cast<std::size_t>(live.numberOf(pNeigh))];
 			if (p[i] == kForeign && pNeigh != nullptr) {
 				const FacetSide other = sideOf(*pNeigh, canonical(*pNeigh).position);
 				link({canonical(*pTet).position, number}, i, &other);

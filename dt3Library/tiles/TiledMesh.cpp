@@ -108,8 +108,8 @@ ParallelMesh triangulateInTiles(const double* pCoordinates, std::size_t numPoint
 		return OwnedArrays{vFirstOfOwner.data() + vRanges[i].first, mesh.corners.get(),
 		    mesh.neighbours.get(), order.numbers().data()};
 	};
-	inParallel(vRanges.size(), numThreads,
-	    [&](std::size_t i) { vArrays[i]->writeCorners(arraysOf(i)); });
+	inParallel(
+	    vRanges.size(), numThreads, [&](std::size_t i) { vArrays[i]->writeCorners(arraysOf(i)); });
 	expectAgreement(vArrays, vRanges);
 
 	const auto numberOf = [&](const FacetSide& side) {

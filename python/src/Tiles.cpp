@@ -95,8 +95,8 @@ bool mayUnderflow(const Points& points)
 {
 	return unlocked([&] {
 		const auto v = toPoints(points);
-		return std::any_of(v.begin(), v.end(),
-		    [](const TULO3D::Point3& p) { return TULO3D::mayUnderflow(p); });
+		return std::any_of(
+		    v.begin(), v.end(), [](const TULO3D::Point3& p) { return TULO3D::mayUnderflow(p); });
 	});
 }
 
@@ -152,8 +152,8 @@ std::size_t countEdges(const TULO3D::Tile& tile)
 				}
 			}
 			std::sort(vEnds.begin(), vEnds.end());
-			numEdges += static_cast<std::size_t>(
-			    std::unique(vEnds.begin(), vEnds.end()) - vEnds.begin());
+			numEdges +=
+			    static_cast<std::size_t>(std::unique(vEnds.begin(), vEnds.end()) - vEnds.begin());
 		}
 	});
 	return numEdges;
@@ -164,11 +164,13 @@ constexpr std::int32_t kUnlinked = -2;
 
 /// What a tile has found. The tetrahedra are those that its vertices own, by positions of corners and by their numbers
 /// among themselves.
-using TileResult = std::tuple<NewArray<std::uint32_t>, // of each vertex and behind the last: the first it owns
-    NewArray<std::int32_t>,                            // corners
-    NewArray<std::int32_t>,                            // neighbours
-    NewArray<std::uint32_t>, // facets at its border, nine numbers each: positions of a tetrahedron, which facet of
-                             // it, positions of the one beyond, all ones beyond the hull
+using TileResult = std::tuple<
+    NewArray<std::uint32_t>, // of each vertex and behind the last: the first it owns
+    NewArray<std::int32_t>,  // corners
+    NewArray<std::int32_t>,  // neighbours
+    NewArray<std::
+            uint32_t>, // facets at its border, nine numbers each: positions of a tetrahedron, which facet of
+                       // it, positions of the one beyond, all ones beyond the hull
     NewArray<std::uint64_t>, // for each tile, the checksum of the tetrahedra that both know
     std::size_t,             // the number of vertices of other tiles that are in
     std::size_t>;            // the number of edges, or zero
@@ -182,8 +184,8 @@ public:
 	    : vPoints(std::move(vThePoints)),
 	      vRanks(std::move(vTheRanks)),
 	      vBoxes(std::move(vTheBoxes)),
-	      points(partsOf(vPoints, vRanks, vBoxes),
-	          {lowest.data(), lowest.data() + lowest.shape(0)}, bMayUnderflow),
+	      points(partsOf(vPoints, vRanks, vBoxes), {lowest.data(), lowest.data() + lowest.shape(0)},
+	          bMayUnderflow),
 	      tree(points)
 	{
 		for (std::size_t i = 0; i < vPoints.size(); ++i) {
@@ -219,8 +221,8 @@ public:
 			    vFirst.data(), vCorners.data(), vNeighbors.data(), nullptr};
 			arrays.writeCorners(to);
 			vSums = arrays.checksums(vRanges);
-			arrays.writeNeighbours(to,
-			    [&](const TULO3D::FacetSide& side, int i, const TULO3D::FacetSide* pOther) {
+			arrays.writeNeighbours(
+			    to, [&](const TULO3D::FacetSide& side, int i, const TULO3D::FacetSide* pOther) {
 				    if (!side.isForeign() && (pOther == nullptr || !pOther->isForeign())) {
 					    vNeighbors[4 * std::size_t(side.number) + std::size_t(i)] =
 					        pOther == nullptr ? -1 : pOther->number;
@@ -280,8 +282,8 @@ void bindTiles(nb::module_& m)
 	m.def("find_owned", &findOwned, array("wanted"), "first_position"_a, array("first_of_owner"),
 	    array("corners"));
 	nb::class_<Tiles>(m, "Tiles")
-	    .def(nb::init<std::vector<Points>, std::vector<Ranks>, std::vector<Boxes>,
-	             const Positions&, bool>(),
+	    .def(nb::init<std::vector<Points>, std::vector<Ranks>, std::vector<Boxes>, const Positions&,
+	             bool>(),
 	        "points"_a, "ranks"_a, "boxes"_a, array("lowest"), "may_underflow"_a)
 	    .def("triangulate", &Tiles::triangulate, "part"_a, "count_edges"_a);
 }

@@ -6,7 +6,7 @@ from __future__ import annotations
 import json
 from collections.abc import Callable, Iterator
 from dataclasses import asdict, dataclass
-from functools import cached_property
+from functools import cached_property, partial
 from pathlib import Path
 from typing import IO, TYPE_CHECKING, Any, TypeVar
 
@@ -59,10 +59,10 @@ class Tile:
 
     @cached_property
     def _mesh(self) -> Mesh:
-        local = self.neighbors.astype(np.int64) - self.first_simplex
-        local[(self.neighbors < 0) | (local < 0) | (local >= len(self.simplices))] = -1
+        local = self.neighbors - self.neighbors.dtype.type(self.first_simplex)
+        local[(local < 0) | (local >= len(self.simplices))] = -1
         vertices = np.arange(len(self.points), dtype=np.int32)
-        return Mesh(self.points, self.simplices, local.astype(np.int32), vertices)
+        return Mesh(self.points, self.simplices, local.astype(np.int32, copy=False), vertices)
 
     @property
     def volumes(self) -> FloatArray:
@@ -93,6 +93,7 @@ class Tile:
 
     @classmethod
     def load(cls, path: AnyPath) -> Tile:
+        """Read what `save` has written."""
         with np.load(path) as arrays:
             values = {name: arrays[name] for name in arrays.files}
         for name in ("num_own", "first_simplex"):
@@ -113,6 +114,7 @@ class TileInfo:
 
     @classmethod
     def of(cls, tile: Tile, origin: FloatArray) -> TileInfo:
+        """Measure a tile; parts of the hull's volume reach from its triangles to the origin given."""
         hull = tile.points[tile.hull] - origin
         parts = np.einsum("ij,ij->i", hull[:, 0], np.cross(hull[:, 1], hull[:, 2])) / 6
         return cls(
@@ -126,6 +128,7 @@ class TileInfo:
 
     @staticmethod
     def file_name(number: int) -> str:
+        """Return the name of a tile's file."""
         return f"tile_{number:06}.npz"
 
 
@@ -153,17 +156,8 @@ class TiledMesh:
     folder : Path
     npoints : int
         The number of input points.
-    nvertices, nsimplex, ntiles : int
-    nduplicates : int
-        The number of points that repeat an earlier one.
     min_bound, max_bound : ndarray, shape (3,)
-    volume : float
-        The sum over all tetrahedra.
-    hull_volume : float
-        The volume within the hull, by the hull's triangles alone.
-    num_hull_facets : int
-    checksum : str
-        One for all tetrahedra by input indices, whatever the number of tiles; see `tetrahedra_checksum`.
+    tiles : list of TileInfo
     statistics : Statistics
     """
 
@@ -202,30 +196,37 @@ class TiledMesh:
 
     @property
     def ntiles(self) -> int:
+        """The number of tiles."""
         return len(self.tiles)
 
     @property
     def nvertices(self) -> int:
+        """The number of distinct points."""
         return sum(tile.num_vertices for tile in self.tiles)
 
     @property
     def nsimplex(self) -> int:
+        """The number of tetrahedra."""
         return sum(tile.num_simplices for tile in self.tiles)
 
     @property
     def nduplicates(self) -> int:
+        """The number of points that repeat an earlier one."""
         return sum(tile.num_duplicates for tile in self.tiles)
 
     @property
     def num_hull_facets(self) -> int:
+        """The number of triangles of the convex hull."""
         return sum(tile.num_hull_facets for tile in self.tiles)
 
     @property
     def volume(self) -> float:
+        """The sum of the volumes of all tetrahedra."""
         return sum(tile.volume for tile in self.tiles)
 
     @property
     def hull_volume(self) -> float:
+        """The volume within the triangles of the hull, for comparison."""
         return sum(tile.hull_volume for tile in self.tiles)
 
     @property
@@ -243,9 +244,11 @@ class TiledMesh:
         return Tile.load(self.folder / TileInfo.file_name(number))
 
     def __iter__(self) -> Iterator[Tile]:
+        """Load one tile after another."""
         return (self.tile(number) for number in range(self.ntiles))
 
     def __len__(self) -> int:
+        """Return the number of tiles."""
         return self.ntiles
 
     def map_tiles(self, function: Callable[[Tile], Result], *, client: Client | None = None) -> list[Result]:
@@ -266,7 +269,7 @@ class TiledMesh:
     ) -> tuple[Int64Array, FloatArray]:
         """Return how many tetrahedra have a quality in each bin from 0 to 1, and the edges of the bins."""
         edges = np.linspace(0, 1, bins + 1)
-        parts = self.map_tiles(_QualityHistogram(edges), client=client)
+        parts = self.map_tiles(partial(_quality_histogram, edges), client=client)
         return np.sum(parts, axis=0), edges
 
     def checksum(self, *, client: Client | None = None) -> str:
@@ -330,12 +333,8 @@ def _checksum_of(tile: Tile) -> int:
     return tetrahedra_checksum(tile.index[tile.simplices])
 
 
-@dataclass(frozen=True)
-class _QualityHistogram:
-    edges: FloatArray
-
-    def __call__(self, tile: Tile) -> Int64Array:
-        return np.histogram(tile.quality, self.edges)[0]
+def _quality_histogram(edges: FloatArray, tile: Tile) -> Int64Array:
+    return np.histogram(tile.quality, edges)[0]
 
 
 def _write_vtu(path: Path, folder: Path) -> None:

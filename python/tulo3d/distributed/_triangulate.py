@@ -123,6 +123,8 @@ def _workers(client: Client | None) -> Iterator[Client]:
 
 
 class _Work:
+    """One call of `triangulate`: tasks go to the client, stage by stage."""
+
     def __init__(
         self, client: Client, scratch: Scratch, folder: Path, progress: Progress | None
     ) -> None:
@@ -157,6 +159,7 @@ class _Work:
         return results
 
     def run(self, chunks: list[Any], tile_size: int, count_edges: bool) -> None:
+        """Do all stages, and write the index."""
         scratch = self.scratch
         chunk_infos = self._read(chunks)
         sizes = np.array([info.size for info in chunk_infos], dtype=np.int64)
@@ -219,9 +222,10 @@ class _Work:
         if len(four) < 4:
             raise FlatError(f"all {sum(layout.sizes)} points are in one plane: no tetrahedra")
         places_of_four: list[int] = []
-        for tile, place in four:
+        for tile in {tile: None for tile, _ in four}:
+            places = [place for other, place in four if other == tile]
             task = self.client.submit(
-                _stages.insertion_places_of, self.scratch, tile, [place], layout, pure=False
+                _stages.insertion_places_of, self.scratch, tile, places, layout, pure=False
             )
             places_of_four += task.result()
         lowest = self._each(_stages.rank, tiles, layout, four, places_of_four)
