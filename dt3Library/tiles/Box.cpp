@@ -3,7 +3,6 @@
 #include "tiles/Box.h"
 
 #include <algorithm>
-#include <cstddef>
 #include <limits>
 
 namespace TULO3D {
@@ -12,19 +11,6 @@ Box emptyBox()
 {
 	constexpr double kInfinity = std::numeric_limits<double>::infinity();
 	return {{kInfinity, kInfinity, kInfinity}, {-kInfinity, -kInfinity, -kInfinity}};
-}
-
-Box boxOf(const Point3& p)
-{
-	return {{p.x(), p.y(), p.z()}, {p.x(), p.y(), p.z()}};
-}
-
-void widen(Box& box, const Box& other)
-{
-	for (std::size_t i = 0; i < 3; ++i) {
-		box.low[i] = std::min(box.low[i], other.low[i]);
-		box.high[i] = std::max(box.high[i], other.high[i]);
-	}
 }
 
 double squaredDiagonal(const Box& box)

@@ -4,7 +4,9 @@
 
 #include "Point3.h"
 
+#include <algorithm>
 #include <array>
+#include <cstddef>
 
 namespace TULO3D {
 
@@ -21,10 +23,19 @@ struct Box
 Box emptyBox();
 
 /// The box of one point.
-Box boxOf(const Point3& p);
+inline Box boxOf(const Point3& p)
+{
+	return {{p.x(), p.y(), p.z()}, {p.x(), p.y(), p.z()}};
+}
 
 /// Grows a box to contain another.
-void widen(Box& box, const Box& other);
+inline void widen(Box& box, const Box& other)
+{
+	for (std::size_t i = 0; i < 3; ++i) {
+		box.low[i] = std::min(box.low[i], other.low[i]);
+		box.high[i] = std::max(box.high[i], other.high[i]);
+	}
+}
 
 /// The squared length of the diagonal.
 double squaredDiagonal(const Box& box);

@@ -3,6 +3,9 @@
 
 import os
 import signal
+import subprocess
+import sys
+from pathlib import Path
 
 import dask.array
 import laspy
@@ -15,12 +18,14 @@ import pyvista
 import tulo3d
 from distributed import Client, LocalCluster
 from families import FAMILIES, sorted_rows
-from tulo3d.distributed import open_mesh, triangulate
+from tulo3d.distributed import open_mesh, tetrahedra_checksum, triangulate
 
 POINTS = np.random.default_rng(3).random((3000, 3))
 LATTICE = np.stack(np.meshgrid(*[np.arange(12.0)] * 3), axis=-1).reshape(-1, 3)
 # In no order of the curve, so that the rank of a vertex has to come from its place in the input.
 CROWDED = np.concatenate([np.random.default_rng(4).permutation(LATTICE) * 1e-6, [[1, 1, 1], [-1, -1, -1]]])
+
+HALVES = {"north": slice(0, 1700), "south": slice(1700, None)}
 
 
 @pytest.fixture(scope="module")
@@ -126,16 +131,21 @@ def test_a_worker_that_dies_in_any_stage_changes_nothing(tmp_path):
     assert not list((tmp_path / "m").rglob("*.part")) and not (tmp_path / "m" / "scratch").exists()
 
 
+def write_las(path, points):
+    las = laspy.LasData(laspy.LasHeader())
+    las.header.scales = [2.0**-20] * 3
+    las.x, las.y, las.z = np.rint(points.T * 2**20) / 2**20
+    las.write(path)
+    return np.stack([las.x, las.y, las.z], axis=1)
+
+
 def test_points_come_from_arrays_and_from_files(client, tmp_path):
     paths = [tmp_path / f"points.{suffix}" for suffix in ("npy", "parquet", "ply", "las")]
     np.save(paths[0], POINTS)
     table = pyarrow.table({axis: POINTS[:, i] for i, axis in enumerate("xyz")})
     pyarrow.parquet.write_table(table, paths[1], row_group_size=700)
     meshio.write_points_cells(paths[2], POINTS, {}, file_format="ply")
-    las = laspy.LasData(laspy.LasHeader())
-    las.header.scales = [2.0**-20] * 3
-    las.x, las.y, las.z = np.rint(POINTS.T * 2**20) / 2**20
-    las.write(paths[3])
+    rounded = write_las(paths[3], POINTS)
     sources = [dask.array.from_array(POINTS, chunks=(900, 2)), *paths[:3]]
     meshes = [
         triangulate(source, tmp_path / f"m{i}", client=client, tile_size=1000)
@@ -143,7 +153,7 @@ def test_points_come_from_arrays_and_from_files(client, tmp_path):
     ]
     assert len({mesh.checksum() for mesh in meshes}) == 1
     two = triangulate([paths[3], paths[0]], tmp_path / "two", client=client, tile_size=1000, count_edges=True)
-    expect_same(two, np.concatenate([np.stack([las.x, las.y, las.z], axis=1), POINTS]))
+    expect_same(two, np.concatenate([rounded, POINTS]))
 
 
 def test_what_is_wrong_is_told_and_nothing_is_left(client, tmp_path):
@@ -175,6 +185,20 @@ def test_what_is_wrong_is_told_and_nothing_is_left(client, tmp_path):
     assert (tmp_path / "kept").read_text() == "mine"
     with pytest.raises(FileNotFoundError, match=r"holds no mesh"):
         open_mesh(tmp_path)
+
+
+def test_the_first_lines_of_the_document_make_a_mesh_by_processes_of_their_own(tmp_path):
+    text = (Path(__file__).parents[2] / "docs" / "distributed.md").read_text()
+    (tmp_path / "example.py").write_text(text.split("```python\n")[1].split("```")[0])
+    rounded = [write_las(tmp_path / f"{name}.las", POINTS[half]) for name, half in HALVES.items()]
+    one = tulo3d.Delaunay(np.concatenate(rounded), workers=2)
+    result = subprocess.run(
+        [sys.executable, "example.py"], cwd=tmp_path, capture_output=True, text=True, check=False
+    )
+    assert result.returncode == 0, result.stderr
+    assert result.stdout.split()[::2] == [str(one.nsimplex), str(len(POINTS) - len(np.unique(one.vertex_of_point)))]
+    assert open_mesh(tmp_path / "terrain.mesh").checksum() == f"{tetrahedra_checksum(one.simplices):016x}"
+    assert (tmp_path / "terrain.vtu" / "mesh.pvtu").exists()
 
 
 def test_results_need_no_gathering(client, tmp_path):

@@ -6,7 +6,7 @@ again. The workers are those of a Dask cluster, which all see the folder: on one
 file system in common.
 """
 
-from ._mesh import Tile, TiledMesh, open_mesh
+from ._mesh import Tile, TiledMesh, open_mesh, tetrahedra_checksum
 from ._triangulate import triangulate
 
-__all__ = ["Tile", "TiledMesh", "open_mesh", "triangulate"]
+__all__ = ["Tile", "TiledMesh", "open_mesh", "tetrahedra_checksum", "triangulate"]
