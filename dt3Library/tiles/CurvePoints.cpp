@@ -37,7 +37,7 @@ void CurvePoints::boxesOfBlocks(const double* pCoordinates, std::size_t numPoint
 }
 
 CurvePoints::CurvePoints(
-    std::vector<Part> vTheParts, std::vector<std::uint32_t> vTheLowest, bool bMayUnderflow)
+    const std::vector<Part>& vTheParts, std::vector<std::uint32_t> vTheLowest, bool bMayUnderflow)
     : vLowest(std::move(vTheLowest)), bTiny(bMayUnderflow)
 {
 	for (const Part& part : vTheParts) {

@@ -35,8 +35,8 @@ public:
 
 	/// `vLowest` are the positions with the lowest ranks, some hundred if there are so many, in order; the first
 	/// four span space, in positive order. `bMayUnderflow`: some coordinate is that small.
-	CurvePoints(
-	    std::vector<Part> vTheParts, std::vector<std::uint32_t> vTheLowest, bool bMayUnderflow);
+	CurvePoints(const std::vector<Part>& vTheParts, std::vector<std::uint32_t> vTheLowest,
+	    bool bMayUnderflow);
 
 	Point3 point(std::uint32_t position) const
 	{

@@ -72,6 +72,8 @@ public:
 	const Dt3& mesh() const { return engine; }
 	/// The number of vertices that are in and are not own.
 	std::size_t numForeign() const { return foreign.size(); }
+	/// How often missing vertices were inserted until none was found.
+	std::size_t numRounds() const { return rounds; }
 
 private:
 	// Tile.cpp
@@ -160,7 +162,8 @@ private:
 	const BoxTree& tree;
 	const PositionRange own;
 	Dt3 engine;
-	const Point3* pOwnVtx = nullptr;           ///< any own vertex
+	const Point3* pOwnVtx = nullptr; ///< any own vertex
+	std::size_t rounds = 0;
 	std::unordered_set<std::uint32_t> foreign; ///< the positions of the other vertices that are in
 	std::vector<std::vector<std::uint8_t>> vKnown; ///< nodes of the tree of which every point is in
 	std::vector<unsigned> vSpent; ///< in each leaf: a measure of the time of searches

@@ -187,6 +187,7 @@ void Tile::takeLeaf(std::uint32_t leaf)
 
 void Tile::insertMissing()
 {
+	++rounds;
 	std::sort(vMissing.begin(), vMissing.end());
 	vMissing.erase(std::unique(vMissing.begin(), vMissing.end()), vMissing.end());
 	const auto isHere = [this](std::uint32_t position) { return isIn(position); };

@@ -173,6 +173,7 @@ using TileResult = std::tuple<
                        // it, positions of the one beyond, all ones beyond the hull
     NewArray<std::uint64_t>, // for each tile, the checksum of the tetrahedra that both know
     std::size_t,             // the number of vertices of other tiles that are in
+    std::size_t,             // the number of rounds in which they have come
     std::size_t>;            // the number of edges, or zero
 
 /// All parts of the points, which a process reads where they are. The arrays may be files mapped into memory.
@@ -203,7 +204,7 @@ public:
 		std::vector<std::int32_t> vCorners, vNeighbors;
 		std::vector<std::uint32_t> vLinks;
 		std::vector<std::uint64_t> vSums;
-		std::size_t numReceived = 0, numEdges = 0;
+		std::size_t numReceived = 0, numRounds = 0, numEdges = 0;
 		{
 			const nb::gil_scoped_release unlock;
 			const LibraryScope scope;
@@ -211,6 +212,7 @@ public:
 			tile.begin();
 			tile.complete();
 			numReceived = tile.numForeign();
+			numRounds = tile.numRounds();
 			if (bCountEdges) numEdges = countEdges(tile);
 			TULO3D::TileArrays arrays(tile);
 			arrays.count(vFirst.data());
@@ -237,7 +239,7 @@ public:
 		}
 		return {toArray(std::move(vFirst)), toArray(std::move(vCorners)),
 		    toArray(std::move(vNeighbors)), toArray(std::move(vLinks)), toArray(std::move(vSums)),
-		    numReceived, numEdges};
+		    numReceived, numRounds, numEdges};
 	}
 
 private:

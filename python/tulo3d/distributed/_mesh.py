@@ -136,11 +136,12 @@ class TileInfo:
 class Statistics:
     """What it took to make a mesh.
 
-    `num_received` counts, over all tiles, the vertices of others that they have inserted; `num_edges` is None
-    unless it was asked for.
+    `num_received` counts, over all tiles, the vertices of others that they have inserted, and `num_rounds` how often
+    the tile with most of that has searched and found some; `num_edges` is None unless it was asked for.
     """
 
     num_received: int
+    num_rounds: int
     num_edges: int | None
     seconds: dict[str, float]
 

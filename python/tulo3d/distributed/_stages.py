@@ -241,6 +241,7 @@ class TileMesh:
 
     num_tets: int
     num_received: int
+    num_rounds: int
     num_edges: int
     checksums: npt.NDArray[np.uint64]
     destinations: list[int]  # tiles that have to hear of facets
@@ -255,8 +256,8 @@ def mesh(
         for name in ("points", "ranks", "boxes")
     )
     tiles = _core.Tiles(points, ranks, boxes, lowest, layout.may_underflow)
-    first_of_owner, corners, neighbors, links, checksums, num_received, num_edges = tiles.triangulate(
-        tile, count_edges
+    first_of_owner, corners, neighbors, links, checksums, received, rounds, edges = (
+        tiles.triangulate(tile, count_edges)
     )
     links = links.reshape(-1, 9)
     destinations = layout.tile_of(links[:, 0])
@@ -268,7 +269,7 @@ def mesh(
     scratch.save("links", tile, links[order])
     scratch.save("linkends", tile, ends)
     return TileMesh(
-        len(corners) // 4, num_received, num_edges, checksums, np.unique(destinations).tolist()
+        len(corners) // 4, received, rounds, edges, checksums, np.unique(destinations).tolist()
     )
 
 

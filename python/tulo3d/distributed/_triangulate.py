@@ -197,6 +197,7 @@ class _Work:
         infos = self._finish(layout, meshes, first_tets, low / 2 + high / 2)
         statistics = Statistics(
             sum(mesh.num_received for mesh in meshes),
+            max(mesh.num_rounds for mesh in meshes),
             sum(mesh.num_edges for mesh in meshes) if count_edges else None,
             self.seconds,
         )
