@@ -166,7 +166,7 @@ private:
 	std::size_t rounds = 0;
 	std::unordered_set<std::uint32_t> foreign; ///< the positions of the other vertices that are in
 	std::vector<std::vector<std::uint8_t>> vKnown; ///< nodes of the tree of which every point is in
-	std::vector<unsigned> vSpent; ///< in each leaf: a measure of the time of searches
+	std::vector<std::uint16_t> vSpent; ///< in each leaf: a measure of the time of searches
 	std::vector<Tet3*> vDoubtful;
 	std::vector<std::uint32_t> vMissing; ///< to be inserted at the end of this round
 	std::vector<Searched> vSearch;

@@ -118,9 +118,9 @@ std::uint32_t Tile::findUnknown(const Region& region, Test test)
 			found = position;
 			least = leastHere;
 		});
-		unsigned& spent = vSpent[next.node.index];
-		spent += cost;
-		if (spent >= kPatience) takeLeaf(next.node.index);
+		std::uint16_t& spent = vSpent[next.node.index];
+		spent = static_cast<std::uint16_t>(std::min(spent + cost, kPatience));
+		if (spent == kPatience) takeLeaf(next.node.index);
 	}
 	return found;
 }
