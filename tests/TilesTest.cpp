@@ -190,7 +190,7 @@ TEST_P(Tiles, RestOnARuleByWhichVerticesMayComeInAnyOrder)
 {
 	const Cloud cloud = GetParam().make(80, 3);
 	const std::vector<double> coordinates = coordinatesOf(cloud);
-	const CurveOrder order(coordinates.data(), cloud.size());
+	const CurveOrder order(coordinates.data(), cloud.size(), 2);
 	if (order.isFlat()) return;
 	std::vector<std::size_t> ranks;
 	for (std::size_t rank = 4; rank < order.size(); ++rank) ranks.push_back(rank);

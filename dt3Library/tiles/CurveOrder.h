@@ -7,6 +7,7 @@
 #include "ardo_tools/RadixSort.h"
 #include "tiles/CurvePoints.h"
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <vector>
@@ -16,10 +17,11 @@ namespace TULO3D {
 /// The position of an input point, by its key on the curve.
 using KeyedInput = Keyed<std::uint32_t, std::uint32_t>;
 
-/// Points in the order in which a store lists them: by their keys on the curve through a box, within a cell by
-/// coordinates, equal ones as in the input. `around` is the box of all points, without the margin that a
+/// Points x, y, z, x, y, z, ... in the order in which a store lists them: by their keys on the curve through a box, within
+/// a cell by coordinates, equal ones as in the input. `around` is the box of all points, without the margin that a
 /// process gives to its first.
-std::vector<KeyedInput> listAlongCurve(const std::vector<Point3>& vInput, const Bbox3& around);
+std::vector<KeyedInput> listAlongCurve(
+    const double* pCoordinates, std::size_t numPoints, const Bbox3& around);
 
 /// So many vertices of the lowest ranks, which are spread over all, are in every tile.
 constexpr std::size_t kNumSpread = 256;
@@ -31,8 +33,8 @@ constexpr std::size_t kNumSpread = 256;
 class CurveOrder
 {
 public:
-	/// Of points as x, y, z, x, y, z, ... Throws `TuloException` for what an engine refuses.
-	CurveOrder(const double* pCoordinates, std::size_t numPoints);
+	/// Of points as x, y, z, x, y, z, ..., by several threads. Throws `TuloException` for what an engine refuses.
+	CurveOrder(const double* pCoordinates, std::size_t numPoints, unsigned numThreads);
 
 	std::uint32_t size() const { return static_cast<std::uint32_t>(vNumbers.size()); }
 
@@ -49,8 +51,11 @@ public:
 	const std::vector<std::int32_t>& vertexOfPoint() const { return vVertexOfPoint; }
 
 private:
-	struct Listing;
-	void rankAll(const std::vector<std::uint32_t>& vListed);
+	struct Section;
+	Bbox3 examine(const double* pCoordinates, std::size_t numPoints, unsigned numThreads);
+	void takeOver(
+	    const double* pCoordinates, const std::vector<std::uint32_t>& vOrder, unsigned numThreads);
+	void rankAll(const std::array<std::uint32_t, 4>& firstFour);
 
 	bool bFlat = true;
 	bool bTiny = false;

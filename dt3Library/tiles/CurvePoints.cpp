@@ -7,32 +7,31 @@
 
 namespace TULO3D {
 
-namespace {
-
-std::size_t numBlocksOf(std::size_t numPoints)
-{
-	return (numPoints + CurvePoints::kBlock - 1) / CurvePoints::kBlock;
-}
-
-} // namespace
-
 std::size_t CurvePoints::numBoxes(std::size_t numPoints)
 {
 	return numBlocksOf(numPoints) * (numOfBlock(0) + numOfBlock(1) + numOfBlock(2));
 }
 
-void CurvePoints::boxesOfBlocks(const double* pCoordinates, std::size_t numPoints, Box* pBoxes)
+void CurvePoints::boxBlocks(const double* pCoordinates, std::size_t numPoints,
+    std::size_t firstBlock, std::size_t lastBlock, Box* pBoxes)
 {
-	std::fill_n(pBoxes, numBoxes(numPoints), emptyBox());
-	for (std::size_t i = 0; i < numPoints; ++i) {
-		const double* p = pCoordinates + 3 * i;
-		widen(pBoxes[i / kLeafSize], {{p[0], p[1], p[2]}, {p[0], p[1], p[2]}});
-	}
-	for (std::uint32_t level = 1; level < kNumBlockLevels; ++level) {
-		const std::size_t numBelow = numBlocksOf(numPoints) * numOfBlock(level - 1);
-		Box* const pAbove = pBoxes + numBelow;
-		for (std::size_t i = 0; i < numBelow; ++i) widen(pAbove[i / kFanOut], pBoxes[i]);
-		pBoxes = pAbove;
+	const std::size_t last = std::min(numPoints, lastBlock * kBlock);
+	for (std::uint32_t level = 0; level < kNumBlockLevels; ++level) {
+		std::fill(pBoxes + firstBlock * numOfBlock(level), pBoxes + lastBlock * numOfBlock(level),
+		    emptyBox());
+		if (level == 0) {
+			for (std::size_t i = firstBlock * kBlock; i < last; ++i) {
+				const double* p = pCoordinates + 3 * i;
+				widen(pBoxes[i / kLeafSize], {{p[0], p[1], p[2]}, {p[0], p[1], p[2]}});
+			}
+		} else {
+			const std::size_t numBelow = numOfBlock(level - 1);
+			const Box* const pBelow = pBoxes - numBlocksOf(numPoints) * numBelow;
+			for (std::size_t i = firstBlock * numBelow; i < lastBlock * numBelow; ++i) {
+				widen(pBoxes[i / kFanOut], pBelow[i]);
+			}
+		}
+		pBoxes += numBlocksOf(numPoints) * numOfBlock(level);
 	}
 }
 

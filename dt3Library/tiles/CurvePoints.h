@@ -81,8 +81,14 @@ public:
 	}
 	/// The number of boxes of a part.
 	static std::size_t numBoxes(std::size_t numPoints);
-	/// The boxes of a part: those of all leaves, then those of the next level, then those of the blocks.
-	static void boxesOfBlocks(const double* pCoordinates, std::size_t numPoints, Box* pBoxes);
+	/// Writes the boxes of some blocks of a part to where those of the part are: first those of all leaves, then those of
+	/// the next level, then those of the blocks.
+	static void boxBlocks(const double* pCoordinates, std::size_t numPoints, std::size_t firstBlock,
+	    std::size_t lastBlock, Box* pBoxes);
+	static std::size_t numBlocksOf(std::size_t numPoints)
+	{
+		return (numPoints + kBlock - 1) / kBlock;
+	}
 
 private:
 	struct Placed : Part

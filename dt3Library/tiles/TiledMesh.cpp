@@ -67,7 +67,7 @@ ParallelMesh triangulateInTiles(const double* pCoordinates, std::size_t numPoint
     std::size_t numTiles, unsigned numThreads,
     const std::function<bool(std::size_t, std::size_t)>& progress)
 {
-	const CurveOrder order(pCoordinates, numPoints);
+	const CurveOrder order(pCoordinates, numPoints, numThreads);
 	ParallelMesh mesh;
 	mesh.numVertices = order.size();
 	mesh.vertexOfPoint = copyOf(order.vertexOfPoint());

@@ -53,7 +53,8 @@ std::pair<NewArray<std::uint32_t>, NewArray<std::uint32_t>> curveOrder(
 	unlocked([&] {
 		TULO3D::Bbox3 around;
 		around.add(toPoints(corners));
-		const auto vListed = TULO3D::listAlongCurve(toPoints(points), around);
+		const auto vListed =
+		    TULO3D::listAlongCurve(points.data(), points.shape(0), around);
 		vOrder.reserve(vListed.size());
 		vKeys.reserve(vListed.size());
 		for (const TULO3D::KeyedInput& listed : vListed) {
@@ -105,8 +106,9 @@ NewArray<double> boxes(const Points& points)
 {
 	std::vector<double> v(6 * TULO3D::CurvePoints::numBoxes(points.shape(0)));
 	unlocked([&] {
-		TULO3D::CurvePoints::boxesOfBlocks(
-		    points.data(), points.shape(0), reinterpret_cast<TULO3D::Box*>(v.data()));
+		const std::size_t numBlocks = TULO3D::CurvePoints::numBlocksOf(points.shape(0));
+		TULO3D::CurvePoints::boxBlocks(points.data(), points.shape(0), 0, numBlocks,
+		    reinterpret_cast<TULO3D::Box*>(v.data()));
 	});
 	return toArray(std::move(v));
 }
