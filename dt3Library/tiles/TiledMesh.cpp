@@ -39,12 +39,9 @@ std::vector<PositionRange> cut(std::uint32_t numPoints, std::size_t numTiles)
 	return vTiles;
 }
 
-void expectAgreement(const std::vector<std::unique_ptr<TileArrays>>& vArrays,
-    const std::vector<PositionRange>& vTiles)
+/// Of each tile, its checksums with all tiles.
+void expectAgreement(const std::vector<std::vector<std::uint64_t>>& vSums)
 {
-	std::vector<std::vector<std::uint64_t>> vSums;
-	vSums.reserve(vArrays.size());
-	for (const auto& pArrays : vArrays) vSums.push_back(pArrays->checksums(vTiles));
 	for (std::size_t i = 0; i < vSums.size(); ++i) {
 		for (std::size_t j = 0; j < i; ++j) {
 			CONDITION_CHECK_AS(
@@ -108,9 +105,12 @@ ParallelMesh triangulateInTiles(const double* pCoordinates, std::size_t numPoint
 		return OwnedArrays{vFirstOfOwner.data() + vRanges[i].first, mesh.corners.get(),
 		    mesh.neighbours.get(), order.numbers().data()};
 	};
-	inParallel(
-	    vRanges.size(), numThreads, [&](std::size_t i) { vArrays[i]->writeCorners(arraysOf(i)); });
-	expectAgreement(vArrays, vRanges);
+	std::vector<std::vector<std::uint64_t>> vSums(vRanges.size());
+	inParallel(vRanges.size(), numThreads, [&](std::size_t i) {
+		vArrays[i]->writeCorners(arraysOf(i));
+		vSums[i] = vArrays[i]->checksums(vRanges);
+	});
+	expectAgreement(vSums);
 
 	const auto numberOf = [&](const FacetSide& side) {
 		if (!side.isForeign()) return side.number;
