@@ -102,7 +102,11 @@ def _new_folder(folder: Path) -> Iterator[None]:
     try:
         yield
     except BaseException:
-        shutil.rmtree(folder, ignore_errors=True)
+        for _ in range(100):  # tasks that have been cancelled may be at their last file
+            shutil.rmtree(folder, ignore_errors=True)
+            if not folder.exists():
+                break
+            time.sleep(0.1)
         if existed:
             folder.mkdir(exist_ok=True)
         raise
