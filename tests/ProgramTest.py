@@ -79,6 +79,7 @@ FORMATS = {  # name: content; all hold POINTS, the LAS files RASTER
     "zipped.OFF.gz": gzip.compress(b"OFF 40 0 0\n" + lines(POINTS).encode()),
     "piped": "40 3 1 0\n" + lines(POINTS, numbered=1, tail=" 0.5"),
     "blanks.TSV": lines(POINTS, "\t  ", head="\ufeff# made here\n// also a comment\n\n", tail=" 255 # end"),
+    "comma at the end.csv": "x,y,z\n" + lines(POINTS, ",", tail=","),
     "semicolons.txt": lines(POINTS, " ; ", "\r\n"), "counted.pts": lines(POINTS, head="40\n", tail=" 9"),
     "columns.CSV": 'id,"Z",X,y\n' + CSV, "bare": lines(POINTS)[:-1],
     "ascii.ply": ply("ascii"), "little.ply": ply("binary_little_endian", "<"),
@@ -94,7 +95,11 @@ BAD = [  # name, content, exit status, what standard error says
     ("a.xyz", FOUR + "0 0 1.5\n0 1,5 1\n", 3, "a.xyz:5: '1,5': some numbers have a decimal point and"),
     ("a.txt", "1,5 2,5 3,5\n1 1 1.5\n", 3, "a.txt:2: '1.5': some numbers have a decimal point and"),
     ("a.csv", FOUR.replace(" ", ";") + "0;0;1.234,5\n", 3, "a.csv:4: '1.234,5' is not a number"),
-    ("a.xyz", lines(POINTS, numbered=100), 3, "the first column counts the lines, from 100 on"),
+    ("a.xyz", lines(POINTS, numbered=100), 3, "the first column has whole numbers that only rise, from 100 to 139:"),
+    ("a.xyz", "".join(f"{99 - 2 * i}.0 {row}" for i, row in enumerate(lines(POINTS[:8]).splitlines(True))), 3,
+     "whole numbers that only fall, from 99 to 85:"),
+    ("a.csv", "x,y,z\n" + FOUR.replace(" ", ",") + "1,5,2,5\n", 3, "a.csv:5: more fields than the header has names, which are 3"),
+    ("a.csv", "Z,X\n1,2\n", 3, "a.csv:1: these names do not say which columns are x, y and z"),
     ("a.csv", "X,East,North,Height,Elevation\n", 3, "a.csv:1: both 'X' and 'East' may be meant"),
     ("a.xyz", "# z x y in metres\n" + FOUR, 3, "a.xyz:2: a comment before may name the columns"),
     ("a.gz", FORMATS["zipped"][:-5], 3, "a.gz: the file is cut short"),
@@ -119,6 +124,7 @@ BAD = [  # name, content, exit status, what standard error says
     ("a.las", las(2, 131), 3, "compressed"), ("a.las", las()[:200], 3, "its header is not complete"),
     ("a.las", las()[:230], 3, "cut short: there are no points"),
     ("a.xyz", FOUR + FOUR, 4, "fewer than 4 distinct points (3)"), ("a.xyz", "", 4, "fewer than 4"),
+    ("a.xyz", "".join(f"{x} {x * x} 0 7\n" for x in (1, 2, 3, 5, 4, 6, 7, 8)), 4, "all 8 distinct points lie in one plane"),
     ("a.xyz", FOUR + "3 7 0\n", 4, "all 4 distinct points lie in one plane"),
 ]
 

@@ -5,6 +5,7 @@
 // that names the columns, or a lone count; a comment before it may be a header, too.
 #include "ColumnValues.h"
 #include "Failure.h"
+#include "PointNumbers.h"
 #include "Progress.h"
 #include "TextColumns.h"
 
@@ -73,7 +74,7 @@ public:
 			if (points.numRead() == 0) prepare();
 			if (lines.isOpenEnded() && countFields() < numFields)
 				lines.fail("the file is cut short: this line has fewer fields than the first one");
-			countsLines();
+			watchFirstColumn();
 			readPoint();
 		}
 		if (bAnnounced && points.numRead() != announced)
@@ -89,7 +90,7 @@ private:
 	{
 		const auto vNames = splitHeader(lines.getLine());
 		if (isHeader(vNames)) return true;
-		if (vNames.size() >= 3 && std::none_of(vNames.begin(), vNames.end(), [&](const auto& name) {
+		if (vNames.size() >= 2 && std::none_of(vNames.begin(), vNames.end(), [&](const auto& name) {
 			    return isValue(name);
 		    })) {
 			if (vList.empty())
@@ -102,13 +103,14 @@ private:
 		return bAnnounced;
 	}
 
-	// True when the names say which columns are read.
+	// True when the names say which columns are read: then no line may have more fields than these.
 	bool isHeader(const std::vector<std::string>& vNames)
 	{
 		if (!vList.empty() && hasNames(vNames, vList))
 			setColumns(chooseColumns(vList, vNames, lines));
 		else if (vList.empty())
 			if (const auto found = findColumns(vNames, lines)) setColumns(*found);
+		if (bKnown) numNames = vNames.size();
 		return bKnown;
 	}
 
@@ -131,15 +133,17 @@ private:
 		numFields = countFields();
 		for (std::size_t i = 0; i < vComments.size() && !bKnown; ++i) {
 			const auto vNames = splitHeader(vComments[i]);
-			if (vNames.size() == numFields || (vNames.size() == 3 && numFields > 3))
+			if (vNames.size() == numFields)
 				isHeader(vNames);
+			else if (vNames.size() == 3 && numFields > 3 && isHeader(vNames))
+				numNames = 0; // only the coordinates have names
 			else if (vList.empty())
 				refuseOtherOrder(vNames);
 		}
 		if (!vList.empty() && !bKnown) setColumns(chooseColumns(vList, {}, lines));
 		if (bAnnounced && !bKnown) nameScannerColumns();
 		assignRoles();
-		bCounting = !bKnown && numFields >= 4;
+		bNumbers = vList.empty() && numNames == 0 && numFields >= 4;
 	}
 
 	// A comment with more or fewer words than there are columns is prose, unless it starts with another order.
@@ -161,33 +165,30 @@ private:
 			for (const char* colour : {"red", "green", "blue"}) columns.vNames.emplace_back(colour);
 	}
 
+	// Empty fields at the end do not count.
 	std::size_t countFields()
 	{
 		std::size_t num = 0;
-		while (!lines.field().empty()) ++num;
+		for (std::size_t i = 1; !lines.atLineEnd(); ++i)
+			if (!lines.field().empty()) num = i;
 		lines.rewind();
 		return num;
 	}
 
-	// The first column counts the lines as long as each of its numbers is one more than the one before.
-	void countsLines()
+	void watchFirstColumn()
 	{
-		if (!bCounting) return;
-		std::size_t number = 0;
-		bCounting = parse(lines.field(), number) &&
-		    (points.numRead() == 0 || number == firstNumber + points.numRead());
-		if (points.numRead() == 0) firstNumber = number;
+		if (!bNumbers) return;
+		numbers.add(lines.field());
 		lines.rewind();
 	}
 
-	// Points whose x is 1, 2, 3 and so on are rare, numbered points are not.
+	// Points with such an x are rare, numbered points are not.
 	void refuseNumbers() const
 	{
-		if (!bCounting || points.numRead() < 4) return;
+		if (!bNumbers || !numbers.areLikely()) return;
 		throw Failure(kBadInput,
-		    source.name + ": the first column counts the lines, from " +
-		        std::to_string(firstNumber) +
-		        " on: if these are numbers of points, say --columns id,x,y,z; if they are "
+		    source.name + ": the first column has " + numbers.describe() +
+		        ": if these are numbers of points, say --columns id,x,y,z; if they are "
 		        "coordinates, --columns x,y,z");
 	}
 
@@ -216,9 +217,20 @@ private:
 			else if (role != kIgnored)
 				vOthers[role - 3].append(field);
 		}
+		refuseMoreFields();
 		lines.add(points, values[0], values[1], values[2]);
 		if (points.numLeftOut() == numLeftOut) return;
 		for (auto& column : vOthers) column.dropLast();
+	}
+
+	// A field too many may be a number of the point in front of the coordinates, or part of a number.
+	void refuseMoreFields()
+	{
+		for (std::size_t i = vRoles.size(); numNames > 0 && !lines.atLineEnd(); ++i)
+			if (!lines.field().empty() && i >= numNames)
+				lines.fail("more fields than the header has names, which are " +
+				    std::to_string(numNames) +
+				    "; say with --columns which columns are x, y and z, by numbers such as 1,2,3");
 	}
 
 	void addAttributes()
@@ -251,10 +263,11 @@ private:
 	std::vector<ColumnValues> vOthers;
 	std::size_t numLines = 0;
 	std::size_t numFields = 0; // of the first point
+	std::size_t numNames = 0;  // of the header; 0 when there is none, or not for all columns
 	bool bAnnounced = false;
 	std::size_t announced = 0;
-	bool bCounting = false;
-	std::size_t firstNumber = 0;
+	bool bNumbers = false; // the first column may number the points
+	PointNumbers numbers;
 };
 
 } // namespace
