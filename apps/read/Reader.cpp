@@ -67,20 +67,47 @@ std::string extensionOf(std::filesystem::path name)
 	return lowerCase(name.extension().string());
 }
 
-// As a text of points that one would have four columns or more, and points in front of it that have fewer.
+// The complete lines of a text that are within the first 64 KB, and the last line when all of it is.
+std::string startOf(const std::string& text)
+{
+	constexpr std::size_t kMost = 65536;
+	if (text.size() <= kMost) return text + '\n';
+	return text.substr(0, text.rfind('\n', kMost) + 1);
+}
+
+std::size_t countFields(LineReader& lines)
+{
+	std::size_t num = 0;
+	while (!lines.field().empty()) ++num;
+	lines.rewind();
+	return num;
+}
+
+// A line with counts, and then numbered points. It need not be without faults: those are told of a .node, while a
+// text of points would be a mesh of wrong points.
 bool startsLikeNode(const Source& source)
 {
-	const Source start{
-	    source.name, source.text.substr(0, 1024) + '\n', source.options, source.progress};
+	const Source start{source.name, startOf(source.text), source.options, source.progress};
 	LineReader lines(start);
-	std::size_t aHead[4] = {0, 0, 0, 0}, index = 0, numFields = 1;
 	if (!lines.next()) return false;
+	std::size_t aHead[4] = {0, 0, 0, 0};
+	const std::size_t numHeadFields = countFields(lines);
 	for (auto& number : aHead)
 		if (!lines.atLineEnd() && !parse(lines.field(), number)) return false;
 	if (!lines.atLineEnd() || aHead[1] != 3 || aHead[3] > 1) return false;
-	if (!lines.next() || !parse(lines.field(), index) || index > 1) return false;
-	while (!lines.field().empty()) ++numFields;
-	return numFields == 4 + aHead[2] + aHead[3];
+
+	constexpr std::size_t kFewLines = 8;
+	std::size_t num = 0, first = 0, number = 0, numFields = 0;
+	bool bConsecutive = true;
+	for (; num < kFewLines && lines.next(); ++num) {
+		if (num == 0) numFields = countFields(lines);
+		if (countFields(lines) < 4 || !parse(lines.field(), number)) return false;
+		if (num == 0) first = number;
+		bConsecutive = bConsecutive && number == first + num;
+	}
+	// As a text, one line would have fewer fields than the others, or the other points would be numbered.
+	const bool bAsAnnounced = first <= 1 && numFields == 4 + aHead[2] + aHead[3];
+	return num > 0 && (bAsAnnounced || bConsecutive || numFields != numHeadFields);
 }
 
 const Format& chooseFormat(const Source& source)
