@@ -15,6 +15,10 @@
 #include <filesystem>
 #include <new>
 
+#ifndef _WIN32
+#  include <fcntl.h>
+#endif
+
 using TULO3D::Point3;
 using TULO3D::Tulo_3D;
 
@@ -123,6 +127,16 @@ void stop(TULO3D::StopReason /*reason*/, const char* text)
 	throw Failure(kInternalError, text && *text ? text : "internal error");
 }
 
+// A standard stream that is closed would give its number to the first file that is opened, which would then get
+// what is meant for the stream. What takes its place fails to be read or written.
+void holdClosedStreams()
+{
+#ifndef _WIN32
+	for (int stream = 0; stream < 3; ++stream)
+		if (fcntl(stream, F_GETFD) == -1) open("/dev/null", stream == 0 ? O_WRONLY : O_RDONLY);
+#endif
+}
+
 ExitStatus run(const Options& options, LibraryMessages& messages)
 {
 	const auto start = Clock::now();
@@ -190,6 +204,7 @@ ExitStatus run(const Options& options, LibraryMessages& messages)
 
 int main(int argc, char** argv)
 {
+	app::holdClosedStreams();
 	app::Options options;
 	if (const auto status = app::parseCommandLine(argc, argv, options)) return *status;
 	// Static: its destructor flushes the messages also when the library ends the process.

@@ -280,8 +280,10 @@ class Program(ProgramCase):
         odd = json.loads(run("--json", self.write("\xe4\udcff\x01\"", points)).stdout)["file"]
         self.assertEqual(odd[-4:], "\xe4\ufffd\x01\"")
         self.assertRegex(run("--version").stdout, rb"^tulo3d \d+\.\d+\.\d+\n$")
-        with open("/dev/full", "w") as full:
-            self.assertEqual(subprocess.run([PROGRAM], input=points, stdout=full, stderr=subprocess.DEVNULL).returncode, 5)
+        for args in [], ["-q", "-o", "-", "--to", "off"]:
+            for stdout in ">/dev/full", ">&-":
+                done = subprocess.run(["sh", "-c", f'"$0" "$@" {stdout}', PROGRAM, *args], input=points, capture_output=True)
+                self.assertEqual((done.returncode, done.stderr[:23]), (5, b"tulo3d: standard output"))
 
     def testProgressIsShownOnATerminalOnly(self):
         points = self.write("a.xyz", lines([(random.random(), random.random(), random.random()) for _ in range(2000)]))
