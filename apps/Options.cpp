@@ -4,6 +4,7 @@
 
 #include "Failure.h"
 #include "Progress.h"
+#include "read/LineReader.h"
 #include "write/Writer.h"
 
 #include <CLI/CLI.hpp>
@@ -77,7 +78,11 @@ std::optional<int> parseCommandLine(int argc, char** argv, Options& options)
 	    ->delimiter(',')
 	    ->allow_extra_args(false);
 	cli.add_option("--skip-lines", options.reading.numSkippedLines,
-	    "Pass over the first lines of a text, so many");
+	       "Pass over the first lines of a text, so many")
+	    ->check([](const std::string& text) {
+		    std::size_t num = 0;
+		    return parse(text, num) ? "" : "'" + text + "' is no number of lines";
+	    });
 	cli.add_flag("--skip-invalid", options.reading.bSkipInvalid,
 	    "Leave out points with a coordinate that is no finite number, and count them");
 	cli.add_option("-o,--output", options.vOutputs,

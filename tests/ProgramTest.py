@@ -76,7 +76,7 @@ FORMATS = {  # name: content; all hold POINTS, the LAS files RASTER
     "comma.csv": "Name;X;Y;Z\n" + "".join(f"a, b. c;{row}\n" for row in german(POINTS, ";").splitlines()),
     "comma.txt": german(POINTS, "\t"), "nameless.csv": german(POINTS, ";"),
     "zipped": gzip.compress(lines(POINTS[:9]).encode()) + gzip.compress(lines(POINTS[9:]).encode()),
-    "zipped.OFF.gz": gzip.compress(b"OFF 40 0 0\n" + lines(POINTS).encode()),
+    "zipped.OFF.gz": gzip.compress(b"OFF 40 0 0\n" + lines(POINTS).encode()) + bytes(9),
     "piped": "# more than a few comments\n" * 2000 + "40 3 1 0\n" + lines(POINTS, numbered=7, tail=" 0.5"),
     "blanks.TSV": lines(POINTS, "\t  ", head="\ufeff# made here\n// also a comment\n\n", tail=" 255 # end"),
     "comma at the end.csv": "x,y,z\n" + lines(POINTS, ",", tail=",,"),
@@ -103,6 +103,7 @@ BAD = [  # name, content, exit status, what standard error says
     ("a.csv", "X,East,North,Height,Elevation\n", 3, "a.csv:1: both 'X' and 'East' may be meant"),
     ("a.xyz", "# z x y in metres\n" + FOUR, 3, "a.xyz:2: a comment before may name the columns"),
     ("a.gz", FORMATS["zipped"][:-5], 3, "a.gz: the file is cut short"),
+    ("a.gz", gzip.compress(FOUR.encode()) + gzip.compress(FOUR.encode())[1:], 3, "a.gz: what follows the compressed data"),
     ("a.gz", FORMATS["zipped"][:60] + b"x" + FORMATS["zipped"][61:], 3, "a.gz: the compressed data are damaged"),
     ("a.csv", FOUR.replace(" ", ",") + "0,x7,1\n", 3, "a.csv:4: 'x7' is not a number"),
     ("a.csv", "easting,northing,up\n1,2,3\n", 3, "a.csv:1: these names do not say which columns are x, y and z"),
@@ -178,7 +179,7 @@ class Program(ProgramCase):
                 leftOut = {"a.csv": 3, "a.off": 1}[name] if "invalid" in args[0] else 0
                 self.assertEqual(json.loads(done.stdout)["invalidPoints"], leftOut)
         for columns, text in (("r,v", "names no x, y and z"), ("r,v,up", "no column is named 'up'"),
-                              ("0,1,2", "counted from 1"), ("r,v,R", "twice")):
+                              ("0,1,2", "counted from 1"), ("1,2,99999999999", "'99999999999' is none"), ("r,v,R", "twice")):
             self.assertIn(text, run(self.write("a.csv", named), "--columns", columns).stderr.decode())
 
     def testBadInputIsReportedWithItsPlaceAndStatus(self):
@@ -205,6 +206,7 @@ class Program(ProgramCase):
         for args, text in ((["--nonsense"], "--nonsense"), ([points, "-o", "m.st"], "m.st: no output format"),
                            ([points, "-o", "-"], "(--to)"), ([points, "--to", "stl"], "-o -"),
                            ([points, "-o", "-", "--to", "tetgen"], "--to"), ([points, "--columns", "1,2,3"], "are for text"),
+                           ([points, "--skip-lines", "-1"], "'-1' is no number of lines"),
                            ([points, "-o", points], "would replace the input"), ([points, "-q", "-v"], "--quiet"),
                            ([points, "--hull", "--alpha", "3"], "does not go with --hull"),
                            ([points, "--alpha", "all"], "'all' is no positive number, nor auto"),

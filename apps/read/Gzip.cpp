@@ -32,9 +32,11 @@ std::string unzip(const std::string& bytes, const std::string& name)
 	std::string text;
 	std::size_t numTaken = 0, numMade = 0;
 	for (int status = Z_OK; numTaken < bytes.size() || status == Z_OK;) {
-		// Files of gzip may be joined to one; anything else that follows is passed over, as gzip does it.
+		// Files of gzip may be joined to one, and be filled up with zeros, as tapes want it.
 		if (status == Z_STREAM_END) {
-			if (!isGzip(bytes.substr(numTaken, 3))) break;
+			if (bytes.find_first_not_of('\0', numTaken) == std::string::npos) break;
+			if (!isGzip(bytes.substr(numTaken, 3)))
+				fail("what follows the compressed data is no part of them");
 			inflateReset(&stream);
 		}
 		if (numMade == text.size()) text.resize(std::max(2 * text.size(), 4 * bytes.size() + 64));

@@ -12,6 +12,8 @@ using Names = std::vector<std::string>;
 
 constexpr const char* kAxes[3] = {"x", "y", "z"};
 
+constexpr std::size_t kMostColumns = 1000000;
+
 // What surveys and other programs call the axes.
 const Names& otherNames(std::size_t axis)
 {
@@ -135,8 +137,10 @@ TextColumns chooseColumns(const Names& vList, const Names& vNames, const LineRea
 	if (bThree && std::all_of(vList.begin(), vList.end(), isNumber)) {
 		for (std::size_t axis = 0; axis < 3; ++axis) {
 			std::size_t number = 0;
-			if (!parse(std::string_view(vList[axis]), number) || number == 0)
-				lines.fail("--columns: columns are counted from 1");
+			if (!parse(std::string_view(vList[axis]), number) || number == 0 ||
+			    number > kMostColumns)
+				lines.fail("--columns: columns are counted from 1, and " + quoted(vList[axis]) +
+				    " is none");
 			columns.axes[axis] = number - 1;
 		}
 		requireDistinct(columns, lines);
