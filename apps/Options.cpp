@@ -124,6 +124,7 @@ std::optional<int> parseCommandLine(int argc, char** argv, Options& options)
 		cli.parse(argc, argv);
 		if (cli.count("FILE") == 0 && isTerminal(stdin)) throw CLI::RequiredError("FILE");
 		readShape(cli, radius, longest, options.shape);
+		for (auto& column : options.reading.vColumns) column = std::string(trimmed(column));
 	} catch (const CLI::ParseError& error) {
 		return cli.exit(error) == 0 ? kDone : kWrongUse;
 	}

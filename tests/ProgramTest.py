@@ -79,6 +79,7 @@ FORMATS = {  # name: content; all hold POINTS, the LAS files RASTER
     "zipped.OFF.gz": gzip.compress(b"OFF 40 0 0\n" + lines(POINTS).encode()) + bytes(9),
     "piped": "# more than a few comments\n" * 2000 + "40 3 1 0\n" + lines(POINTS, numbered=7, tail=" 0.5"),
     "blanks.TSV": lines(POINTS, "\t  ", head="\ufeff# made here\n// also a comment\n\n", tail=" 255 # end"),
+    "quoted.csv": 'name,"X [m, local]",Y,Z\n' + lines(POINTS, '","', head='"Lee, ""J""","', end='"\n"Lee, ""J""","')[:-14],
     "comma at the end.csv": "x,y,z\n" + lines(POINTS, ",", tail=",,"),
     "semicolons.txt": lines(POINTS, " ; ", "\r\n"), "counted.pts": lines(POINTS, head="40\n", tail=" 9"),
     "columns.CSV": 'id,"Z",X,y\n' + CSV, "bare": lines(POINTS)[:-1],
@@ -109,6 +110,8 @@ BAD = [  # name, content, exit status, what standard error says
     ("a.csv", "easting,northing,up\n1,2,3\n", 3, "a.csv:1: these names do not say which columns are x, y and z"),
     ("a.xyz", FOUR + "\n# c\n0 0\n", 3, "a.xyz:6: z is missing"),
     ("a.xyz", FOUR.replace("\n", "\r"), 3, "a.xyz:1: lines end with carriage returns alone"),
+    ("a.obj", "# made here\rv 1 2 3\r", 3, "a.obj:1: lines end with carriage returns alone"),
+    ("a.csv", FOUR.encode("utf-16"), 3, "a.csv: a text in UTF-16"), ("a.txt", b"\xfe\xff\0001", 3, "a.txt: a text in UTF-16"),
     ("a.xyz", FOUR + "0 0 nan\n", 3, "a.xyz:4: a coordinate is not a finite number"),
     ("a.xyz", FOUR + "0 0 -1e61\n", 3, "a.xyz:4: a coordinate is larger than 1e60"),
     ("a.xyz", FOUR + "0 0 1e999\n", 3, "a.xyz:4: '1e999' is outside the range of a double"),
@@ -164,7 +167,7 @@ class Program(ProgramCase):
     def testTheUserSaysWhichColumnsAndLinesAreRead(self):
         numbered, named = lines(POINTS, numbered=1), "Nr,H,R,V\n" + lines(SWAPPED, ",", head="1,", end="\n1,")[:-2]
         for name, content, *args in (
-                ("a.xyz", numbered, "--columns", "id,x,y,z"), ("a.xyz", numbered, "--columns", "2,3,4"),
+                ("a.xyz", numbered, "--columns", "id,x,y,z"), ("a.xyz", numbered, "--columns", " 2, 3, 4"),
                 ("a.csv", named, "--columns", "r,v,h"), ("a.csv", named, "--columns", "id,z,x,y"),
                 ("a.csv", "Z,Y,X\n" + lines([p[::-1] for p in POINTS], ","), "--columns", "x,y,z"),
                 ("a.txt", "# R V H\n" + lines(POINTS), "--columns", "R,V,H"),

@@ -14,19 +14,20 @@ namespace {
 
 constexpr std::string_view kBlanks = " \t\r\v\f";
 
-std::string_view trimmed(std::string_view text)
-{
-	const auto first = text.find_first_not_of(kBlanks);
-	if (first == std::string_view::npos) return {};
-	return text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
-}
-
 template <class T>
 bool parseWhole(std::string_view field, T& value, std::errc& problem)
 {
 	const auto [end, ec] = std::from_chars(field.data(), field.data() + field.size(), value);
 	problem = ec;
 	return ec == std::errc() && end == field.data() + field.size();
+}
+
+// Where the text between quotation marks ends that starts at `first`; two of them stand for one within it.
+std::size_t endOfQuotes(std::string_view text, std::size_t first)
+{
+	auto end = text.find('"', first + 1);
+	while (end < text.size() && text.substr(end + 1, 1) == "\"") end = text.find('"', end + 2);
+	return end;
 }
 
 // A plus sign is common in data and unknown to from_chars.
@@ -63,6 +64,13 @@ bool parseDecimalComma(std::string_view field, double& value)
 	std::string withPoint(field);
 	withPoint[comma] = '.';
 	return parse(std::string_view(withPoint), value);
+}
+
+std::string_view trimmed(std::string_view text)
+{
+	const auto first = text.find_first_not_of(kBlanks);
+	if (first == std::string_view::npos) return {};
+	return text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
 }
 
 std::string lowerCase(std::string_view text)
@@ -103,12 +111,13 @@ bool LineReader::step()
 bool LineReader::next()
 {
 	while (step()) {
+		line = trimmed(line);
+		// All lines would pass for one, whose first three fields are a point, or which is a comment.
+		if (line.find('\r') != std::string_view::npos)
+			fail("lines end with carriage returns alone; convert them, as with tr '\\r' '\\n'");
 		line = trimmed(line.substr(0, line.find('#')));
 		rest = line;
 		if (line.empty()) continue;
-		// All lines would pass for one, whose first three fields are a point.
-		if (line.find('\r') != std::string_view::npos)
-			fail("lines end with carriage returns alone");
 		// A number that was cut in its middle still looks like a number.
 		if (isOpenEnded())
 			source.progress.warn(where() +
@@ -127,8 +136,18 @@ void LineReader::require(const std::string& missing)
 std::string_view LineReader::field()
 {
 	std::string_view found;
+	const auto first = rest.find_first_not_of(kBlanks);
+	if (first != std::string_view::npos && rest[first] == '"') {
+		if (const auto end = endOfQuotes(rest, first); end != std::string_view::npos) {
+			found = rest.substr(first + 1, end - first - 1);
+			rest.remove_prefix(end + 1);
+			if (separator != ' ')
+				rest.remove_prefix(std::min(rest.find(separator), rest.size() - 1) + 1);
+			return trimmed(found);
+		}
+	}
 	if (separator == ' ') {
-		rest.remove_prefix(std::min(rest.find_first_not_of(kBlanks), rest.size()));
+		rest.remove_prefix(std::min(first, rest.size()));
 		found = rest.substr(0, rest.find_first_of(kBlanks));
 		rest.remove_prefix(found.size());
 	} else {

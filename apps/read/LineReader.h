@@ -27,7 +27,8 @@ public:
 	void require(const std::string& missing);
 
 	/// Fields are separated by blanks and tabs, unless a character is set here: then by exactly that
-	/// one, and blanks around a field are dropped.
+	/// one, and blanks around a field are dropped. A field may stand between quotation marks, and then have
+	/// separators within it.
 	void setSeparator(char c) { separator = c; }
 
 	/// The current line, without its comment.
@@ -69,6 +70,8 @@ private:
 	bool bDecimalComma = false;
 };
 
+/// The text without blanks around it.
+std::string_view trimmed(std::string_view text);
 /// The text with capital letters of ASCII made small.
 std::string lowerCase(std::string_view text);
 /// The field as it may be shown in a message: printable and not too long.

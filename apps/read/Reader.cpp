@@ -129,6 +129,15 @@ const Format& chooseFormat(const Source& source)
 	        " (name one with --format, or convert the file with meshio)");
 }
 
+// Every other byte of most characters would be null.
+void refuseUtf16(const Source& source)
+{
+	for (const char* mark : {"\xFF\xFE", "\xFE\xFF"})
+		if (source.text.compare(0, 2, mark) == 0)
+			throw Failure(kBadInput,
+			    source.name + ": a text in UTF-16; convert it, as with iconv -f UTF-16 -t UTF-8");
+}
+
 void requireText(const Format& format, const ReadOptions& options)
 {
 	if (format.read != readXyz && (!options.vColumns.empty() || options.numSkippedLines > 0))
@@ -197,6 +206,7 @@ Input readPoints(const std::string& file, const ReadOptions& options, Progress& 
 	const std::string name = file == "-" ? "(standard input)" : file;
 	Source source{name, readWhole(file, name, progress), options, progress};
 	if (isGzip(source.text)) source.text = unzip(source.text, name);
+	refuseUtf16(source);
 	progress.begin("reading");
 	const Format& format = chooseFormat(source);
 	requireText(format, options);

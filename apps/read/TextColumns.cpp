@@ -3,6 +3,7 @@
 #include "TextColumns.h"
 
 #include <algorithm>
+#include <cstring>
 
 namespace app {
 
@@ -92,7 +93,11 @@ std::vector<std::string> splitHeader(std::string_view line)
 	const char* const separators = separator == ';' ? ";" : separator == ',' ? "," : " \t\r";
 	Names vNames;
 	for (std::size_t begin = 0; begin <= line.size();) {
-		const auto end = std::min(line.find_first_of(separators, begin), line.size());
+		auto end = begin;
+		for (bool bQuoted = false; end < line.size(); ++end) {
+			bQuoted ^= line[end] == '"';
+			if (!bQuoted && std::strchr(separators, line[end])) break;
+		}
 		const std::string name = trim(line.substr(begin, end - begin));
 		begin = end + 1;
 		if (separator != ' ')
