@@ -3,11 +3,13 @@
 #include "Attributes.h"
 
 #include "Bytes.h"
+#include "Utf8.h"
 
 #include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <limits>
+#include <set>
 #include <type_traits>
 
 namespace app {
@@ -89,6 +91,40 @@ double valueAt(const Attribute& attribute, std::size_t point)
 {
 	return std::visit(
 	    [&](const auto& v) { return static_cast<double>(v[point]); }, attribute.values);
+}
+
+std::string wordOf(std::string name)
+{
+	for (char& c : name) c = c > ' ' && c <= '~' ? c : '_';
+	return name;
+}
+
+std::vector<const Attribute*> findColours(const std::vector<Attribute>& vAttributes)
+{
+	std::vector<const Attribute*> vFound;
+	for (const char* name : {"red", "green", "blue"}) {
+		vFound.push_back(findAttribute(vAttributes, name));
+		if (!vFound.back() || vFound.back()->values.index() != vFound[0]->values.index()) return {};
+	}
+	return vFound;
+}
+
+std::vector<std::string> makeNamesDistinct(
+    std::vector<Attribute>& vAttributes, const std::vector<std::string>& vReserved)
+{
+	std::set<std::string> taken(vReserved.begin(), vReserved.end());
+	if (!findColours(vAttributes).empty()) taken.insert(kColoursName);
+	std::vector<std::string> vNotes;
+	for (auto& attribute : vAttributes) {
+		const std::string name = validUtf8(attribute.name);
+		attribute.name = name;
+		for (int i = 2; !taken.insert(wordOf(attribute.name)).second; ++i)
+			attribute.name = name + "_" + std::to_string(i);
+		if (attribute.name != name)
+			vNotes.push_back("the attribute '" + name + "' is written as '" + attribute.name +
+			    "', as the outputs have another one of that name");
+	}
+	return vNotes;
 }
 
 const Attribute* findAttribute(const std::vector<Attribute>& vAttributes, std::string_view name)

@@ -27,6 +27,9 @@ struct Attribute
 /// The name of the boundary markers of TetGen, which have a column of their own there.
 constexpr const char* kMarkerName = "marker";
 
+/// The name of red, green and blue as one array with three components.
+constexpr const char* kColoursName = "RGB";
+
 /// The type of the values, as the file formats call it.
 struct AttributeType
 {
@@ -47,6 +50,17 @@ void appendNumber(AttributeValues& values, double value);
 void dropLast(AttributeValues& values);
 
 double valueAt(const Attribute& attribute, std::size_t point);
+
+/// The name as one word of printable ASCII, as some formats want it.
+std::string wordOf(std::string name);
+
+/// The attributes red, green and blue, when they are there in one type; otherwise none.
+std::vector<const Attribute*> findColours(const std::vector<Attribute>& vAttributes);
+
+/// Makes the names valid UTF-8 and, also as words, different from each other and from those that the outputs use
+/// themselves: what comes later gets a number at its end. Returns a note for each of these.
+std::vector<std::string> makeNamesDistinct(
+    std::vector<Attribute>& vAttributes, const std::vector<std::string>& vReserved);
 
 /// The attribute of that name; null when there is none.
 const Attribute* findAttribute(const std::vector<Attribute>& vAttributes, std::string_view name);

@@ -71,6 +71,7 @@ ReadOptions readingOptions(const Options& options)
 	ReadOptions reading = options.reading;
 	for (const auto& output : options.vOutputs)
 		reading.bAttributes |= hasAttributes(output, options.stdoutFormat);
+	reading.vOwnNames = getOwnNames(options.shape);
 	return reading;
 }
 

@@ -500,6 +500,20 @@ class Attributes(ProgramCase):
         tooLarge = run(self.write("a.ply", plyOfValues("ascii").replace(b"65535", b"65536")), "-o", hull)
         self.assertIn(b"'65536' is no ushort (uint16)", tooLarge.stderr)
 
+    def testNamesAreDistinctAndColoursHaveOneType(self):
+        head = b"x,p,q,s,R,g,B,volume,RGB,h\xf6,h\xe4\n"
+        rows = "".join("7,%d,%d,%d,%d,%d,3,4,5,6,8\n" % (*c, 1 + i, 65000 + i) for i, c in enumerate(CORNERS))
+        hull, grid, mesh = (self.folder / name for name in ("hull.ply", "m.vtu", "m.msh"))
+        done = run(self.write("a.csv", head + rows.encode()), "--columns", "p,q,s", "--quality", "-o", hull, "-o", grid, "-o", mesh)
+        read = {n: t for n, (t, _) in readPly(hull).items()}
+        self.assertEqual(read, {**dict.fromkeys("xyz", "double"), "x_2": "int", "red": "ushort", "green": "ushort", "blue": "ushort",
+                                "volume_2": "int", "RGB_2": "int", "h___": "int", "h____2": "int", "inputIndex": "int"})
+        self.assertEqual(done.stderr.count(b"warning"), 4)
+        self.assertIn(b"the attribute 'volume' is written as 'volume_2'", done.stderr)
+        names = re.findall(rb' Name="(.*?)"', grid.read_bytes())
+        self.assertEqual(len(set(names)), len(names)), self.assertIn(b"RGB", names)
+        self.assertIn('"h\ufffd_2"'.encode(), mesh.read_bytes())
+
     def testAPointThatIsLeftOutTakesItsAttributesWithIt(self):
         hull = self.folder / "hull.ply"
         corners = "".join("%d,%d,%d,%d\n" % (*c, i) for i, c in enumerate(CORNERS[:6]))

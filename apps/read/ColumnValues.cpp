@@ -41,16 +41,55 @@ bool ColumnValues::isColour() const
 	return word == "red" || word == "green" || word == "blue";
 }
 
+ColumnType ColumnValues::smallestType() const
+{
+	if (!bWhole) return ColumnType::kDouble;
+	if (vWhole.empty()) return ColumnType::kInt;
+	const auto [least, most] = std::minmax_element(vWhole.begin(), vWhole.end());
+	using Small = std::numeric_limits<std::int32_t>;
+	if (isColour() && *least >= 0 && *most <= 65535)
+		return *most <= 255 ? ColumnType::kByte : ColumnType::kShort;
+	const bool bSmall = *least >= Small::min() && *most <= Small::max();
+	return bSmall ? ColumnType::kInt : ColumnType::kLong;
+}
+
 AttributeValues ColumnValues::take()
 {
-	if (!bWhole) return std::move(vReal);
-	if (vWhole.empty()) return std::move(vWhole);
-	const auto [least, most] = std::minmax_element(vWhole.begin(), vWhole.end());
-	if (isColour() && *least >= 0 && *most <= 255)
+	switch (std::max(leastType, smallestType())) {
+	case ColumnType::kByte:
 		return std::vector<std::uint8_t>(vWhole.begin(), vWhole.end());
-	using Small = std::numeric_limits<std::int32_t>;
-	if (*least < Small::min() || *most > Small::max()) return std::move(vWhole);
-	return std::vector<std::int32_t>(vWhole.begin(), vWhole.end());
+	case ColumnType::kShort:
+		return std::vector<std::uint16_t>(vWhole.begin(), vWhole.end());
+	case ColumnType::kInt:
+		return std::vector<std::int32_t>(vWhole.begin(), vWhole.end());
+	case ColumnType::kLong:
+		return std::move(vWhole);
+	case ColumnType::kDouble:
+		break;
+	}
+	if (bWhole) vReal.assign(vWhole.begin(), vWhole.end());
+	return std::move(vReal);
+}
+
+void uniteColours(std::vector<ColumnValues>& vColumns)
+{
+	constexpr const char* aNames[] = {"red", "green", "blue"};
+	for (const bool bLetters : {false, true}) {
+		std::vector<ColumnValues*> vFound;
+		for (const std::string_view name : aNames)
+			for (auto& column : vColumns)
+				if (column.areNumbers() &&
+				    lowerCase(column.name) == (bLetters ? name.substr(0, 1) : name))
+					vFound.push_back(&column);
+		if (vFound.size() != 3) continue;
+		auto type = ColumnType::kByte;
+		for (std::size_t i = 0; i < 3; ++i) {
+			vFound[i]->name = aNames[i];
+			type = std::max(type, vFound[i]->smallestType());
+		}
+		for (auto* pColumn : vFound) pColumn->leastType = type;
+		return;
+	}
 }
 
 } // namespace app

@@ -191,16 +191,6 @@ std::vector<std::string> getFormatNames()
 	return vNames;
 }
 
-std::size_t PointList::addAttribute(const std::string& name, AttributeValues values)
-{
-	// "inputIndex" is what the output files say themselves of each vertex.
-	std::string newName = name;
-	for (int i = 2; newName == "inputIndex" || findAttribute(input.vAttributes, newName); ++i)
-		newName = name + "_" + std::to_string(i);
-	input.vAttributes.push_back({newName, std::move(values)});
-	return input.vAttributes.size() - 1;
-}
-
 Input readPoints(const std::string& file, const ReadOptions& options, Progress& progress)
 {
 	const std::string name = file == "-" ? "(standard input)" : file;
@@ -212,7 +202,10 @@ Input readPoints(const std::string& file, const ReadOptions& options, Progress& 
 	requireText(format, options);
 	PointList points(options);
 	format.read(source, points);
-	return points.take();
+	Input input = points.take();
+	for (const auto& note : makeNamesDistinct(input.vAttributes, options.vOwnNames))
+		progress.warn(name + ": " + note);
+	return input;
 }
 
 } // namespace app

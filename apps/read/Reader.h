@@ -27,6 +27,8 @@ struct ReadOptions
 	std::size_t numSkippedLines = 0;
 	/// Whether attributes are read, too.
 	bool bAttributes = false;
+	/// Attributes with these names get others.
+	std::vector<std::string> vOwnNames;
 	/// Points with a coordinate that is no finite number, or larger than 1e60, are left out.
 	bool bSkipInvalid = false;
 };
@@ -58,8 +60,12 @@ class PointList
 public:
 	explicit PointList(const ReadOptions& readOptions) : options(readOptions) {}
 
-	/// A new attribute, which is told by its place. Its name is changed where another one has it already.
-	std::size_t addAttribute(const std::string& name, AttributeValues values);
+	/// A new attribute, which is told by its place.
+	std::size_t addAttribute(const std::string& name, AttributeValues values)
+	{
+		input.vAttributes.push_back({name, std::move(values)});
+		return input.vAttributes.size() - 1;
+	}
 	/// To append the next value to; for each point before the point itself.
 	AttributeValues& valuesOf(std::size_t attribute) { return input.vAttributes[attribute].values; }
 	bool wantsAttributes() const { return options.bAttributes; }

@@ -235,6 +235,7 @@ private:
 
 	void addAttributes()
 	{
+		uniteColours(vOthers);
 		for (auto& values : vOthers) {
 			if (values.areNumbers())
 				points.addAttribute(values.getName(), values.take());

@@ -11,8 +11,6 @@ namespace app {
 
 namespace {
 
-constexpr const char* kColours[] = {"red", "green", "blue"};
-
 // As a value between quotation marks.
 std::string xmlText(const std::string& text)
 {
@@ -33,17 +31,6 @@ std::string xmlText(const std::string& text)
 		}
 	}
 	return quoted;
-}
-
-// The three colours, when they are there in one type; otherwise none.
-std::vector<const Attribute*> findColours(const std::vector<Attribute>& vAttributes)
-{
-	std::vector<const Attribute*> vFound;
-	for (const char* name : kColours) {
-		vFound.push_back(findAttribute(vAttributes, name));
-		if (!vFound.back() || vFound.back()->values.index() != vFound[0]->values.index()) return {};
-	}
-	return vFound;
 }
 
 } // namespace
@@ -69,7 +56,7 @@ void VtuFile::addVertexData(
 	};
 	const auto vColours = findColours(result.input.vAttributes);
 	if (!vColours.empty()) {
-		begin(section, typeOf(*vColours[0]).vtu, "RGB", 3);
+		begin(section, typeOf(*vColours[0]).vtu, kColoursName, 3);
 		for (const auto vertex : vVertices)
 			for (const auto* pColour : vColours) addValue(*pColour, vertex);
 		end();

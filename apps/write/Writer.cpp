@@ -107,12 +107,6 @@ void writeBinary(OutputFile& file, const Attribute& attribute, std::size_t point
 	    attribute.values);
 }
 
-std::string wordOf(std::string name)
-{
-	for (char& c : name) c = c > ' ' && c <= '~' ? c : '_';
-	return name;
-}
-
 std::vector<std::string> getStdoutFormats()
 {
 	std::vector<std::string> vNames;
@@ -135,6 +129,21 @@ std::vector<Path> getOutputFiles(const Path& output, bool bCompact)
 bool hasAttributes(const Path& output, const std::string& stdoutFormat)
 {
 	return findFormat(output, stdoutFormat).bAttributes;
+}
+
+std::vector<std::string> getOwnNames(const ShapeRequest& request)
+{
+	std::vector<std::string> vNames = {"inputIndex", "x", "y", "z"};
+	const auto add = [&](std::initializer_list<const char*> more) {
+		vNames.insert(vNames.end(), more.begin(), more.end());
+	};
+	if (request.kind == ShapeKind::kVoronoi) add({"volume", "unbounded"});
+	if (request.kind == ShapeKind::kAlpha || request.kind == ShapeKind::kMaxEdge)
+		add({"component"});
+	if (request.bQuality)
+		add({"volume", "minDihedralAngle", "maxDihedralAngle", "radiusRatio", "shortestEdge",
+		    "longestEdge"});
+	return vNames;
 }
 
 void checkShapeOutputs(const ShapeRequest& request, const std::vector<std::string>& vOutputs,

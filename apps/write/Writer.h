@@ -60,6 +60,9 @@ std::vector<std::filesystem::path> getOutputFiles(
 /// True when the format of the output has room for attributes.
 bool hasAttributes(const std::filesystem::path& output, const std::string& stdoutFormat);
 
+/// The names of the values that the outputs have themselves.
+std::vector<std::string> getOwnNames(const ShapeRequest& request);
+
 /// Throws when one of the outputs cannot hold what was asked for.
 void checkShapeOutputs(const ShapeRequest& request, const std::vector<std::string>& vOutputs,
     const std::string& stdoutFormat);
@@ -83,9 +86,6 @@ class OutputFile;
 
 /// The bytes of the attribute's value at a point; whole numbers of 64 bits become doubles.
 void writeBinary(OutputFile& file, const Attribute& attribute, std::size_t point, bool bBigEndian);
-
-/// The name as one word of printable ASCII, as some formats want it.
-std::string wordOf(std::string name);
 
 /// Triangles, three vertices each, counter-clockwise from outside.
 using Triangles = std::vector<std::int32_t>;
