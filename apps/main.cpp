@@ -54,6 +54,10 @@ void checkOutputs(const Options& options)
 		throw Failure(kWrongUse, "--to is the format of standard output, which needs -o -");
 	if (std::count(options.vOutputs.begin(), options.vOutputs.end(), kStdout) > 1)
 		throw Failure(kWrongUse, "-o -: standard output can be one output only");
+	if (options.bCompact &&
+	    std::none_of(options.vOutputs.begin(), options.vOutputs.end(), isTetgen))
+		throw Failure(kWrongUse,
+		    "--compact is for the files of TetGen, and none is an output: add -o mesh.node");
 	checkShapeOutputs(options.shape, options.vOutputs, options.stdoutFormat);
 	for (const auto& output : options.vOutputs) {
 		hasAttributes(output, options.stdoutFormat); // fails when there is no such format

@@ -217,6 +217,7 @@ class Program(ProgramCase):
                            ([points, "--hull", "-o", "m.vtu"], "m.vtu: --hull makes a surface"),
                            ([points, "--voronoi", "-o", "-", "--to", "vtk"], "-o -: --voronoi makes polyhedra"),
                            ([points, "--quality", "-o", "m.stl", "-o", "m.ele"], "no room for values of tetrahedra"),
+                           ([points, "--compact", "-o", "m.vtu"], "--compact is for the files of TetGen"),
                            ([points, "--quality", "--voronoi"], "--quality measures tetrahedra"),
                            ([points, "-f", "stl"], "stl"), ([points, "--check", "--no-check"], "--check")):
             with self.subTest(text):
@@ -320,6 +321,10 @@ class Program(ProgramCase):
                 self.assertEqual(run(points, "-o", target).returncode, 0)
                 self.assertNotEqual(target.read_text("latin-1"), "old")
         self.assertEqual(run(points, "-o", self.folder / "none" / "m.vtu").returncode, 5)
+        for scale in 1e-160, 1e59:
+            done = run("-o", self.folder / "far.stl", input=lines([[scale * c for c in p] for p in CORNERS]).encode())
+            self.assertEqual((done.returncode, (self.folder / "far.stl").exists()), (5, False), done.stderr)
+            self.assertIn(b"no number beyond 3e38", done.stderr)
         hull, link, other, hard = (self.folder / name for name in ("m.off", "link.off", "new.off", "hard.off"))
         link.symlink_to("m.off"), (self.folder / "dangling.off").symlink_to("new.off"), hard.write_text("old")
         hull.chmod(0o640), os.link(hard, self.folder / "hard.2")

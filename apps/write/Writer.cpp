@@ -67,6 +67,12 @@ const Format& findFormat(const Path& output, const std::string& stdoutFormat)
 	    output.string() + ": no output format has this extension (known: " + known + ")");
 }
 
+const Triangles& surfaceOf(const Result& result)
+{
+	const Shape& shape = result.shape;
+	return shape.kind == ShapeKind::kMesh ? result.mesh.vHullCorners : shape.solid.vTriangles;
+}
+
 // The largest change of a coordinate when it becomes a float, as a part of the largest extent of the box.
 double floatRounding(const Mesh& mesh)
 {
@@ -83,6 +89,27 @@ double floatRounding(const Mesh& mesh)
 		extent = std::max(extent, high - low);
 	}
 	return change / extent;
+}
+
+// The digits of the numbers below `num`, and a blank.
+std::size_t numberWidth(std::size_t num)
+{
+	return std::to_string(num).size() + 1;
+}
+
+// The bytes of a format that is text, roughly; 0 for the others.
+std::size_t textSize(const Result& result, const Format& format)
+{
+	constexpr std::size_t kPoint = 55; // three coordinates of 17 digits
+	const std::size_t numVertices = result.mesh.numVertices(), tets = numTets(result);
+	const std::size_t vertex = numberWidth(numVertices), tet = numberWidth(tets);
+	if (format.writeMesh == writeOogl)
+		return 2 * numVertices * kPoint + tets * 4 * (3 * vertex + 15);
+	if (format.writeMesh == writeTetgen)
+		return numVertices * (kPoint + vertex) + tets * (4 * vertex + 6 * tet);
+	if (format.writeSurface == writeOff || format.writeSurface == writeObj)
+		return surfaceOf(result).size() / 3 * (kPoint / 2 + 3 * vertex + 2);
+	return 0;
 }
 
 } // namespace
@@ -119,7 +146,7 @@ std::vector<std::string> getStdoutFormats()
 std::vector<Path> getOutputFiles(const Path& output, bool bCompact)
 {
 	if (output == kStdout) return {};
-	if (findFormat(output, "").writeMesh != writeTetgen) return {output};
+	if (!isTetgen(output)) return {output};
 	std::vector<Path> vFiles(bCompact ? 4 : 3, output);
 	static const char* const aExtensions[] = {".node", ".ele", ".neigh", ".map"};
 	for (std::size_t i = 0; i < vFiles.size(); ++i) vFiles[i].replace_extension(aExtensions[i]);
@@ -144,6 +171,11 @@ std::vector<std::string> getOwnNames(const ShapeRequest& request)
 		add({"volume", "minDihedralAngle", "maxDihedralAngle", "radiusRatio", "shortestEdge",
 		    "longestEdge"});
 	return vNames;
+}
+
+bool isTetgen(const Path& output)
+{
+	return output != kStdout && findFormat(output, "").writeMesh == writeTetgen;
 }
 
 void checkShapeOutputs(const ShapeRequest& request, const std::vector<std::string>& vOutputs,
@@ -176,13 +208,22 @@ std::string outputWarning(const Result& result, const Path& output)
 {
 	const auto& format = findFormat(output, result.stdoutFormat);
 	const auto name = output.string() + ": ";
-	constexpr std::size_t kBytesPerTet = 170;
-	const std::size_t gigabytes = numTets(result) * kBytesPerTet / 1000000000;
-	if (format.writeMesh == writeOogl && gigabytes > 0)
-		return name + "this drawing takes about " + std::to_string(gigabytes) +
-		    " GB, and Geomview several times as much memory";
-	constexpr double kVisible = 1e-5;
-	if (format.writeSurface == writeStl && floatRounding(result.mesh) > kVisible)
+	if (const auto gigabytes = textSize(result, format) / 1000000000; gigabytes > 0) {
+		const auto size = name + "this text takes about " + std::to_string(gigabytes) + " GB";
+		return size +
+		    (format.writeMesh == writeOogl ? ", and Geomview several times as much memory"
+		            : format.writeMesh     ? "; .vtu takes a fraction of it"
+		                                   : "; .ply takes less");
+	}
+	if (format.writeSurface != writeStl) return {};
+	const double rounding = floatRounding(result.mesh);
+	constexpr double kUseless = 0.1, kVisible = 1e-5;
+	if (!(rounding < kUseless))
+		throw Failure(kNotWritten,
+		    name +
+		        "STL has seven digits and no number beyond 3e38, which does not do for these "
+		        "coordinates; write .ply, which keeps them, or shift or scale the points");
+	if (rounding > kVisible)
 		return name + "STL has seven digits, too few for these coordinates; .ply keeps them all";
 	return {};
 }
@@ -194,9 +235,7 @@ void writeMesh(const Result& result, const Path& output)
 	if (shape.kind == ShapeKind::kVoronoi)
 		writeVoronoi(result, output);
 	else if (format.writeSurface)
-		format.writeSurface(result,
-		    shape.kind == ShapeKind::kMesh ? result.mesh.vHullCorners : shape.solid.vTriangles,
-		    output);
+		format.writeSurface(result, surfaceOf(result), output);
 	else
 		format.writeMesh(result, output);
 }

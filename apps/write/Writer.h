@@ -57,6 +57,9 @@ std::vector<std::string> getStdoutFormats();
 std::vector<std::filesystem::path> getOutputFiles(
     const std::filesystem::path& output, bool bCompact);
 
+/// True for the files of TetGen.
+bool isTetgen(const std::filesystem::path& output);
+
 /// True when the format of the output has room for attributes.
 bool hasAttributes(const std::filesystem::path& output, const std::string& stdoutFormat);
 
@@ -67,7 +70,8 @@ std::vector<std::string> getOwnNames(const ShapeRequest& request);
 void checkShapeOutputs(const ShapeRequest& request, const std::vector<std::string>& vOutputs,
     const std::string& stdoutFormat);
 
-/// What there is to say before an output is written; empty when there is nothing.
+/// What there is to say before an output is written; empty when there is nothing. Throws when its format has no room
+/// for the coordinates.
 std::string outputWarning(const Result& result, const std::filesystem::path& output);
 
 /// Writes `output` whole, or leaves what was there and throws.
