@@ -404,14 +404,17 @@ TEST(Shapes, QualitiesOfKnownTetrahedra)
 			std::vector<double> xyz = c.coordinates;
 			for (double& x : xyz) x *= scale;
 			const std::int32_t corners[] = {0, 1, 2, 3}, hull[] = {-1, -1, -1, -1};
-			double volume = 0, ratio = 0, shortest = 0, longest = 0, angles[6];
-			measureQuality(
-			    {xyz.data(), 4, corners, hull, 1}, {&volume, angles, &ratio, &shortest, &longest});
+			double volume = 0, ratio = 0, shortest = 0, longest = 0, angles[6], centre[3],
+			       radius = 0;
+			measureQuality({xyz.data(), 4, corners, hull, 1},
+			    {&volume, angles, &ratio, &shortest, &longest, centre, &radius});
 			EXPECT_NEAR(volume / scale / scale / scale, c.volume, 1e-14);
 			EXPECT_NEAR(ratio, c.ratio, 1e-14);
 			EXPECT_NEAR(shortest / scale, c.shortest, 1e-14);
 			EXPECT_NEAR(longest / scale, c.longest, 1e-14);
 			for (std::size_t i = 0; i < 6; ++i) EXPECT_NEAR(angles[i], c.angles[i], 1e-14);
+			for (const double x : centre) EXPECT_NEAR(x / scale, 0.5, 1e-14);
+			EXPECT_NEAR(radius / scale, std::sqrt(0.75), 1e-14);
 		}
 	}
 	const double values[] = {0, 0.24, 0.25, 1, 1.5, -1, std::nan("")};

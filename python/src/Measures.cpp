@@ -10,13 +10,6 @@ namespace binding {
 
 namespace {
 
-void write(const Vec& v, double* p)
-{
-	p[0] = v.x;
-	p[1] = v.y;
-	p[2] = v.z;
-}
-
 bool isCorner(const FlatMesh& mesh, std::int32_t t, std::int32_t v)
 {
 	const std::int32_t* pCorner = mesh.corners(t);
@@ -60,42 +53,6 @@ bool isConvexAround(const FlatMesh& mesh, ExactTests& exact, std::int32_t t, int
 }
 
 } // namespace
-
-void volumes(const FlatMesh& mesh, double* pVolumes)
-{
-	for (std::size_t t = 0; t < mesh.numTets; ++t) {
-		const auto [a, b, c] = edgesFrom0(mesh, static_cast<std::int32_t>(t));
-		pVolumes[t] = det(a, b, c) / 6.0;
-	}
-}
-
-void circumspheres(const FlatMesh& mesh, double* pCenters, double* pRadii)
-{
-	for (std::size_t t = 0; t < mesh.numTets; ++t) {
-		const auto [a, b, c] = edgesFrom0(mesh, static_cast<std::int32_t>(t));
-		const double scale = unitScale(a, b, c);
-		const Vec arm = circumcenter(scale * a, scale * b, scale * c);
-		const Vec center = 1.0 / scale * arm;
-		const double* p0 = mesh.point(mesh.pCorners[4 * t]);
-		write({p0[0] + center.x, p0[1] + center.y, p0[2] + center.z}, pCenters + 3 * t);
-		pRadii[t] = norm(arm) / scale;
-	}
-}
-
-void qualities(const FlatMesh& mesh, double* pQualities)
-{
-	for (std::size_t t = 0; t < mesh.numTets; ++t) {
-		auto [a, b, c] = edgesFrom0(mesh, static_cast<std::int32_t>(t));
-		const double scale = unitScale(a, b, c);
-		for (Vec* pEdge : {&a, &b, &c}) *pEdge = scale * *pEdge;
-		// Inradius = 3 * volume / surface; `area` is twice the surface, `volume` six times the volume.
-		const double area =
-		    norm(cross(a, b)) + norm(cross(b, c)) + norm(cross(c, a)) + norm(cross(b - a, c - a));
-		const double volume = det(a, b, c);
-		const double quality = 3.0 * (volume / area) / norm(circumcenter(a, b, c));
-		pQualities[t] = quality >= 0.0 ? std::min(quality, 1.0) : 0.0;
-	}
-}
 
 void transforms(const FlatMesh& mesh, double* pTransforms)
 {

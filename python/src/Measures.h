@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What can be read off a mesh: sizes and shapes of tetrahedra, stars, adjacency, validity.
+// What can be read off a mesh and is no shape: barycentric transforms, stars, adjacency, validity.
 #pragma once
 
 #include "FlatMesh.h"
@@ -8,17 +8,6 @@
 #include <vector>
 
 namespace binding {
-
-/// The volume of each tetrahedron.
-void volumes(const FlatMesh& mesh, double* pVolumes);
-
-/// The centre of each circumsphere, 3 numbers, and its radius; not finite where a tetrahedron is flat up
-/// to rounding.
-void circumspheres(const FlatMesh& mesh, double* pCenters, double* pRadii);
-
-/// Three times the radius of the inscribed over that of the circumscribed sphere: 1 for a regular
-/// tetrahedron, 0 for a flat one.
-void qualities(const FlatMesh& mesh, double* pQualities);
 
 /// For each tetrahedron 12 numbers: the inverse of the matrix whose columns lead from corner 3 to the
 /// others, by rows, and corner 3. Not numbers where a tetrahedron is flat up to rounding.

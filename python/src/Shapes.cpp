@@ -88,12 +88,27 @@ std::tuple<Doubles, Indices64, Indices32, Indices64, Indices32, Doubles> voronoi
 	    toArray(std::move(cells.vCorners)), toArray(std::move(cells.vVolumes)));
 }
 
-void dihedralAngles(const Mesh& mesh, const Array<double, -1, 6>& results)
+/// Writes one number, or several, for each tetrahedron.
+template <double* shapes::QualityArrays::*Which, nb::ssize_t... Extents>
+void measure(const Mesh& mesh, const Array<double, -1, Extents...>& results)
 {
 	expectLength(results, mesh.numTets);
 	unlocked([&] {
 		shapes::QualityArrays arrays;
-		arrays.pDihedralAngles = results.data();
+		arrays.*Which = results.data();
+		shapes::measureQuality(viewOf(mesh), arrays);
+	});
+}
+
+void circumspheres(
+    const Mesh& mesh, const Array<double, -1, 3>& centers, const Array<double, -1>& radii)
+{
+	expectLength(centers, mesh.numTets);
+	expectLength(radii, mesh.numTets);
+	unlocked([&] {
+		shapes::QualityArrays arrays;
+		arrays.pCircumcentres = centers.data();
+		arrays.pCircumradii = radii.data();
 		shapes::measureQuality(viewOf(mesh), arrays);
 	});
 }
@@ -105,7 +120,13 @@ void bindShapes(nb::module_& m)
 	m.def("hull", &hull, "mesh"_a);
 	m.def("alpha_shape", &alphaShape, "mesh"_a, "radius"_a, "choice"_a, "singular"_a);
 	m.def("voronoi", &voronoi, "mesh"_a, "low"_a.none(), "high"_a.none(), "hull"_a);
-	m.def("dihedral_angles", &dihedralAngles, "mesh"_a, nb::arg("results").noconvert());
+	using Quality = shapes::QualityArrays;
+	const auto results = nb::arg("results").noconvert();
+	m.def("volumes", &measure<&Quality::pVolumes>, "mesh"_a, results);
+	m.def("qualities", &measure<&Quality::pRadiusRatios>, "mesh"_a, results);
+	m.def("dihedral_angles", &measure<&Quality::pDihedralAngles, 6>, "mesh"_a, results);
+	m.def("circumspheres", &circumspheres, "mesh"_a, nb::arg("centers").noconvert(),
+	    nb::arg("radii").noconvert());
 }
 
 } // namespace binding

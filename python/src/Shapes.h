@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Hull, alpha shapes and Voronoi cells for Python.
+// Hull, alpha shapes, Voronoi cells and quality for Python.
 #pragma once
 
 #include <nanobind/nanobind.h>

@@ -177,20 +177,10 @@ void gradients(const Mesh& mesh, const Table& values, const Points& queries, con
 	});
 }
 
-/// Writes one number, or several, for each tetrahedron.
-template <void (*Measure)(const FlatMesh&, double*), nb::ssize_t... Extents>
-void measure(const Mesh& mesh, const Array<double, -1, Extents...>& results)
+void writeTransforms(const Mesh& mesh, const Array<double, -1, 4, 3>& results)
 {
 	expectLength(results, mesh.numTets);
-	unlocked([&] { Measure(mesh, results.data()); });
-}
-
-void measureSpheres(
-    const Mesh& mesh, const Array<double, -1, 3>& centers, const Array<double, -1>& radii)
-{
-	expectLength(centers, mesh.numTets);
-	expectLength(radii, mesh.numTets);
-	unlocked([&] { circumspheres(mesh, centers.data(), radii.data()); });
+	unlocked([&] { transforms(mesh, results.data()); });
 }
 
 void listStars(
@@ -251,10 +241,7 @@ NB_MODULE(_core, m)
 	    array("results"));
 	m.def("interpolate_gradients", &gradients, "mesh"_a, array("values"), array("queries"),
 	    array("results"));
-	m.def("volumes", &measure<&volumes>, "mesh"_a, array("results"));
-	m.def("qualities", &measure<&qualities>, "mesh"_a, array("results"));
-	m.def("transforms", &measure<&transforms, 4, 3>, "mesh"_a, array("results"));
-	m.def("circumspheres", &measureSpheres, "mesh"_a, array("centers"), array("radii"));
+	m.def("transforms", &writeTransforms, "mesh"_a, array("results"));
 	m.def("stars", &listStars, "mesh"_a, array("begins"), array("tets"));
 	m.def("adjacency", &listNeighbors, "mesh"_a, array("star_begins"), array("star_tets"),
 	    array("begins"));

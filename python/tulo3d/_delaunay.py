@@ -339,7 +339,7 @@ class Delaunay:
     def circumcenters(self) -> FloatArray:
         """The centres of the circumspheres, shape (nsimplex, 3): the corners of the Voronoi diagram.
 
-        Not finite where a tetrahedron is flat up to rounding.
+        Right for slivers, too; infinite where a centre is beyond the range of doubles.
         """
         return self._mesh.circumspheres[0]
 

@@ -21,6 +21,9 @@ struct QualityArrays
 	double* pRadiusRatios = nullptr;
 	double* pShortestEdges = nullptr;
 	double* pLongestEdges = nullptr;
+	/// 3 a tetrahedron, x, y, z; infinite where it is beyond the range of doubles. Computed as `AlphaShapes` does it.
+	double* pCircumcentres = nullptr;
+	double* pCircumradii = nullptr; ///< infinite there, too
 };
 
 /// Writes the qualities of all tetrahedra, in their order.
