@@ -7,11 +7,11 @@
 packages_build=(g++ cmake ninja-build libcli11-dev zlib1g-dev)
 packages_test=(clang libclang-rt-dev libgtest-dev libgmp-dev pkg-config binutils python3)
 # Without these a few tests skip: valgrind, the meshes on 64-bit Arm, pictures, what TetGen reads, Python
-# packages and ours;
+# packages and ours, shapes beside those of CGAL;
 # the documents, the sources as they are read by tools, the packages.
 packages_test_optional=(valgrind qemu-user g++-aarch64-linux-gnu geomview xvfb netpbm tetgen
 	python3-venv python3-dev
-	doxygen clang-format clang-tidy codespell shellcheck lintian dpkg-dev)
+	libcgal-dev doxygen clang-format clang-tidy codespell shellcheck lintian dpkg-dev)
 # By the names of the Python package index, for a virtual environment that the tests use: the system
 # stays as it is, whichever Python it has. Without these the tests of what they read skip.
 venv=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)/build/venv
@@ -27,7 +27,7 @@ declare -A package_command=([g++]=g++ [cmake]=cmake [ninja-build]=ninja [clang]=
 	[clang-format]=clang-format [clang-tidy]=run-clang-tidy [codespell]=codespell
 	[shellcheck]=shellcheck [lintian]=lintian [dpkg-dev]=dpkg-shlibdeps)
 declare -A package_header=([libcli11-dev]=CLI/CLI.hpp [zlib1g-dev]=zlib.h [libgtest-dev]=gtest/gtest.h
-	[libgmp-dev]=gmpxx.h)
+	[libgmp-dev]=gmpxx.h [libcgal-dev]=CGAL/version.h)
 
 has_package() {
 	local name=$1 status
