@@ -18,7 +18,7 @@ constexpr int kOutside[4][3] = {{1, 2, 3}, {0, 3, 2}, {0, 1, 3}, {0, 2, 1}};
 /// A triangulation, with its vertices and its hull as arrays.
 ///
 /// Vertices are numbered in the order in which their points first came up in the input, so that vertex i
-/// is input point i when no point is repeated. The tetrahedra stay where they are, because all of them as
+/// is input point i when there is no duplicate point. The tetrahedra stay where they are, because all of them as
 /// arrays would take a third more memory: `forEachTet` reads them in pieces.
 struct Mesh
 {
@@ -27,7 +27,7 @@ struct Mesh
 	std::vector<double> vCoordinates;
 	/// The first input point of each vertex.
 	std::vector<std::int32_t> vFirstInput;
-	/// The vertex of each input point; empty when no point is repeated, since then they are the same.
+	/// The vertex of each input point; empty when there is no duplicate point, since then they are the same.
 	std::vector<std::int32_t> vVertexOfInput;
 	/// Three vertices a facet of the convex hull, counter-clockwise from outside.
 	std::vector<std::int32_t> vHullCorners;

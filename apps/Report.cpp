@@ -101,7 +101,7 @@ std::vector<Fact> statistics(const Measured& measured, const Mesh& mesh)
 	forEachTet(mesh, [&](const std::int32_t* pCorners) { total += volume(mesh, pCorners); });
 	const double ratio =
 	    static_cast<double>(mesh.numTets()) / static_cast<double>(mesh.numVertices());
-	return {count("repeatedPoints", "duplicate points", measured.numPoints - mesh.numVertices()),
+	return {count("duplicatePoints", "duplicate points", measured.numPoints - mesh.numVertices()),
 	    count("hullVertices", "hull vertices", numHullVertices(mesh)),
 	    count("facets", "facets", mesh.numFacets()),
 	    number("tetrahedraOverVertices", "tetrahedra / distinct vertices", ratio),

@@ -46,7 +46,7 @@ function(tulo3d_package component package section contents)
 	set(CPACK_COMPONENT_${key}_DESCRIPTION
 "Tulo3D computes the Delaunay tetrahedralization of points in space, one
 point at a time or in batches. Its geometric decisions are exact: coplanar,
-cospherical and repeated points are handled like any others.
+cospherical and duplicate points are handled like any others.
 .
 This package contains ${contents}." PARENT_SCOPE)
 

@@ -76,7 +76,7 @@ private:
 	void insertCell(std::uint32_t key, Batch& batch);
 	/// Looks the points of a cell up: the handles of those that the store knows, a list of the others.
 	void findNewPoints(std::uint32_t key, Batch& batch) const;
-	/// Numbers the new vertices of a batch with repeated points, in the order of the input.
+	/// Numbers the new vertices of a batch with duplicate points, in the order of the input.
 	static void closeNumberGaps(const std::vector<Point3*>& vUserHandles, std::int32_t firstNumber);
 	/// The set has no item with the coordinates of the probe, whose place is `at`.
 	bool isNew(const IdxVtx& probe, const VertexOrder::Iterator& at) const;

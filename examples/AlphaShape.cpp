@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Alpha shape: the hull, hollowed out as far as a ball of radius alpha gets without swallowing a
-// point. The points are on the surface of a figure; the shape is its body.
+// Alpha shape: what is left of the hull without the balls of radius alpha that have no point inside. The
+// points are on the surface of a figure; the shape is its body.
 #include "shapes/AlphaShapes.h"
 #include "shapes/MeshCopy.h"
 #include "shared.h"

@@ -42,5 +42,5 @@ int main(int argc, char** argv)
 	std::cout << xyz.size() / 3 << " vertices, " << corners.size() / 4 << " tetrahedra, volume "
 	          << volumeInHull << std::endl;
 	const bool bSame = std::abs(volumeInHull - volumeOfTets) < 1e-9 * volumeInHull;
-	return volumeInHull > 0 && bSame && xyz == coordinates ? 0 : 1; // no point is repeated
+	return volumeInHull > 0 && bSame && xyz == coordinates ? 0 : 1; // there is no duplicate point
 }

@@ -19,7 +19,7 @@ int main()
 	TULO3D::Tulo_3D mesh;
 	mesh.insert(points);
 
-	// No point is repeated, so cell i is that of points[i].
+	// There is no duplicate point, so cell i is that of points[i].
 	const TULO3D::shapes::MeshCopy copy(mesh);
 	const std::vector<double> volumes = TULO3D::shapes::Voronoi(copy.view()).volumes();
 	const double inside = volumes[438]; // the cube corner at (6, 6, 6)

@@ -91,7 +91,7 @@ public:
 	///@}
 
 	/// The number of a vertex; -1 for a point that is none. The vertices of an engine are numbered from 0
-	/// in the order in which their points were first given: without repeated points, vertex i is the i-th
+	/// in the order in which their points were first given: without duplicate points, vertex i is the i-th
 	/// point. The number stays when more points are inserted. Copies do not have it.
 	std::int32_t getNumber() const { return number; }
 

@@ -93,7 +93,7 @@ public:
 	///
 	/// `vUserHandles` should be empty; if it is not, a warning is printed and it is cleared. Throws
 	/// `TuloException`, before anything is stored, when any coordinate is not finite or beyond 1e60, or when
-	/// the vertices and the points of the batch, repeated ones included, are more than 2,147,483,647.
+	/// the vertices and the points of the batch, duplicates included, are more than 2,147,483,647.
 	void insert(std::vector<Point3>& vInputPoints, std::vector<Point3*>& vUserHandles);
 
 	/// Inserts a batch whose vertices need not be told apart.

@@ -273,7 +273,7 @@ class Program(ProgramCase):
         done = run("-", "--json", "-v", "--check", input=points)
         facts = json.loads(done.stdout)
         self.assertIn(b"numPoints=43", done.stderr)
-        self.assertEqual([facts[k] for k in ("file", "points", "distinctVertices", "repeatedPoints", "valid")],
+        self.assertEqual([facts[k] for k in ("file", "points", "distinctVertices", "duplicatePoints", "valid")],
                          ["-", 43, 40, 3, True])
         text = run("--stats", input=points)
         rows = {row[:36].strip(): row[37:] for row in text.stdout.decode().splitlines()}

@@ -20,7 +20,7 @@ namespace {
 
 using Name = const std::filesystem::path::value_type*;
 
-// A mesh is three files at the most. Null where no file is.
+// An output is four files at the most: those of TetGen and the map. Null where no file is.
 std::atomic<Name> aNames[4];
 static_assert(std::atomic<Name>::is_always_lock_free, "a signal handler must not wait");
 

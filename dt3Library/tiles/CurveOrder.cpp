@@ -217,7 +217,7 @@ CurveOrder::CurveOrder(const double* pCoordinates, std::size_t numPoints, unsign
 		vMade.push_back(&pSection->vMade);
 		numDistinct += pSection->vListed.size();
 	}
-	// Deliberate: with repeated points in the batch, an engine that has become full-dimensional inserts what its store
+	// Deliberate: with duplicate points in the batch, an engine that has become full-dimensional inserts what its store
 	// lists, and otherwise what the batch has made.
 	const bool bRepeats = numDistinct < numPoints;
 	const std::vector<std::uint32_t> vOrder = joined(bRepeats ? vListed : vMade, numDistinct);

@@ -96,7 +96,7 @@ def test_derived_arrays_agree_with_their_definitions():
     assert regular.quality == pytest.approx([1]) and regular.volumes == pytest.approx([8 / 3])
 
 
-def test_repeated_points_are_told_apart_from_corners():
+def test_duplicate_points_are_told_apart_from_corners():
     mesh = tulo3d.Delaunay([[0, 0, 0], [1, 0, 0], [0, 0, 0], [0, 1, 0], [0, 0, 1], [1, 0, -0.0]])
     assert mesh.vertex_of_point.tolist() == [0, 1, 0, 3, 4, 1]
     assert mesh.coplanar.tolist() == [[2, 0, 0], [5, 0, 1]]

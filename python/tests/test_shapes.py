@@ -37,7 +37,7 @@ def test_whole_voronoi_cells_are_those_of_scipy():
     assert set(owner[unbounded]) == set(mesh.convex_hull.ravel())
 
 
-def test_clipped_voronoi_cells_fill_their_region_and_repeated_points_have_none():
+def test_clipped_voronoi_cells_fill_their_region_and_duplicate_points_have_none():
     mesh = tulo3d.Delaunay(np.concatenate([POINTS, POINTS[:3]]))
     for clip, volume in (([-1, -1, -1], [1, 2, 1]), 12), ("hull", mesh.hull().volume):
         cells = mesh.voronoi(clip)

@@ -3,7 +3,7 @@
 
 `Delaunay` makes the mesh, and of it hull, alpha shapes and Voronoi cells; `LinearInterpolator` and
 `NaturalNeighborInterpolator` find values between points. All decisions are exact: coplanar, cospherical and
-repeated points need no care.
+duplicate points need no care.
 """
 
 from ._core import InternalError

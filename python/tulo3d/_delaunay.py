@@ -36,7 +36,7 @@ class Delaunay:
     ----------
     points : array_like, shape (n, 3)
         At least four points that are not all in one plane, in any one unit. Real numbers of any type
-        are converted to doubles; coordinates are finite and at most 1e60 in magnitude. Repeated points
+        are converted to doubles; coordinates are finite and at most 1e60 in magnitude. Duplicate points
         are welcome.
     incremental : bool, optional
         Keep what `add_points` needs, about 600 bytes a point.
@@ -267,7 +267,7 @@ class Delaunay:
 
     @property
     def npoints(self) -> int:
-        """The number of points, repeated ones included."""
+        """The number of points, duplicates included."""
         return sum(map(len, self._batches))
 
     @property
@@ -302,14 +302,14 @@ class Delaunay:
 
     @property
     def vertex_to_simplex(self) -> Int32Array:
-        """For each point, repeated ones included, a tetrahedron that has it as a corner, shape (npoints,)."""
+        """For each point, duplicates included, a tetrahedron that has it as a corner, shape (npoints,)."""
         return self._mesh.vertex_to_simplex
 
     @property
     def coplanar(self) -> Int32Array:
         """Points that are no corners, shape (m, 3): the index, a tetrahedron there, and the corner there.
 
-        These are the repeated points and no others.
+        These are the duplicate points and no others.
         """
         return self._mesh.coplanar
 

@@ -14,7 +14,7 @@
 namespace TULO3D::shapes {
 
 /// A Delaunay mesh as arrays, laid out as `Tulo_3D::copyTo` writes them. The arrays must outlive whatever
-/// is made from the view. Points that are in no tetrahedron, such as repeated ones, may be among the vertices.
+/// is made from the view. Points that are in no tetrahedron, such as duplicate ones, may be among the vertices.
 ///
 /// All functions that take a view throw `std::invalid_argument` when an array is null though the mesh is not
 /// empty, when a corner is no vertex or a neighbour no tetrahedron, and when there are more than 2,147,483,647
