@@ -268,6 +268,17 @@ class Program(ProgramCase):
             script = "source $0; COMP_WORDS=(tulo3d --to v); COMP_CWORD=2; _tulo3d; echo ${COMPREPLY[@]}"
             self.assertEqual(subprocess.check_output(["bash", "-c", script, apps / files[0]]), b"vtu vtk\n")
 
+    def testTheCommandsOfTheDocumentationWork(self):
+        tree = MESHIO_TOOL.parent.parent
+        (self.folder / "data").symlink_to(tree / "data"), (self.folder / "tulo3d").symlink_to(PROGRAM)
+        commands, = re.findall("```sh\n(.*?)```", (tree / "docs" / "program.md").read_text(), re.S)
+        done = subprocess.run(["bash", "-e"], input=commands.encode(), capture_output=True, cwd=self.folder,
+                              env={**os.environ, "PATH": f"{self.folder}:{os.environ['PATH']}"})
+        self.assertEqual(done.returncode, 0, done.stderr)
+        self.assertIn(b"tulo3d: numbered.txt: the first column", done.stderr)
+        self.assertEqual(re.findall(r"\ndistinct vertices +([\d,]+)", done.stdout.decode()),
+                         ["21,932", "4", "4", "4", "4", "21,932", "4", "4"] + 2 * ["21,932"] + ["4", "4"] + 6 * ["21,932"])
+
     def testResultsGoToStandardOutputAndEverythingElseDoesNot(self):
         points = lines(POINTS + POINTS[:3]).encode()
         done = run("-", "--json", "-v", "--check", input=points)
