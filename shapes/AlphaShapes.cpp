@@ -2,43 +2,14 @@
 // The solid part of alpha shapes: tetrahedra by their circumradii.
 #include "shapes/AlphaShapes.h"
 
+#include "Components.h"
 #include "Constructions.h"
 
 #include <algorithm>
 #include <limits>
-#include <numeric>
 #include <stdexcept>
 
 namespace TULO3D::shapes {
-
-namespace {
-
-/// Disjoint sets of tetrahedra; find by path halving.
-class Components
-{
-public:
-	explicit Components(std::size_t size) : vParent(size)
-	{
-		std::iota(vParent.begin(), vParent.end(), 0);
-	}
-	Index find(Index i)
-	{
-		while (vParent[at(i)] != i) i = vParent[at(i)] = vParent[at(vParent[at(i)])];
-		return i;
-	}
-	/// True when they were two.
-	bool join(Index i, Index j)
-	{
-		const Index a = find(i), b = find(j);
-		vParent[at(std::max(a, b))] = std::min(a, b); // so the first one stands for all
-		return a != b;
-	}
-
-private:
-	std::vector<Index> vParent;
-};
-
-} // namespace
 
 AlphaShapes::AlphaShapes(const MeshView& theMesh) : mesh(theMesh)
 {

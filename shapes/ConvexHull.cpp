@@ -14,13 +14,16 @@ namespace {
 std::vector<std::int64_t> collectTriangles(const Mesh& mesh, ConvexHull& hull)
 {
 	std::vector<std::int64_t> vFacets;
-	const auto numFacets = static_cast<std::int64_t>(4 * mesh.numTets);
-	for (std::int64_t k = 0; k < numFacets; ++k) {
-		if (mesh.pNeighbours[k] >= 0) continue;
-		vFacets.push_back(k);
-		hull.vTets.push_back(static_cast<Index>(k / 4));
-		const auto facet = mesh.facet(hull.vTets.back(), static_cast<int>(k % 4));
-		hull.vTriangles.insert(hull.vTriangles.end(), facet.begin(), facet.end());
+	for (Index tet = 0; at(tet) < mesh.numTets; ++tet) {
+		const Index* p = mesh.neighbours(tet);
+		if ((p[0] | p[1] | p[2] | p[3]) >= 0) continue; // none is negative
+		for (int i = 0; i < 4; ++i) {
+			if (p[i] >= 0) continue;
+			vFacets.push_back(4 * static_cast<std::int64_t>(tet) + i);
+			hull.vTets.push_back(tet);
+			const auto facet = mesh.facet(tet, i);
+			hull.vTriangles.insert(hull.vTriangles.end(), facet.begin(), facet.end());
+		}
 	}
 	return vFacets;
 }

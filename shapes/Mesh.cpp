@@ -11,17 +11,22 @@ namespace TULO3D::shapes {
 
 namespace {
 
-/// Throws unless all of the four numbers of each tetrahedron are below `end` and not below `begin`.
+/// Throws unless all of the four numbers of each tetrahedron are below `end` and not below `begin`, which is 0 or the
+/// least number there is.
 void expectInRange(
     const Index* pNumbers, std::size_t numTets, Index begin, Index end, const char* what)
 {
 	const Index* const pEnd = pNumbers + 4 * numTets;
-	Index least = begin, most = begin; // a loop without an exit is vectorised
+	// The first bit of a number is set when it is negative, and that of `last - number` when it is beyond the end;
+	// of a negative number that may overflow. A loop without an exit is vectorised.
+	const auto last = static_cast<std::uint32_t>(end - 1);
+	std::uint32_t bad = 0;
+	const std::uint32_t negative = begin == 0 ? ~0U : 0;
 	for (const Index* p = pNumbers; p != pEnd; ++p) {
-		least = std::min(least, *p);
-		most = std::max(most, *p);
+		const auto number = static_cast<std::uint32_t>(*p);
+		bad |= (number & negative) | (~number & (last - number));
 	}
-	if (least >= begin && most < end) return;
+	if (bad >> 31 == 0) return;
 	const Index* const pBad =
 	    std::find_if(pNumbers, pEnd, [=](Index i) { return i < begin || i >= end; });
 	throw std::invalid_argument("Tetrahedron " + std::to_string((pBad - pNumbers) / 4) +

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
-// Components by flooding across facets, and the facets between what is kept and what is not.
+// Components by joining tetrahedra across facets, and the facets between what is kept and what is not.
 #include "shapes/Solid.h"
 
+#include "Components.h"
 #include "Mesh.h"
 
 #include <algorithm>
@@ -12,27 +13,24 @@ namespace TULO3D::shapes {
 
 namespace {
 
-/// The component of each tetrahedron that is kept, -1 for the others; returns how many there are.
+/// The component of each tetrahedron that is kept, -1 for the others; returns how many there are. Goes through the mesh
+/// in its order, where a search from neighbour to neighbour would miss the cache.
 Index labelComponents(const Mesh& mesh, const std::vector<bool>& vKept, std::vector<Index>& vLabel)
 {
+	Components components(mesh.numTets);
 	vLabel.assign(mesh.numTets, -1);
-	std::vector<Index> vStack;
-	Index num = 0;
-	for (std::size_t first = 0; first < mesh.numTets; ++first) {
-		if (vLabel[first] >= 0 || !vKept[first]) continue;
-		vLabel[first] = num;
-		vStack.push_back(static_cast<Index>(first));
-		while (!vStack.empty()) {
-			const Index tet = vStack.back();
-			vStack.pop_back();
-			for (int i = 0; i < 4; ++i) {
-				const Index next = mesh.neighbours(tet)[i];
-				if (next < 0 || vLabel[at(next)] >= 0 || !vKept[at(next)]) continue;
-				vLabel[at(next)] = num;
-				vStack.push_back(next);
-			}
+	for (Index tet = 0; at(tet) < mesh.numTets; ++tet) {
+		if (!vKept[at(tet)]) continue;
+		for (int i = 0; i < 4; ++i) {
+			const Index next = mesh.neighbours(tet)[i];
+			if (next >= 0 && next < tet && vKept[at(next)]) components.join(tet, next);
 		}
-		++num;
+	}
+	Index num = 0;
+	for (Index tet = 0; at(tet) < mesh.numTets; ++tet) {
+		if (!vKept[at(tet)]) continue;
+		const Index first = components.find(tet);
+		vLabel[at(tet)] = first == tet ? num++ : vLabel[at(first)];
 	}
 	return num;
 }
@@ -65,12 +63,15 @@ Solid solidOf(const MeshView& view, const std::vector<bool>& vKept)
 	Solid solid;
 	std::vector<Index> vLabel;
 	solid.vVolumes.resize(at(labelComponents(mesh, vKept, vLabel)));
+	const auto num = std::count(vKept.begin(), vKept.end(), true);
+	solid.vTets.reserve(static_cast<std::size_t>(num));
+	solid.vComponents.reserve(static_cast<std::size_t>(num));
 	for (Index tet = 0; at(tet) < mesh.numTets; ++tet) {
-		if (vLabel[at(tet)] < 0) continue;
+		if (!vKept[at(tet)]) continue;
 		addTet(mesh, tet, vLabel[at(tet)], solid);
 		for (int i = 0; i < 4; ++i) {
 			const Index next = mesh.neighbours(tet)[i];
-			if (next < 0 || vLabel[at(next)] < 0) addTriangle(mesh, tet, i, solid);
+			if (next < 0 || !vKept[at(next)]) addTriangle(mesh, tet, i, solid);
 		}
 	}
 	for (double& volume : solid.vVolumes) volume /= 6;
