@@ -128,7 +128,7 @@ TEST_F(Cgal, HasTheSameHullAlphaShapesAndVoronoiCells)
 TEST_F(Cgal, ReadsTheClosedSurfacesThatTheProgramWrites)
 {
 	const double volume = shapes::convexHull(shapes::MeshCopy(mesh).view()).volume;
-	const std::string command = TULO3D_PROGRAM " " TULO3D_SCAN " -q --no-check --hull";
+	const std::string command = "\"" TULO3D_PROGRAM "\" \"" TULO3D_SCAN "\" -q --no-check --hull";
 	ASSERT_EQ(std::system((command + " -o hull.off -o hull.ply").c_str()), 0);
 	for (const char* name : {"hull.off", "hull.ply"}) {
 		SCOPED_TRACE(name);
