@@ -203,8 +203,9 @@ Input readPoints(const std::string& file, const ReadOptions& options, Progress& 
 	PointList points(options);
 	format.read(source, points);
 	Input input = points.take();
+	const std::string start = name + ": ";
 	for (const auto& note : makeNamesDistinct(input.vAttributes, options.vOwnNames))
-		progress.warn(name + ": " + note);
+		progress.warn(start + note);
 	return input;
 }
 
