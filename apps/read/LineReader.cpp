@@ -135,19 +135,10 @@ void LineReader::require(const std::string& missing)
 
 std::string_view LineReader::field()
 {
+	const std::string_view before = rest;
 	std::string_view found;
-	const auto first = rest.find_first_not_of(kBlanks);
-	if (first != std::string_view::npos && rest[first] == '"') {
-		if (const auto end = endOfQuotes(rest, first); end != std::string_view::npos) {
-			found = rest.substr(first + 1, end - first - 1);
-			rest.remove_prefix(end + 1);
-			if (separator != ' ')
-				rest.remove_prefix(std::min(rest.find(separator), rest.size() - 1) + 1);
-			return trimmed(found);
-		}
-	}
 	if (separator == ' ') {
-		rest.remove_prefix(std::min(first, rest.size()));
+		rest.remove_prefix(std::min(rest.find_first_not_of(kBlanks), rest.size()));
 		found = rest.substr(0, rest.find_first_of(kBlanks));
 		rest.remove_prefix(found.size());
 	} else {
@@ -155,7 +146,20 @@ std::string_view LineReader::field()
 		rest.remove_prefix(std::min(found.size() + 1, rest.size()));
 		found = trimmed(found);
 	}
-	return found;
+	return !found.empty() && found[0] == '"' ? fieldInQuotes(before, found) : found;
+}
+
+// Goes back to `before`, where the field starts; `found` is what it is without regard to the quotation marks.
+std::string_view LineReader::fieldInQuotes(std::string_view before, std::string_view found)
+{
+	const auto first = before.find('"'), end = endOfQuotes(before, first);
+	if (end == std::string_view::npos) return found;
+	rest = before.substr(end + 1);
+	if (separator != ' ') {
+		const auto next = rest.find(separator);
+		rest = next == std::string_view::npos ? std::string_view() : rest.substr(next + 1);
+	}
+	return trimmed(before.substr(first + 1, end - first - 1));
 }
 
 bool LineReader::atLineEnd() const

@@ -58,6 +58,7 @@ public:
 
 private:
 	bool step();
+	std::string_view fieldInQuotes(std::string_view before, std::string_view found);
 	std::string where() const;
 
 	const Source& source;
