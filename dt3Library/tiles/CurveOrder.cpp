@@ -279,7 +279,7 @@ void CurveOrder::rankAll(const std::array<std::uint32_t, 4>& firstFour)
 	const auto add = [this, &next](std::uint32_t position) {
 		if (vRanks[position] >= 0) return;
 		vRanks[position] = next++;
-		if (vLowest.size() < kNumSpread) vLowest.push_back(position);
+		if (vLowest.size() < kNumLowest) vLowest.push_back(position);
 	};
 	for (const std::uint32_t position : firstFour) add(position);
 	for (InsertionOrder order(size()); !order.isAtEnd(); ++order) add(*order);

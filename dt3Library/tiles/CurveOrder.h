@@ -24,7 +24,7 @@ std::vector<KeyedInput> listAlongCurve(
     const double* pCoordinates, std::size_t numPoints, const Bbox3& around);
 
 /// So many vertices of the lowest ranks, which are spread over all, are in every tile.
-constexpr std::size_t kNumSpread = 256;
+constexpr std::size_t kNumLowest = 256;
 
 /// What one engine, as the first of its process, would make of a batch before it inserts the first vertex: the
 /// distinct points along its curve, their numbers as vertices, and the order in which they would enter the mesh.

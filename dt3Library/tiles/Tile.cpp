@@ -82,20 +82,20 @@ void Tile::markNear()
 void Tile::begin()
 {
 	chooseKnown();
-	std::vector<std::uint32_t> vSpread = points.lowest();
-	std::sort(vSpread.begin(), vSpread.end());
+	std::vector<std::uint32_t> vLowest = points.lowest();
+	std::sort(vLowest.begin(), vLowest.end());
 
 	// The vertices of the lowest ranks are spread over all. In the order of the curve, so that what is near is near in memory, too.
 	std::vector<RankedVertex> vRanked;
 	vRanked.reserve(own.size() + own.size() / 8);
-	auto itSpread = vSpread.begin();
+	auto itLowest = vLowest.begin();
 	for (std::uint32_t leaf = 0; leaf < tree.numLeaves(); ++leaf) {
 		const bool bKnown = isKnown({0, leaf});
-		const bool bSpread = itSpread != vSpread.end() && *itSpread / BoxTree::kLeafSize == leaf;
-		if (!bKnown && !bSpread) continue;
+		const bool bLowest = itLowest != vLowest.end() && *itLowest / BoxTree::kLeafSize == leaf;
+		if (!bKnown && !bLowest) continue;
 		tree.forEachPoint(leaf, [&](std::uint32_t position) {
-			const bool bWanted = itSpread != vSpread.end() && *itSpread == position;
-			itSpread += bWanted;
+			const bool bWanted = itLowest != vLowest.end() && *itLowest == position;
+			itLowest += bWanted;
 			if (!bKnown && !bWanted) return;
 			Point3* pVtx = createVertex(position);
 			if (own.contains(position)) {

@@ -53,8 +53,7 @@ std::pair<NewArray<std::uint32_t>, NewArray<std::uint32_t>> curveOrder(
 	unlocked([&] {
 		TULO3D::Bbox3 around;
 		around.add(toPoints(corners));
-		const auto vListed =
-		    TULO3D::listAlongCurve(points.data(), points.shape(0), around);
+		const auto vListed = TULO3D::listAlongCurve(points.data(), points.shape(0), around);
 		vOrder.reserve(vListed.size());
 		vKeys.reserve(vListed.size());
 		for (const TULO3D::KeyedInput& listed : vListed) {
@@ -107,8 +106,8 @@ NewArray<double> boxes(const Points& points)
 	std::vector<double> v(6 * TULO3D::CurvePoints::numBoxes(points.shape(0)));
 	unlocked([&] {
 		const std::size_t numBlocks = TULO3D::CurvePoints::numBlocksOf(points.shape(0));
-		TULO3D::CurvePoints::boxBlocks(points.data(), points.shape(0), 0, numBlocks,
-		    reinterpret_cast<TULO3D::Box*>(v.data()));
+		TULO3D::CurvePoints::boxBlocks(
+		    points.data(), points.shape(0), 0, numBlocks, reinterpret_cast<TULO3D::Box*>(v.data()));
 	});
 	return toArray(std::move(v));
 }
@@ -199,8 +198,10 @@ public:
 	Tiles(const Tiles&) = delete;
 	Tiles& operator=(const Tiles&) = delete;
 
-	TileResult triangulate(std::size_t part, bool bCountEdges) const
+	/// `progress` is called now and then with two counts; what it throws ends it.
+	TileResult triangulate(std::size_t part, bool bCountEdges, nb::handle progress) const
 	{
+		Watch watch(progress);
 		if (part >= vRanges.size()) throw nb::value_error("no part of this number");
 		std::vector<std::uint32_t> vFirst(vRanges[part].size() + std::size_t{1}, 0);
 		std::vector<std::int32_t> vCorners, vNeighbors;
@@ -211,6 +212,10 @@ public:
 			const nb::gil_scoped_release unlock;
 			const LibraryScope scope;
 			TULO3D::Tile tile(points, tree, vRanges[part], TULO3D::bestTests());
+			tile.setProgress([&watch](std::size_t numInserted, std::size_t numVertices) {
+				watch.look(numInserted, numVertices);
+				return true;
+			});
 			tile.begin();
 			tile.complete();
 			numReceived = tile.numForeign();
@@ -277,7 +282,7 @@ void bindTiles(nb::module_& m)
 {
 	const auto array = [](const char* name) { return nb::arg(name).noconvert(); };
 	m.attr("BLOCK") = TULO3D::CurvePoints::kBlock;
-	m.attr("NUM_LOWEST") = TULO3D::kNumSpread;
+	m.attr("NUM_LOWEST") = TULO3D::kNumLowest;
 	m.def("curve_order", &curveOrder, array("points"), array("corners"));
 	m.def("first_four", &firstFour, array("points"));
 	m.def("insertion_places", &insertionPlaces, array("positions"), "n"_a);
@@ -289,7 +294,7 @@ void bindTiles(nb::module_& m)
 	    .def(nb::init<std::vector<Points>, std::vector<Ranks>, std::vector<Boxes>, const Positions&,
 	             bool>(),
 	        "points"_a, "ranks"_a, "boxes"_a, array("lowest"), "may_underflow"_a)
-	    .def("triangulate", &Tiles::triangulate, "part"_a, "count_edges"_a);
+	    .def("triangulate", &Tiles::triangulate, "part"_a, "count_edges"_a, "progress"_a);
 }
 
 } // namespace binding

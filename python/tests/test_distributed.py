@@ -5,6 +5,7 @@ import os
 import signal
 import subprocess
 import sys
+import time
 from pathlib import Path
 
 import dask.array
@@ -127,8 +128,54 @@ def test_a_worker_that_dies_in_any_stage_changes_nothing(tmp_path):
             progress=kill_one,
         )
     expect_same(mesh, POINTS)
-    assert killed == ["read", "sort", "collect", "rank", "mesh", "finish"]
-    assert not list((tmp_path / "m").rglob("*.part")) and not (tmp_path / "m" / "scratch").exists()
+    assert killed == ["read", "sort", "collect", "insertion_places_of", "rank", "mesh", "finish"]
+    expect_only_a_mesh(tmp_path / "m", mesh)
+
+
+def expect_only_a_mesh(folder, mesh):
+    assert sorted(path.name for path in folder.iterdir()) == [
+        "mesh.json",
+        *(f"tile_{i:06}.npz" for i in range(mesh.ntiles)),
+    ]
+
+
+def test_tasks_of_a_stopped_run_do_not_reach_the_next_one(client, tmp_path):
+    parts = np.array_split(POINTS, 3)
+    stopped = tmp_path / "stopped"
+
+    def slow(i):
+        while i == 0 and not stopped.exists():
+            time.sleep(0.01)
+        time.sleep(0.5 if i == 0 else 0)
+        return parts[i] + 7
+
+    def stop(*_):
+        stopped.touch()
+        raise KeyboardInterrupt
+
+    with pytest.raises(KeyboardInterrupt):
+        triangulate(slow, tmp_path / "m", client=client, num_chunks=3, tile_size=400, progress=stop)
+    assert not (tmp_path / "m").exists()
+    mesh = triangulate(
+        parts.__getitem__, tmp_path / "m", client=client, num_chunks=3, tile_size=400, count_edges=True
+    )
+    expect_same(mesh, POINTS)
+    expect_only_a_mesh(tmp_path / "m", mesh)
+
+
+@pytest.mark.parametrize(("tile_size", "num"), [(20, 3), (2000, 400)])
+def test_more_tiles_and_chunks_than_files_may_be_open(tile_size, num, client, tmp_path):
+    resource = pytest.importorskip("resource")
+    limits = resource.getrlimit(resource.RLIMIT_NOFILE)
+    read, num = chunks(POINTS, num)
+    resource.setrlimit(resource.RLIMIT_NOFILE, (256, limits[1]))
+    try:
+        mesh = triangulate(
+            read, tmp_path / "m", client=client, num_chunks=num, tile_size=tile_size, count_edges=True
+        )
+    finally:
+        resource.setrlimit(resource.RLIMIT_NOFILE, limits)
+    expect_same(mesh, POINTS)
 
 
 def write_las(path, points):
@@ -152,7 +199,11 @@ def test_points_come_from_arrays_and_from_files(client, tmp_path):
         for i, source in enumerate(sources)
     ]
     assert len({mesh.checksum() for mesh in meshes}) == 1
-    two = triangulate([paths[3], paths[0]], tmp_path / "two", client=client, tile_size=1000, count_edges=True)
+    empty = [tmp_path / f"empty.{suffix}" for suffix in ("npy", "parquet", "las")]
+    np.save(empty[0], np.empty((0, 3)))
+    pyarrow.parquet.write_table(table.slice(0, 0), empty[1])
+    laspy.LasData(laspy.LasHeader()).write(empty[2])
+    two = triangulate([*empty, paths[3], paths[0]], tmp_path / "two", client=client, tile_size=1000, count_edges=True)
     expect_same(two, np.concatenate([rounded, POINTS]))
 
 
@@ -197,7 +248,7 @@ def test_the_first_lines_of_the_document_make_a_mesh_by_processes_of_their_own(t
     )
     assert result.returncode == 0, result.stderr
     assert result.stdout.split()[::2] == [str(one.nsimplex), str(len(POINTS) - len(np.unique(one.vertex_of_point)))]
-    assert open_mesh(tmp_path / "terrain.mesh").checksum() == f"{tetrahedra_checksum(one.simplices):016x}"
+    assert open_mesh(tmp_path / "terrain.mesh").checksum() == tetrahedra_checksum(one.simplices)
     assert (tmp_path / "terrain.vtu" / "mesh.pvtu").exists()
 
 

@@ -15,6 +15,22 @@ import numpy.typing as npt
 Array = npt.NDArray[Any]
 
 
+def needs(error: ImportError, what: str) -> ImportError:
+    """Return an error that says what to install."""
+    return ImportError(f"{what} needs {error.name}: pip install {error.name}")
+
+
+def allow_many_open_files() -> None:
+    """Raise the limit of this process as far as it may: a file in memory counts as open, and a tile maps all others'."""
+    try:
+        import resource
+    except ImportError:  # where there is no such limit
+        return
+    soft, hard = resource.getrlimit(resource.RLIMIT_NOFILE)
+    if soft != hard:
+        resource.setrlimit(resource.RLIMIT_NOFILE, (hard, hard))
+
+
 def write(path: Path, contents: Callable[[IO[bytes]], object]) -> None:
     """Write a file under another name and rename it at the end: the same task may run twice at a time."""
     unfinished = path.with_name(f"{path.name}.{uuid.uuid4().hex}.part")
@@ -47,6 +63,11 @@ class Scratch:
         except ValueError:  # an empty array cannot be mapped
             array = np.load(path)
         return array
+
+    def expect(self) -> None:
+        """Raise an error when the work has been stopped: then the folder is gone."""
+        if not self.folder.exists():
+            raise FileNotFoundError(f"{self.folder} is gone: the work was stopped")
 
     def remove(self, *names: str) -> None:
         for name in names:

@@ -27,7 +27,7 @@ INDEX = "mesh.json"
 _FORMAT = 1
 
 
-@dataclass(frozen=True)
+@dataclass(frozen=True, eq=False)
 class Tile:
     """The tetrahedra of one tile, with all that is needed to work on them alone.
 
@@ -163,7 +163,7 @@ class TiledMesh:
     """
 
     def __init__(self, folder: AnyPath) -> None:
-        self.folder = Path(folder)
+        self.folder = Path(folder).absolute()
         try:
             index = json.loads((self.folder / INDEX).read_text(encoding="utf-8"))
         except FileNotFoundError:
@@ -227,7 +227,7 @@ class TiledMesh:
 
     @property
     def hull_volume(self) -> float:
-        """The volume within the triangles of the hull, for comparison."""
+        """The volume within the triangles of the hull, for comparison; each part reaches from the middle of the box."""
         return sum(tile.hull_volume for tile in self.tiles)
 
     @property
@@ -253,7 +253,7 @@ class TiledMesh:
         return self.ntiles
 
     def map_tiles(self, function: Callable[[Tile], Result], *, client: Client | None = None) -> list[Result]:
-        """Return function(tile) of each tile: here one after another, or by the workers of a Dask client."""
+        """Return function(tile) of each tile: by the workers of a client, or without one here, one after another."""
         if client is None:
             return [function(tile) for tile in self]
         paths = [self.folder / TileInfo.file_name(number) for number in range(self.ntiles)]
@@ -273,17 +273,13 @@ class TiledMesh:
         parts = self.map_tiles(partial(_quality_histogram, edges), client=client)
         return np.sum(parts, axis=0), edges
 
-    def checksum(self, *, client: Client | None = None) -> str:
-        """Return a checksum of all tetrahedra by input indices, as 16 hexadecimal digits.
-
-        It is that of `tetrahedra_checksum`, and depends on nothing but the mesh.
-        """
-        total = sum(self.map_tiles(_checksum_of, client=client))
-        return f"{total % (1 << 64):016x}"
+    def checksum(self, *, client: Client | None = None) -> int:
+        """Return the `tetrahedra_checksum` of all tetrahedra by input indices, whatever the tiles."""
+        return sum(self.map_tiles(_checksum_of, client=client)) % (1 << 64)
 
     def write_vtu(self, folder: AnyPath, *, client: Client | None = None) -> Path:
         """Write each tile as a `.vtu` with zlib, and `mesh.pvtu`, which ParaView opens. Needs meshio."""
-        target = Path(folder)
+        target = Path(folder).absolute()
         target.mkdir(parents=True, exist_ok=True)
         paths = [self.folder / TileInfo.file_name(number) for number in range(self.ntiles)]
         if client is None:
@@ -339,8 +335,10 @@ def _quality_histogram(edges: FloatArray, tile: Tile) -> Int64Array:
 
 
 def _write_vtu(path: Path, folder: Path) -> None:
-    import meshio
-
+    try:
+        import meshio
+    except ImportError as error:
+        raise _files.needs(error, "writing .vtu files") from None
     tile = Tile.load(path)
     mesh = meshio.Mesh(
         tile.points, {"tetra": tile.simplices}, point_data={"index": tile.index}

@@ -12,6 +12,8 @@ from typing import Any, Union, cast
 import numpy as np
 import numpy.typing as npt
 
+from ._files import needs
+
 AnyPath = Union[str, "PathLike[str]"]
 
 
@@ -32,7 +34,7 @@ def chunks_of(points: Any, num_chunks: int | None, chunk_size: int) -> list[Any]
         return [Chunk(f"chunk {i}", _Call(function, i)) for i in range(num_chunks)]
     if num_chunks is not None:
         raise TypeError("num_chunks goes with a function of a chunk's number")
-    if hasattr(points, "to_delayed"):
+    if hasattr(points, "to_delayed") and hasattr(points, "rechunk"):
         return _chunks_of_dask_array(points)
     if isinstance(points, (str, PathLike)):
         points = [points]
@@ -80,18 +82,18 @@ class _Rows:
 
 
 def _chunks_of_file(path: AnyPath, chunk_size: int) -> Iterator[Chunk]:
-    name = fspath(path)
+    name = fspath(Path(path).absolute())
     suffix = Path(name).suffix.lower()
     if suffix not in _FORMATS:
         raise ValueError(f"{name}: files of points are {', '.join(sorted(_FORMATS))}; others by a function")
     count, reader = _FORMATS[suffix]
     try:
         num_points = count(name)
-    except ImportError:
-        raise
+    except ImportError as error:
+        raise needs(error, f"reading {suffix} files") from None
     except Exception as error:
         raise ValueError(f"{name} cannot be read: {error}") from error
-    for first in range(0, max(num_points, 1), chunk_size):
+    for first in range(0, num_points, chunk_size):
         last = min(first + chunk_size, num_points)
         yield Chunk(f"{name}, points {first} to {last}", _Rows(reader, name, first, last))
 

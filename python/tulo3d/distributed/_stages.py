@@ -9,7 +9,6 @@ from __future__ import annotations
 
 from bisect import bisect_left
 from dataclasses import dataclass
-from pathlib import Path
 from typing import Any
 
 import numpy as np
@@ -27,7 +26,7 @@ Splitter = tuple[int, float, float, float]
 
 Positions = npt.NDArray[np.uint32]
 
-_SAMPLES_PER_CHUNK = 2000
+SAMPLES_PER_TILE = 200
 
 
 @dataclass(frozen=True)
@@ -59,11 +58,11 @@ class Layout:
 
     @property
     def first_places(self) -> Int64Array:
-        return _sums(np.array(self.sizes, dtype=np.int64))
+        return sums(np.array(self.sizes, dtype=np.int64))
 
     @property
     def first_positions(self) -> Int64Array:
-        return _sums(-(-np.array(self.sizes, dtype=np.int64) // _core.BLOCK) * _core.BLOCK)
+        return sums(-(-np.array(self.sizes, dtype=np.int64) // _core.BLOCK) * _core.BLOCK)
 
     def tile_of(self, positions: Positions) -> Int64Array:
         return np.searchsorted(self.first_positions, positions, side="right") - 1
@@ -73,7 +72,7 @@ class Layout:
         return [tile for tile, (first, last) in enumerate(self.keys) if first <= key <= last]
 
 
-def _sums(counts: Int64Array) -> Int64Array:
+def sums(counts: Int64Array) -> Int64Array:
     """Return what comes before each, and the sum of all at the end."""
     sums: Int64Array = np.concatenate([np.zeros(1, dtype=np.int64), np.cumsum(counts)])
     return sums
@@ -83,7 +82,7 @@ def read(scratch: Scratch, number: int, chunk: Chunk) -> ChunkInfo:
     """Read a chunk, check it, and keep it."""
     try:
         points = as_points(chunk.read())
-    except ImportError:
+    except (ImportError, MemoryError):
         raise
     except Exception as error:
         raise ValueError(f"{chunk.name}: {error}") from error
@@ -94,7 +93,16 @@ def read(scratch: Scratch, number: int, chunk: Chunk) -> ChunkInfo:
     return ChunkInfo(len(points), low, high, _core.may_underflow(points))
 
 
-def sort(scratch: Scratch, number: int, corners: FloatArray) -> list[Splitter]:
+@dataclass(frozen=True)
+class Samples:
+    """Points of a sorted chunk that stand for so many others each."""
+
+    keys: npt.NDArray[np.uint32]
+    points: FloatArray
+    weight: float
+
+
+def sort(scratch: Scratch, number: int, corners: FloatArray, step: int) -> Samples:
     """Sort a chunk along the curve, and return every so many-th of its points."""
     points = np.ascontiguousarray(scratch.load("chunk", number))
     order, keys = _core.curve_order(points, corners)
@@ -102,22 +110,28 @@ def sort(scratch: Scratch, number: int, corners: FloatArray) -> list[Splitter]:
     scratch.save("sorted", number, points)
     scratch.save("sortedkeys", number, keys)
     scratch.save("sortedindex", number, order)
-    some = slice(None, None, max(1, len(points) // _SAMPLES_PER_CHUNK))
-    return [(key, x, y, z) for key, (x, y, z) in zip(keys[some].tolist(), points[some].tolist())]
+    some = slice(None, None, step)
+    return Samples(keys[some].copy(), points[some].copy(), len(points) / max(len(points[some]), 1))
 
 
-def choose_splitters(samples: list[tuple[float, list[Splitter]]], num_tiles: int) -> list[Splitter]:
-    """Choose where tiles begin, from samples that stand for so many points each; whole cells if possible."""
-    weighted = sorted((splitter, weight) for weight, part in samples for splitter in part)
-    total = sum(weight for _, weight in weighted)
+def choose_splitters(samples: list[Samples], num_tiles: int) -> list[Splitter]:
+    """Choose where tiles begin; with whole cells of the curve if possible."""
+    keys = np.concatenate([part.keys for part in samples])
+    points = np.concatenate([part.points for part in samples])
+    weights = np.repeat([part.weight for part in samples], [len(part.keys) for part in samples])
+    order = np.lexsort((points[:, 2], points[:, 1], points[:, 0], keys))
+    keys, points, weights = keys[order], points[order], weights[order]
+    before = np.cumsum(weights) - weights
     splitters: list[Splitter] = [(0, -np.inf, -np.inf, -np.inf)]
-    lowest, before = weighted[0][0], 0.0  # the lowest sample of the last tile: so none is empty
-    for splitter, weight in weighted:
-        if before >= len(splitters) * total / num_tiles and splitter > lowest:
+    lowest: Splitter = (int(keys[0]), *points[0].tolist())  # sample of the last tile: so none is empty
+    for i in range(len(keys)):
+        if before[i] < len(splitters) * (before[-1] + weights[-1]) / num_tiles:
+            continue
+        splitter: Splitter = (int(keys[i]), *points[i].tolist())
+        if splitter > lowest:
             in_new_cell = splitter[0] > lowest[0]
             splitters.append((splitter[0], -np.inf, -np.inf, -np.inf) if in_new_cell else splitter)
             lowest = splitter
-        before += weight
     return splitters
 
 
@@ -140,7 +154,7 @@ def collect(
         keys, points = scratch.load("sortedkeys", chunk), scratch.load("sorted", chunk)
         first = _place_in(keys, points, splitters[tile])
         last = _place_in(keys, points, splitters[tile + 1]) if tile + 1 < len(splitters) else len(keys)
-        parts.append(points[first:last])
+        parts.append(np.array(points[first:last]))  # a copy, so that the file is closed
         indices.append(scratch.load("sortedindex", chunk)[first:last] + first_index)
     points, index = np.concatenate(parts), np.concatenate(indices)
     order, keys = _core.curve_order(points, corners)
@@ -251,13 +265,14 @@ def mesh(
     scratch: Scratch, tile: int, layout: Layout, lowest: Positions, count_edges: bool
 ) -> TileMesh:
     """Make the tetrahedra that the points of a tile own."""
+    _files.allow_many_open_files()
     points, ranks, boxes = (
         [scratch.load(name, other) for other in range(len(layout.sizes))]
         for name in ("points", "ranks", "boxes")
     )
     tiles = _core.Tiles(points, ranks, boxes, lowest, layout.may_underflow)
     first_of_owner, corners, neighbors, links, checksums, received, rounds, edges = (
-        tiles.triangulate(tile, count_edges)
+        tiles.triangulate(tile, count_edges, lambda *_: scratch.expect())
     )
     links = links.reshape(-1, 9)
     destinations = layout.tile_of(links[:, 0])
@@ -275,14 +290,13 @@ def mesh(
 
 def finish(
     scratch: Scratch,
-    folder: Path,
     tile: int,
     layout: Layout,
     first_tets: Int64Array,
     sources: list[int],
     origin: FloatArray,
 ) -> TileInfo:
-    """Link a tile to the others, and write its file."""
+    """Link a tile to the others, and write its file beside the scratch ones."""
     neighbors = _link(scratch, tile, layout, first_tets, sources)
     first = int(layout.first_positions[tile])
     own = scratch.load("points", tile)
@@ -307,7 +321,7 @@ def finish(
         duplicates=np.array(scratch.load("duplicates", tile)),
     )
     info = TileInfo.of(result, origin)
-    _files.write(folder / info.file_name(tile), result.save)
+    _files.write(scratch.folder / info.file_name(tile), result.save)
     return info
 
 

@@ -3,12 +3,15 @@
 
 from __future__ import annotations
 
+import os
 import shutil
+import sys
 import time
-from collections.abc import Callable, Iterator
-from contextlib import contextmanager
+import uuid
+from collections.abc import Callable, Iterable, Iterator
+from contextlib import contextmanager, suppress
 from pathlib import Path
-from typing import TYPE_CHECKING, Any
+from typing import TYPE_CHECKING, Any, Literal
 
 import numpy as np
 
@@ -16,7 +19,7 @@ from .. import _core
 from .._input import FlatError, FloatArray, Int64Array
 from . import _stages
 from ._files import Scratch
-from ._mesh import INDEX, Statistics, TiledMesh
+from ._mesh import Statistics, TiledMesh, TileInfo
 from ._sources import AnyPath, chunks_of
 
 if TYPE_CHECKING:
@@ -35,7 +38,7 @@ def triangulate(
     tile_size: int = 1_000_000,
     num_chunks: int | None = None,
     count_edges: bool = False,
-    progress: Progress | None = None,
+    progress: Progress | Literal[True] | None = None,
 ) -> TiledMesh:
     """Make the mesh of points that need not fit into one memory.
 
@@ -52,7 +55,8 @@ def triangulate(
         Where the mesh goes, with scratch files in the meantime; all workers see it under this path. It is new or
         empty.
     client : distributed.Client, optional
-        Whose workers do it; None starts a cluster on this machine, one process a core.
+        Whose workers do it. None stands for the current client, and if there is none, for a cluster on this machine,
+        one process a core, which ends with the work.
     tile_size : int, optional
         About so many points a tile.
     num_chunks : int, optional
@@ -60,7 +64,7 @@ def triangulate(
     count_edges : bool, optional
         Count the edges of the mesh, too, for `TiledMesh.euler_characteristic`.
     progress : callable, optional
-        Called as ``progress(stage, num_done, num_tasks)``; an exception that it raises ends the work.
+        Called as ``progress(stage, num_done, num_tasks)``; an exception that it raises ends the work. True shows a bar.
 
     Returns
     -------
@@ -77,48 +81,59 @@ def triangulate(
 
     Notes
     -----
-    After an exception the folder is as it was. A worker that dies costs the time of its tasks: they are done again by
-    others.
+    After an exception the folder is as it was. A worker that dies costs the time of the tasks that it was at, and those are
+    done again by others. Where the caller itself is killed, a folder ``scratch-...`` is left to be removed.
     """
     if tile_size < 1:
         raise ValueError(f"tile_size is positive, not {tile_size}")
     target = Path(folder).absolute()
     chunks = chunks_of(points, num_chunks, tile_size)
-    with _new_folder(target), _workers(client) as workers:
-        scratch_folder = target / "scratch"
-        scratch_folder.mkdir()
-        _Work(workers, Scratch(scratch_folder), target, progress).run(chunks, tile_size, count_edges)
-        shutil.rmtree(scratch_folder)
+    report = _bar if progress is True else progress
+    with _scratch_in(target) as scratch, _workers(client) as workers:
+        _Work(workers, scratch, target, report).run(chunks, tile_size, count_edges)
     return TiledMesh(target)
 
 
+def _bar(stage: str, num_done: int, num_tasks: int) -> None:
+    width = 40
+    filled = "#" * (width * num_done // num_tasks)
+    end = "\n" if num_done == num_tasks else ""
+    print(f"\r{stage:20} [{filled:{width}}] {num_done}/{num_tasks}", end=end, file=sys.stderr, flush=True)
+
+
 @contextmanager
-def _new_folder(folder: Path) -> Iterator[None]:
-    """Leave nothing behind after an exception."""
+def _scratch_in(folder: Path) -> Iterator[Scratch]:
+    """Make a folder, and in it one for scratch files whose name no other run has: tasks of one that was stopped
+    may still be at work."""
     existed = folder.exists()
     if existed and (not folder.is_dir() or any(folder.iterdir())):
         raise FileExistsError(f"{folder} is not an empty folder")
-    folder.mkdir(parents=True, exist_ok=True)
+    scratch = folder / f"scratch-{uuid.uuid4().hex}"
+    scratch.mkdir(parents=True)
     try:
-        yield
-    except BaseException:
+        yield Scratch(scratch)
+    finally:
         for _ in range(100):  # tasks that have been cancelled may be at their last file
-            shutil.rmtree(folder, ignore_errors=True)
-            if not folder.exists():
+            shutil.rmtree(scratch, ignore_errors=True)
+            if not scratch.exists():
                 break
             time.sleep(0.1)
-        if existed:
-            folder.mkdir(exist_ok=True)
-        raise
+        if not existed and not any(folder.iterdir()):
+            folder.rmdir()
 
 
 @contextmanager
 def _workers(client: Client | None) -> Iterator[Client]:
+    try:
+        from distributed import Client, LocalCluster, default_client
+    except ImportError:
+        raise ImportError('this needs Dask: pip install "tulo3d[distributed]"') from None
+    if client is None:
+        with suppress(ValueError):  # there is none
+            client = default_client()
     if client is not None:
         yield client
         return
-    from distributed import Client, LocalCluster
-
     with (
         LocalCluster(threads_per_worker=1, dashboard_address=":0") as cluster,
         Client(cluster) as own,
@@ -138,11 +153,11 @@ class _Work:
         self.progress = progress
         self.seconds: dict[str, float] = {}
 
-    def _each(self, function: Callable[..., Any], numbers: range, *arguments: Any) -> list[Any]:
-        """Return function(scratch, number, *arguments) of each number."""
+    def _each(self, function: Callable[..., Any], arguments: Iterable[tuple[Any, ...]]) -> list[Any]:
+        """Return function(scratch, *arguments) for each of the arguments."""
         tasks = [
-            self.client.submit(function, self.scratch, number, *arguments, pure=False)
-            for number in numbers
+            self.client.submit(function, self.scratch, *each, pure=False, retries=2)
+            for each in arguments
         ]
         return self._results(function.__name__, tasks)
 
@@ -150,12 +165,14 @@ class _Work:
         from distributed import as_completed
 
         begin = time.perf_counter()
+        results: list[Any] = [None] * len(tasks)
+        place = {task.key: i for i, task in enumerate(tasks)}
         try:
-            for number, task in enumerate(as_completed(tasks), 1):
-                task.result()  # the first failure ends it
+            for num_done, task in enumerate(as_completed(tasks), 1):
+                results[place[task.key]] = task.result()  # the first failure ends it
+                task.release()  # what is known here is not done again when its worker dies
                 if self.progress is not None:
-                    self.progress(stage, number, len(tasks))
-            results: list[Any] = self.client.gather(tasks)
+                    self.progress(stage, num_done, len(tasks))
         except BaseException:
             self.client.cancel(tasks, force=True)
             raise
@@ -176,14 +193,14 @@ class _Work:
         high = np.max([info.high for info in chunk_infos], axis=0)
         corners = np.array([low, high])
 
-        samples = self._each(_stages.sort, range(len(chunks)), corners)
-        scratch.remove("chunk")
-        weighted = [(size / max(len(part), 1), part) for size, part in zip(sizes, samples)]
         num_tiles = max(1, round(num_points / tile_size))
-        splitters = _stages.choose_splitters(weighted, num_tiles)
-        first_indices = _stages._sums(sizes)
+        step = max(1, num_points // (num_tiles * _stages.SAMPLES_PER_TILE))
+        samples = self._each(_stages.sort, ((i, corners, step) for i in range(len(chunks))))
+        scratch.remove("chunk")
+        splitters = _stages.choose_splitters(samples, num_tiles)
+        first_indices = _stages.sums(sizes)
         found = self._each(
-            _stages.collect, range(len(splitters)), corners, first_indices, splitters
+            _stages.collect, ((i, corners, first_indices, splitters) for i in range(len(splitters)))
         )
         scratch.remove("sorted", "sortedkeys", "sortedindex")
         layout = _stages.Layout(
@@ -193,12 +210,15 @@ class _Work:
             any(info.may_underflow for info in chunk_infos),
         )
         tiles = range(len(found))
-        lowest = self._rank(layout, tiles)
+        lowest = self._rank(layout, tiles, num_points)
 
-        meshes = self._each(_stages.mesh, tiles, layout, lowest, count_edges)
+        meshes = self._each(_stages.mesh, ((i, layout, lowest, count_edges) for i in tiles))
         self._expect_agreement(meshes)
-        first_tets = _stages._sums(np.array([mesh.num_tets for mesh in meshes], dtype=np.int64))
+        first_tets = _stages.sums(np.array([mesh.num_tets for mesh in meshes], dtype=np.int64))
         infos = self._finish(layout, meshes, first_tets, low / 2 + high / 2)
+        for i in tiles:
+            name = TileInfo.file_name(i)
+            os.replace(scratch.folder / name, self.folder / name)
         statistics = Statistics(
             sum(mesh.num_received for mesh in meshes),
             max(mesh.num_rounds for mesh in meshes),
@@ -214,26 +234,20 @@ class _Work:
         if chunks and isinstance(chunks[0], Delayed):
             read = delayed(_stages.read, pure=False)
             tasks = self.client.compute([read(self.scratch, i, chunk) for i, chunk in enumerate(chunks)])
-        else:
-            tasks = [
-                self.client.submit(_stages.read, self.scratch, i, chunk, pure=False)
-                for i, chunk in enumerate(chunks)
-            ]
-        return self._results("read", tasks)
+            return self._results("read", tasks)
+        return self._each(_stages.read, enumerate(chunks))
 
-    def _rank(self, layout: _stages.Layout, tiles: range) -> _stages.Positions:
+    def _rank(self, layout: _stages.Layout, tiles: range, num_points: int) -> _stages.Positions:
         """Rank all vertices, and return the positions of the lowest."""
         four = _stages.first_four(self.scratch, len(tiles))
         if len(four) < 4:
-            raise FlatError(f"all {sum(layout.sizes)} points are in one plane: no tetrahedra")
-        places_of_four: list[int] = []
-        for tile in {tile: None for tile, _ in four}:
-            places = [place for other, place in four if other == tile]
-            task = self.client.submit(
-                _stages.insertion_places_of, self.scratch, tile, places, layout, pure=False
-            )
-            places_of_four += task.result()
-        lowest = self._each(_stages.rank, tiles, layout, four, places_of_four)
+            raise FlatError(f"all {num_points} points are in one plane: no tetrahedra")
+        wanted = {tile: [place for other, place in four if other == tile] for tile, _ in four}
+        places = self._each(
+            _stages.insertion_places_of, ((tile, places, layout) for tile, places in wanted.items())
+        )
+        places_of_four = [place for part in places for place in part]
+        lowest = self._each(_stages.rank, ((i, layout, four, places_of_four) for i in tiles))
         ordered = sorted(pair for part in lowest for pair in part)
         return np.array([position for _, position in ordered], dtype=np.uint32)
 
@@ -256,18 +270,7 @@ class _Work:
         for source, mesh in enumerate(meshes):
             for destination in mesh.destinations:
                 sources[destination].append(source)
-        tasks = [
-            self.client.submit(
-                _stages.finish,
-                self.scratch,
-                self.folder,
-                tile,
-                layout,
-                first_tets,
-                sources[tile],
-                origin,
-                pure=False,
-            )
-            for tile in range(len(meshes))
-        ]
-        return self._results("finish", tasks)
+        return self._each(
+            _stages.finish,
+            ((i, layout, first_tets, sources[i], origin) for i in range(len(meshes))),
+        )
