@@ -156,8 +156,13 @@ def test_tasks_of_a_stopped_run_do_not_reach_the_next_one(client, tmp_path):
     with pytest.raises(KeyboardInterrupt):
         triangulate(slow, tmp_path / "m", client=client, num_chunks=3, tile_size=400, progress=stop)
     assert not (tmp_path / "m").exists()
+
+    def last_is_late(i):
+        time.sleep(1 if i == 2 else 0)
+        return parts[i]
+
     mesh = triangulate(
-        parts.__getitem__, tmp_path / "m", client=client, num_chunks=3, tile_size=400, count_edges=True
+        last_is_late, tmp_path / "m", client=client, num_chunks=3, tile_size=400, count_edges=True
     )
     expect_same(mesh, POINTS)
     expect_only_a_mesh(tmp_path / "m", mesh)
