@@ -44,4 +44,14 @@ TULO3D_API ParallelMesh triangulateInParallel(const double* pCoordinates, std::s
     unsigned numThreads = 0,
     const std::function<bool(std::size_t, std::size_t)>& progress = nullptr);
 
+/// True when across every facet the neighbour's opposite vertex lies on the far side and not inside the circumsphere,
+/// as `Tulo_3D::checkValidity` tests it; false also where numbers of vertices and neighbours do not fit together.
+/// Prints nothing.
+///
+/// `pCoordinates` are x, y, z of each vertex: those of the points of which the mesh was made, without the repeated
+/// ones. Of `numThreads` threads one is the caller's; 0 stands for as many as the machine has. Throws
+/// `std::bad_alloc` without memory.
+TULO3D_API bool isDelaunay(
+    const ParallelMesh& mesh, const double* pCoordinates, unsigned numThreads = 0);
+
 } // namespace TULO3D

@@ -121,12 +121,22 @@ void expectSameArrays(const ParallelMesh& a, const ParallelMesh& b)
 	EXPECT_TRUE(std::equal(&a.tetOfVertex[0], &a.tetOfVertex[a.numVertices], &b.tetOfVertex[0]));
 }
 
+/// x, y, z of each vertex.
+std::vector<double> coordinatesOf(const Cloud& cloud, const ParallelMesh& mesh)
+{
+	Cloud vertices(mesh.numVertices);
+	for (std::size_t i = 0; i < cloud.size(); ++i)
+		vertices[std::size_t(mesh.vertexOfPoint[i])] = cloud[i];
+	return coordinatesOf(vertices);
+}
+
 void expectTilesToMakeOneMesh(const Cloud& cloud, const std::vector<std::size_t>& counts)
 {
 	const Reference reference(cloud);
 	const std::vector<double> coordinates = coordinatesOf(cloud);
 	const ParallelMesh first = triangulateInTiles(coordinates.data(), cloud.size(), 1, 1);
 	expectSame(first, reference);
+	EXPECT_TRUE(isDelaunay(first, coordinatesOf(cloud, first).data(), 2));
 	for (const std::size_t numTiles : counts) {
 		if (testing::Test::HasFatalFailure()) return;
 		SCOPED_TRACE(std::to_string(cloud.size()) + " points, tiles: " + std::to_string(numTiles));
@@ -227,6 +237,49 @@ TEST(TilesAtOnce, TakeAHardStopInAThreadToTheCallerAsAnException)
 	    inParallel(8, 3, [](std::size_t) { printAndStop(StopReason::kOutOfMemory, "no memory"); }),
 	    std::bad_alloc);
 	EXPECT_EQ(setStopHandler(nullptr), nullptr); // that of the caller is back
+}
+
+TEST(TilesAtOnce, AreFoundToBeDamagedWhereverItIs)
+{
+	// Of tetrahedron t, which is not on the hull.
+	void (*const damages[])(ParallelMesh&, std::size_t t, std::vector<double> & coordinates) = {
+	    [](auto& mesh, auto t, auto&) { std::swap(mesh.corners[4 * t], mesh.corners[4 * t + 1]); },
+	    [](auto& mesh, auto t, auto& xyz) { xyz[3 * std::size_t(mesh.corners[4 * t])] += 0.5; },
+	    [](auto& mesh, auto t, auto&) { mesh.corners[4 * t + 2] = mesh.corners[4 * t + 1]; },
+	    [](auto& mesh, auto t, auto&) { mesh.corners[4 * t + 2] = int(mesh.numVertices); },
+	    [](auto& mesh, auto t, auto&) { mesh.corners[4 * t + 3] = -1; },
+	    [](auto& mesh, auto t, auto&) { mesh.neighbours[4 * t] = mesh.neighbours[4 * t + 1]; },
+	    [](auto& mesh, auto t, auto&) { mesh.neighbours[4 * t] = -1; },
+	    [](auto& mesh, auto t, auto&) { mesh.neighbours[4 * t + 2] = int(mesh.numTets); },
+	    [](auto& mesh, auto t, auto&) { mesh.neighbours[4 * t + 3] = -2; },
+	};
+	const Cloud cloud = points::make("Uniform", 12000);
+	for (const auto& damage : damages) {
+		for (const bool bFirst : {true, false}) {
+			std::vector<double> coordinates = coordinatesOf(cloud);
+			ParallelMesh mesh = triangulateInParallel(coordinates.data(), cloud.size(), 2);
+			const auto isInside = [&](std::size_t t) {
+				const std::int32_t* const pRow = &mesh.neighbours[4 * t];
+				return std::count(pRow, pRow + 4, -1) == 0;
+			};
+			std::size_t t = bFirst ? 0 : mesh.numTets - 1;
+			while (!isInside(t)) bFirst ? ++t : --t;
+			damage(mesh, t, coordinates);
+			EXPECT_FALSE(isDelaunay(mesh, coordinates.data(), 3))
+			    << "damage " << &damage - damages << ", tetrahedron " << t;
+		}
+	}
+
+	// Two tetrahedra. The last vertex moves into the sphere of the other one, but not across their facet; and then
+	// across the facet, but not into the sphere.
+	std::vector<double> five = {0, 0, 0, 1, 0, 0, 0, 1, 0, 0, 0, 1, 0.3, 0.3, -5};
+	const ParallelMesh two = triangulateInParallel(five.data(), 5);
+	EXPECT_EQ(two.numTets, 2U);
+	EXPECT_TRUE(isDelaunay(two, five.data()));
+	for (const double z : {-0.01, 5.0}) {
+		five.back() = z;
+		EXPECT_FALSE(isDelaunay(two, five.data())) << z;
+	}
 }
 
 TEST(TilesAtOnce, TellHowFarTheyAreAndStopWhenToldTo)
