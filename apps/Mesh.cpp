@@ -30,29 +30,29 @@ std::size_t placeIn(const std::int32_t* pRow, std::int32_t number)
 }
 
 // True when neighbour i of the tetrahedron names it in turn, and has its corners but for corner i.
-bool isLinked(const Numbers& vCorners, const Numbers& vNeighbours, std::size_t tet, std::size_t i)
+bool isLinked(const TetArrays& arrays, std::size_t num, std::size_t tet, std::size_t i)
 {
-	const auto neigh = 4 * static_cast<std::size_t>(vNeighbours[4 * tet + i]);
-	if (neigh >= vNeighbours.size()) return false;
+	const auto neigh = static_cast<std::size_t>(arrays.pNeighbours[4 * tet + i]);
+	if (neigh >= num) return false;
 	const auto number = static_cast<std::int32_t>(tet);
-	const auto back = placeIn(&vNeighbours[neigh], number);
-	return vNeighbours[neigh + back] == number &&
-	    facetKey(&vCorners[4 * tet], i) == facetKey(&vCorners[neigh], back);
+	const std::int32_t* const pRow = arrays.pNeighbours + 4 * neigh;
+	const auto back = placeIn(pRow, number);
+	return pRow[back] == number &&
+	    facetKey(arrays.pCorners + 4 * tet, i) == facetKey(arrays.pCorners + 4 * neigh, back);
 }
 
 const char* findBrokenRecord(const Mesh& mesh)
 {
-	Numbers vTetOfVertex(mesh.numVertices());
-	Numbers vCorners(4 * mesh.numTets()), vNeighbours(vCorners.size());
-	mesh.triangulation.copyTo({nullptr, vTetOfVertex.data(), vCorners.data(), vNeighbours.data()});
-	for (std::size_t vertex = 0; vertex < vTetOfVertex.size(); ++vertex) {
-		const auto tet = 4 * static_cast<std::size_t>(vTetOfVertex[vertex]);
-		if (tet >= vCorners.size() ||
-		    !std::count(&vCorners[tet], &vCorners[tet] + 4, static_cast<std::int32_t>(vertex)))
+	const TetArrays arrays(mesh, true);
+	const std::size_t num = mesh.numTets();
+	for (std::size_t vertex = 0; vertex < mesh.numVertices(); ++vertex) {
+		const auto tet = static_cast<std::size_t>(arrays.pTetOfVertex[vertex]);
+		const std::int32_t* const pRow = arrays.pCorners + 4 * tet;
+		if (tet >= num || !std::count(pRow, pRow + 4, static_cast<std::int32_t>(vertex)))
 			return "a vertex does not know a tetrahedron that has it";
 	}
-	for (std::size_t i = 0; i < vNeighbours.size(); ++i)
-		if (vNeighbours[i] != -1 && !isLinked(vCorners, vNeighbours, i / 4, i % 4))
+	for (std::size_t i = 0; i < 4 * num; ++i)
+		if (arrays.pNeighbours[i] != -1 && !isLinked(arrays, num, i / 4, i % 4))
 			return "two neighbours do not know each other";
 	return nullptr;
 }
@@ -110,13 +110,24 @@ bool holdsEuler(const Mesh& mesh)
 	return mesh.numVertices() + mesh.numFacets() == 1 + numEdges(mesh) + mesh.numTets();
 }
 
+void addHull(Mesh& mesh)
+{
+	forEachTet(mesh, [&](const std::int32_t* pCorners, const std::int32_t* pNeighbours) {
+		for (int i = 0; i < 4; ++i) {
+			if (pNeighbours[i] != -1) continue;
+			for (const auto corner : kOutside[i]) mesh.vHullCorners.push_back(pCorners[corner]);
+		}
+	});
+}
+
 } // namespace
 
-Mesh makeMesh(TULO3D::Tulo_3D& triangulation, const std::vector<TULO3D::Point3*>& vHandles)
+Mesh makeMesh(TULO3D::Tulo_3D& engine, const std::vector<TULO3D::Point3*>& vHandles)
 {
-	Mesh mesh{triangulation, {}, {}, {}, {}};
-	mesh.vCoordinates.reserve(3 * triangulation.getNumVertices());
-	mesh.vFirstInput.reserve(triangulation.getNumVertices());
+	Mesh mesh;
+	mesh.pEngine = &engine;
+	mesh.vCoordinates.reserve(3 * engine.getNumVertices());
+	mesh.vFirstInput.reserve(engine.getNumVertices());
 	for (std::size_t i = 0; i < vHandles.size(); ++i) {
 		const TULO3D::Point3& vertex = *vHandles[i];
 		// The next number comes up with the first point of its vertex.
@@ -126,13 +137,49 @@ Mesh makeMesh(TULO3D::Tulo_3D& triangulation, const std::vector<TULO3D::Point3*>
 	}
 	if (mesh.numVertices() < vHandles.size())
 		for (const auto* pVertex : vHandles) mesh.vVertexOfInput.push_back(pVertex->getNumber());
-	forEachTet(mesh, [&](const std::int32_t* pCorners, const std::int32_t* pNeighbours) {
-		for (int i = 0; i < 4; ++i) {
-			if (pNeighbours[i] != -1) continue;
-			for (const auto corner : kOutside[i]) mesh.vHullCorners.push_back(pCorners[corner]);
-		}
-	});
+	addHull(mesh);
 	return mesh;
+}
+
+Mesh makeMesh(TULO3D::ParallelMesh arrays, std::vector<double> vCoordinates)
+{
+	Mesh mesh;
+	mesh.arrays = std::move(arrays);
+	mesh.vCoordinates = std::move(vCoordinates);
+	const std::size_t numPoints = mesh.vCoordinates.size() / 3;
+	const std::int32_t* const pVertices = mesh.arrays.vertexOfPoint.get();
+	mesh.vFirstInput.reserve(mesh.arrays.numVertices);
+	for (std::size_t i = 0; i < numPoints; ++i) {
+		const std::size_t vertex = mesh.numVertices();
+		if (static_cast<std::size_t>(pVertices[i]) != vertex) continue;
+		std::copy_n(&mesh.vCoordinates[3 * i], 3, &mesh.vCoordinates[3 * vertex]); // forwards
+		mesh.vFirstInput.push_back(static_cast<std::int32_t>(i));
+	}
+	mesh.vCoordinates.resize(3 * mesh.numVertices());
+	if (mesh.numVertices() < numPoints)
+		mesh.vVertexOfInput.assign(pVertices, pVertices + numPoints);
+	mesh.arrays.vertexOfPoint.reset();
+	addHull(mesh);
+	return mesh;
+}
+
+TetArrays::TetArrays(const Mesh& mesh, bool bAtVertices)
+    : pTetOfVertex(mesh.arrays.tetOfVertex.get()),
+      pCorners(mesh.arrays.corners.get()),
+      pNeighbours(mesh.arrays.neighbours.get())
+{
+	if (!mesh.pEngine) return;
+	if (bAtVertices) vTetOfVertex.resize(mesh.numVertices());
+	vCorners.resize(4 * mesh.numTets());
+	vNeighbours.resize(vCorners.size());
+	TULO3D::MeshArrays copies;
+	copies.pTetOfVertex = bAtVertices ? vTetOfVertex.data() : nullptr;
+	copies.pCorners = vCorners.data();
+	copies.pNeighbours = vNeighbours.data();
+	mesh.pEngine->copyTo(copies);
+	pTetOfVertex = copies.pTetOfVertex;
+	pCorners = copies.pCorners;
+	pNeighbours = copies.pNeighbours;
 }
 
 std::vector<std::int32_t> numberVertices(const Mesh& mesh, const Numbers& vGiven)

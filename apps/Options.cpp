@@ -109,6 +109,10 @@ std::optional<int> parseCommandLine(int argc, char** argv, Options& options)
 	    "Compute the Voronoi cell of each point, clipped to the hull: polyhedra (.vtu)");
 	cli.add_flag("--quality", options.shape.bQuality,
 	    "Measure volumes, dihedral angles, radius ratios and edges of the tetrahedra");
+	cli.add_option("--threads", options.numThreads,
+	       "Make the mesh in so many threads, 0: in as many as the machine has. The tetrahedra are "
+	       "the same, in another order, which does not depend on the number")
+	    ->check(CLI::Range(0, 4096));
 	bool bCheckAll = false, bNoCheck = false;
 	auto* pCheck = cli.add_flag("--check", bCheckAll,
 	    "Check all links, the hull and the Euler relation too, not only the empty spheres");

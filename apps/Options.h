@@ -22,6 +22,8 @@ struct Options
 	std::string stdoutFormat;
 	bool bCompact = false;
 	ShapeRequest shape;
+	/// 1 for one engine, 0 for as many threads as the machine has.
+	unsigned numThreads = 1;
 	Check check = Check::kGeometry;
 	bool bStatistics = false;
 	bool bJson = false;

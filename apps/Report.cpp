@@ -49,6 +49,13 @@ Fact leftOut(const Measured& measured)
 	return fact;
 }
 
+// Of one engine nothing is said.
+Fact threads(const Measured& measured)
+{
+	if (measured.numThreads == 0) return {"threads", "threads", "", ""};
+	return count("threads", "threads", measured.numThreads);
+}
+
 Fact validity(const Measured& measured)
 {
 	if (!measured.bChecked) return {"valid", "valid", "null", "not checked"};
@@ -87,7 +94,7 @@ std::vector<Fact> basicFacts(const Measured& measured, const Mesh& mesh)
 	    attributes(measured, mesh),
 	    count("distinctVertices", "distinct vertices", mesh.numVertices()),
 	    count("tetrahedra", "tetrahedra", mesh.numTets()),
-	    count("hullFacets", "hull facets", mesh.numHullFacets()),
+	    count("hullFacets", "hull facets", mesh.numHullFacets()), threads(measured),
 	    seconds("insertSeconds", "seconds to insert", measured.insertSeconds),
 	    count("pointsPerSecond", "points per second", static_cast<std::size_t>(rate)),
 	    validity(measured)};

@@ -20,6 +20,8 @@ struct Measured
 	/// The names of the attributes that were read.
 	std::vector<std::string> vAttributes;
 	double readSeconds = 0;
+	/// Those that made the mesh; 0 when one engine did.
+	unsigned numThreads = 0;
 	/// The insertion alone: neither reading nor checking nor writing.
 	double insertSeconds = 0;
 	double checkSeconds = 0;

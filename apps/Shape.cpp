@@ -18,26 +18,6 @@ namespace app {
 
 namespace {
 
-// The mesh as the library of shapes reads it; the coordinates are those of the mesh.
-class Arrays
-{
-public:
-	explicit Arrays(const Mesh& theMesh)
-	    : mesh(theMesh), vCorners(4 * theMesh.numTets()), vNeighbours(vCorners.size())
-	{
-		mesh.triangulation.copyTo({nullptr, nullptr, vCorners.data(), vNeighbours.data()});
-	}
-	shapes::MeshView view() const
-	{
-		return {mesh.vCoordinates.data(), mesh.numVertices(), vCorners.data(), vNeighbours.data(),
-		    mesh.numTets()};
-	}
-
-private:
-	const Mesh& mesh;
-	std::vector<std::int32_t> vCorners, vNeighbours;
-};
-
 // The tetrahedra whose value is at most the limit.
 shapes::Solid solidWithin(const shapes::MeshView& view, const std::vector<double>& vValues,
     double limit, const char* measure, ShapeKind kind)
@@ -154,12 +134,13 @@ Shape computeShape(const Mesh& mesh, const ShapeRequest& request)
 	shape.kind = request.kind;
 	shape.limit = request.limit;
 	if (request.kind != ShapeKind::kMesh) {
-		const Arrays arrays(mesh);
-		if (request.kind == ShapeKind::kHull) computeHull(arrays.view(), shape);
-		if (request.kind == ShapeKind::kVoronoi) computeCells(arrays.view(), shape);
-		if (request.kind == ShapeKind::kAlpha) shape.solid = alphaSolid(arrays.view(), shape.limit);
-		if (request.kind == ShapeKind::kMaxEdge)
-			shape.solid = shortEdgedSolid(arrays.view(), shape.limit);
+		const TetArrays arrays(mesh);
+		const shapes::MeshView view{mesh.vCoordinates.data(), mesh.numVertices(), arrays.pCorners,
+		    arrays.pNeighbours, mesh.numTets()};
+		if (request.kind == ShapeKind::kHull) computeHull(view, shape);
+		if (request.kind == ShapeKind::kVoronoi) computeCells(view, shape);
+		if (request.kind == ShapeKind::kAlpha) shape.solid = alphaSolid(view, shape.limit);
+		if (request.kind == ShapeKind::kMaxEdge) shape.solid = shortEdgedSolid(view, shape.limit);
 	}
 	if (shape.isPart()) shape.vTetValues.push_back({"component", shape.solid.vComponents});
 	if (request.bQuality) {

@@ -13,7 +13,10 @@
 #include <chrono>
 #include <cstdio>
 #include <filesystem>
+#include <functional>
 #include <new>
+#include <thread>
+#include <utility>
 
 #ifndef _WIN32
 #  include <fcntl.h>
@@ -101,10 +104,46 @@ void writeOutputs(const Options& options, const Result& result, Progress& progre
 	}
 }
 
-void requireMesh(const std::string& file, const Tulo_3D& triangulation)
+// By one engine, or as arrays in several threads. Frees the points.
+Mesh triangulate(std::vector<Point3>& vPoints, const Options& options, Tulo_3D& engine,
+    Progress& progress, Measured& measured)
 {
-	if (triangulation.is3D()) return;
-	const std::size_t num = triangulation.getNumVertices();
+	const auto inserting = "inserting " + std::to_string(vPoints.size()) + " points";
+	progress.begin(inserting);
+	std::function<bool(std::size_t, std::size_t)> handler;
+	if (progress.isShown()) {
+		handler = [&](std::size_t numInserted, std::size_t num) {
+			progress.update(inserting, numInserted, num);
+			return true;
+		};
+	}
+	if (options.numThreads == 1) {
+		engine.setProgress(handler);
+		std::vector<Point3*> vHandles;
+		measured.insertSeconds = timed([&] { engine.insert(vPoints, vHandles); });
+		engine.setProgress(nullptr);
+		std::vector<Point3>().swap(vPoints);
+		return makeMesh(engine, vHandles);
+	}
+	measured.numThreads = options.numThreads != 0
+	    ? options.numThreads
+	    : std::max(1U, std::thread::hardware_concurrency());
+	std::vector<double> vCoordinates;
+	vCoordinates.reserve(3 * vPoints.size());
+	for (const auto& p : vPoints) vCoordinates.insert(vCoordinates.end(), {p.x(), p.y(), p.z()});
+	std::vector<Point3>().swap(vPoints);
+	TULO3D::ParallelMesh arrays;
+	measured.insertSeconds = timed([&] {
+		arrays = TULO3D::triangulateInParallel(
+		    vCoordinates.data(), vCoordinates.size() / 3, measured.numThreads, handler);
+	});
+	return makeMesh(std::move(arrays), std::move(vCoordinates));
+}
+
+void requireMesh(const std::string& file, const Mesh& mesh)
+{
+	if (mesh.numTets() > 0) return;
+	const std::size_t num = mesh.numVertices();
 	throw Failure(kNoMesh,
 	    (file == "-" ? "(standard input)" : file) + ": no mesh: " +
 	        (num < 4 ? "fewer than 4 distinct points (" + std::to_string(num) + ")"
@@ -113,8 +152,13 @@ void requireMesh(const std::string& file, const Tulo_3D& triangulation)
 
 bool isValid(const Mesh& mesh, const Options& options)
 {
-	if (!mesh.triangulation.checkValidity(options.file, true)) return false;
-	const char* reason = options.check == Check::kAll ? findBrokenLink(mesh) : nullptr;
+	const char* reason = nullptr;
+	if (mesh.pEngine) {
+		if (!mesh.pEngine->checkValidity(options.file, true)) return false; // it has said why
+	} else if (!TULO3D::isDelaunay(mesh.arrays, mesh.vCoordinates.data(), options.numThreads)) {
+		reason = "a vertex is on the wrong side of a facet or inside a sphere";
+	}
+	if (!reason && options.check == Check::kAll) reason = findBrokenLink(mesh);
 	if (reason)
 		std::fprintf(stderr, "%s%s: %s\n", errorPrefix().c_str(), options.file.c_str(), reason);
 	return !reason;
@@ -158,22 +202,10 @@ ExitStatus run(const Options& options, LibraryMessages& messages)
 	measured.numLeftOut = input.vLeftOut.size();
 
 	TULO3D::setStopHandler(stop);
-	Tulo_3D triangulation;
-	triangulation.setVerbosity(options.bVerbose);
-	std::vector<Point3*> vHandles;
-	const auto inserting = "inserting " + std::to_string(measured.numPoints) + " points";
-	progress.begin(inserting);
-	if (progress.isShown()) {
-		triangulation.setProgress([&](std::size_t numInserted, std::size_t numVertices) {
-			progress.update(inserting, numInserted, numVertices);
-			return true;
-		});
-	}
-	measured.insertSeconds = timed([&] { triangulation.insert(input.vPoints, vHandles); });
-	std::vector<Point3>().swap(input.vPoints);
-	requireMesh(options.file, triangulation);
-	const Mesh mesh = makeMesh(triangulation, vHandles);
-	std::vector<Point3*>().swap(vHandles);
+	Tulo_3D engine;
+	engine.setVerbosity(options.bVerbose);
+	const Mesh mesh = triangulate(input.vPoints, options, engine, progress, measured);
+	requireMesh(options.file, mesh);
 
 	measured.bChecked = options.check != Check::kNone;
 	if (measured.bChecked) {

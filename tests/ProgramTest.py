@@ -302,9 +302,36 @@ class Program(ProgramCase):
                 done = subprocess.run(["sh", "-c", f'"$0" "$@" {stdout}', PROGRAM, *args], input=points, capture_output=True)
                 self.assertEqual((done.returncode, done.stderr[:23]), (5, b"tulo3d: standard output"))
 
+    def testThreadsMakeTheSameMeshInAnOrderThatDoesNotDependOnThem(self):
+        raster = [(i % 25, i // 25 % 25, i // 625) for i in range(15625)]
+        random.shuffle(raster)
+        points = self.write("a.xyz", lines(raster + raster[:9]))
+
+        def results(*args):
+            done = run(points, "--check", "--json", "-o", self.mesh, *args)
+            facts = json.loads(done.stdout)
+            self.assertEqual((done.returncode, done.stderr, facts["valid"]), (0, b"", True))
+            tets = [sorted(map(int, row.split()[1:])) for row in self.mesh.with_suffix(".ele").read_text().splitlines()[1:]]
+            return facts, tets, [self.mesh.with_suffix(s).read_bytes() for s in (".node", ".ele", ".neigh")]
+
+        facts, tets, files = results()
+        self.assertNotIn("threads", facts)
+        self.assertTrue(results("--threads", "1")[2] == files)
+        two = results("--threads", "2")
+        self.assertTrue(sorted(two[1]) == sorted(tets) and two[2][0] == files[0])
+        self.assertEqual({**two[0], "threads": 0, **{k: v for k, v in facts.items() if "econd" in k or "emory" in k}},
+                         {**facts, "threads": 0, "hullVolume": two[0]["hullVolume"]})
+        for number in "3", "0":
+            other = results("--threads", number)
+            self.assertTrue(other[2] == two[2])
+            self.assertEqual(other[0]["threads"], int(number) or os.cpu_count())
+        plane = run("--threads", "2", self.write("b.xyz", FOUR + "1 1 0\n"))
+        self.assertEqual(plane.returncode, 4)
+        self.assertIn(b"all 4 distinct points lie in one plane", plane.stderr)
+
     def testProgressIsShownOnATerminalOnly(self):
         points = self.write("a.xyz", lines([(random.random(), random.random(), random.random()) for _ in range(2000)]))
-        for quiet, shown in ([], True), (["-q"], False):
+        for quiet, shown in ([], True), (["--threads", "2"], True), (["-q"], False):
             master, slave = pty.openpty()
             subprocess.run([PROGRAM, points, *quiet], stdout=subprocess.DEVNULL, stderr=slave, check=True)
             os.write(slave, b"|")
@@ -361,7 +388,8 @@ class Program(ProgramCase):
                 self.assertEqual([p.name for p in self.folder.glob(".*")], [])
 
     def testTheWrittenNeighboursAndSurfaceFitTogether(self):
-        for args, volume in ([], "hullVolume"), (["--max-edge", "1e6"], "volume"), (["--alpha", "auto"], "volume"):
+        for args, volume in (([], "hullVolume"), (["--threads", "2"], "hullVolume"), (["--max-edge", "1e6"], "volume"),
+                             (["--alpha", "auto", "--threads", "2"], "volume"), (["--alpha", "auto"], "volume")):
             with self.subTest(args):
                 facts = json.loads(run("--json", *args, "-o", self.mesh, "-o", self.folder / "hull.off",
                                        "-o", self.folder / "m.list", input=lines(POINTS).encode()).stdout)

@@ -8,12 +8,12 @@ _tulo3d() {
 	-f | --format) words="xyz ply obj off las node" ;;
 	--to) words="vtu vtk msh ply stl obj off list" ;;
 	--alpha) words="auto" ;;
-	--columns | --skip-lines | --max-edge) return ;;
+	--columns | --skip-lines | --max-edge | --threads) return ;;
 	-o | --output) words="" ;;
 	*)
 		[[ $current != -* ]] || words="-h --help --version -f --format --columns --skip-lines
 			--skip-invalid -o --output --to --compact --hull --alpha --max-edge --voronoi
-			--quality --check --no-check --stats --json -q --quiet -v --verbose"
+			--quality --threads --check --no-check --stats --json -q --quiet -v --verbose"
 		;;
 	esac
 	if [[ -n ${words:-} ]]; then

@@ -14,6 +14,7 @@ complete -c tulo3d -l alpha -x -a "auto" -d "Compute the alpha shape of a radius
 complete -c tulo3d -l max-edge -x -d "Drop tetrahedra with longer edges"
 complete -c tulo3d -l voronoi -d "Compute the Voronoi cells"
 complete -c tulo3d -l quality -d "Measure the tetrahedra"
+complete -c tulo3d -l threads -x -d "Make the mesh in so many threads"
 complete -c tulo3d -l check -d "Check all links, too"
 complete -c tulo3d -l no-check -d "Do not check the mesh"
 complete -c tulo3d -l stats -d "Print additional statistics"
