@@ -7,7 +7,7 @@ forwards and backwards, and a ratio is made of two neighbouring measurements, so
 slows down affects both. Before each measurement, memory is touched and freed again: the host of a virtual
 machine may take back unused memory, and otherwise the measurement that comes first, or needs more than the
 one before, would include the cost of getting it again. All measurements go to a CSV file; the table shows
-medians.
+medians: of the processor's time, but in the rows of several threads, which have as many cores, of the wall time.
 """
 import argparse
 import collections
@@ -27,6 +27,8 @@ REFERENCE = "cgal"
 BUILDERS = ["ours", "cgal", "tetgen", "qhull"]
 LOCATORS = ["ours", "cgal", "cgal-fast"]
 READERS = ["ours", "cgal"]
+ENGINE = "engine"  # what one object of ours takes for the arrays that `parallel` makes
+THREADED = ["ours", "cgal", ENGINE]
 
 # operation, workload, number of points, libraries, the most that we may take as a multiple of CGAL
 Row = collections.namedtuple("Row", "operation workload n libraries goal repeat", defaults=[1])
@@ -67,9 +69,21 @@ TABLE = [
     Row("build", "MomentCurve", 1000, READERS, 1.0),
     Row("build", "lines", 4000, READERS, 1.0),
     Row("build", "Cylinder", 200000, READERS, 1.0),
+    # In several threads; CGAL's needs oneTBB.
+    Row("parallel", "uniform", 1000000, THREADED, 0.50),
+    Row("parallel", "uniform", 5000000, THREADED, 0.50),
+    Row("parallel", "clusters", 1000000, THREADED, 0.50),
+    Row("parallel", "terrain", 1000000, THREADED, 0.50),
+    Row("parallel", "grid", 1000000, THREADED, 0.50),
 ]
 SIZES = [m * 10**e for e in range(3, 7) for m in (1, 3)] + [5 * 10**6, 10**7]
 SWEEP = [Row("build", "uniform", n, BUILDERS, None) for n in SIZES]
+# Where an insertion might cost more, the more points there are: points at many scales, and thousands of tetrahedra
+# around an edge of the hull (then n points have n^2 / 4 or n^2 / 2 tetrahedra).
+GROWTH = [Row("build", workload, n, READERS, None)
+          for workload in ("scales8", "scales12", "scales30") for n in SIZES if n <= 10**6]
+GROWTH += [Row("ordered", workload, n, READERS, None)
+           for workload in ("MomentCurve", "TwoSkewLines") for n in (125, 250, 500, 1000, 2000)]
 BYTES_PER_POINT = 800  # what we, CGAL and their points need, and some more
 QHULL_LIMIT = 10**6  # above, Qhull needs more memory than most machines have
 
@@ -91,9 +105,14 @@ def touch_memory(num_bytes):
 
 def measure(options, row, library, cpu_limit=None):
     """One measurement as a dictionary; None when the library fails or takes too long."""
-    num_points = max(1000, int(row.n * options.scale))
-    command = ["taskset", "-c", str(options.core), options.bench, "--library", library,
-               "--operation", row.operation, "--seed", str(options.seed),
+    num_points = max(min(row.n, 1000), int(row.n * options.scale))
+    cores = str(options.core)
+    if row.operation == "parallel":
+        cores = f"{options.core - options.threads + 1}-{options.core}"
+    command = ["taskset", "-c", cores, options.bench,
+               "--library", "ours" if library == ENGINE else library,
+               "--operation", "arrays" if library == ENGINE else row.operation,
+               "--threads", str(options.threads), "--seed", str(options.seed),
                "--repeat", str(row.repeat)]
     if row.workload == "FILE":
         command += ["--file", options.file]
@@ -116,6 +135,10 @@ def measure(options, row, library, cpu_limit=None):
     return json.loads(lines[-1])
 
 
+def time_of(row, result):
+    return result["wall" if row.operation == "parallel" else "seconds"]
+
+
 def run_row(options, row, available, write):
     """All rounds of a row: for each library the list of (measurement, ratio to the reference)."""
     libraries = [name for name in row.libraries if name in available]
@@ -132,7 +155,7 @@ def run_row(options, row, available, write):
                 continue
             reference = measured.get(REFERENCE)
             peer = name not in ("ours", REFERENCE)
-            cpu_limit = options.give_up * reference["seconds"] if peer and reference else None
+            cpu_limit = options.give_up * time_of(row, reference) if peer and reference else None
             result = measure(options, row, name, cpu_limit)
             if result is None:
                 gave_up.add(name)
@@ -141,7 +164,7 @@ def run_row(options, row, available, write):
         for name, result in measured.items():
             ratio = None
             if REFERENCE in measured:
-                ratio = result["seconds"] / measured[REFERENCE]["seconds"]
+                ratio = time_of(row, result) / time_of(row, measured[REFERENCE])
             results[name].append((result, ratio))
             write(row, number, result, ratio)
     return results, gave_up
@@ -151,21 +174,26 @@ def describe(row, results, gave_up, give_up):
     """The line of the table."""
     any_result = next(r for runs in results.values() for r, _ in runs)
     cells = [f"{row.operation} {any_result['workload']} {any_result['n']:,}"]
-    for name in ("cgal", "ours", "cgal-fast", "tetgen", "qhull"):
+    for name in ("cgal", "ours", ENGINE, "cgal-fast", "tetgen", "qhull"):
         if name in gave_up:
             cells.append(f"gave up, or > {give_up:g}")
         elif not results.get(name):
             cells.append("")
         else:
-            seconds = statistics.median(r["seconds"] for r, _ in results[name])
+            seconds = statistics.median(time_of(row, r) for r, _ in results[name])
             peak = statistics.median(r["peak_kb"] for r, _ in results[name]) / 1024
             ratios = [ratio for _, ratio in results[name] if ratio is not None]
-            text = f"{seconds:.4g} s" if name in ("cgal", "ours") else ""
+            text = f"{seconds:.4g} s" if name in ("cgal", "ours", ENGINE) else ""
             if name != REFERENCE and ratios:
                 text += f" {statistics.median(ratios):.2f}"
                 if name == "ours":
                     text += f" ({min(ratios):.2f}-{max(ratios):.2f})"
             cells.append(f"{text.strip()}, {peak:.0f} MiB")
+    if results.get(ENGINE):
+        pairs = [(ours, one) for (ours, _), (one, _) in zip(results["ours"], results[ENGINE])]
+        wall, spent = (statistics.median(ours[key] / one[key] for ours, one in pairs)
+                       for key in ("wall", "seconds"))
+        cells[2] += f"; of one engine {wall:.2f}, processor time {spent:.2f}"
     cells.append("" if row.goal is None else f"{row.goal:.2f}")
     counts = {name: runs[0][0]["tets"] for name, runs in results.items() if runs}
     cells.append(f"{any_result['tets']:,}" if len(set(counts.values())) == 1 else
@@ -182,8 +210,12 @@ def main():
     parser.add_argument("--rows", help="only rows with one of these words, commas between")
     parser.add_argument("--sweep", action="store_true",
                         help="instead of the table: uniform points, 1,000 to 10,000,000")
+    parser.add_argument("--growth", action="store_true",
+                        help="instead of the table: inputs that are hard on growth, from few to many points")
+    parser.add_argument("--threads", type=int, default=2, help="of the rows of several threads")
     parser.add_argument("--rounds", type=int, default=3)
-    parser.add_argument("--core", type=int, default=os.cpu_count() - 1)
+    parser.add_argument("--core", type=int, default=os.cpu_count() - 1,
+                        help="the one to use, the last of several")
     parser.add_argument("--seed", type=int, default=1)
     parser.add_argument("--scale", type=float, default=1.0, help="multiplies the numbers of points")
     parser.add_argument("--give-up", type=float, default=40,
@@ -193,9 +225,10 @@ def main():
 
     available = subprocess.run([options.bench, "--libraries"], stdout=subprocess.PIPE, text=True,
                                check=True).stdout.split()
+    available.append(ENGINE)
     if options.libraries:
         available = [name for name in available if name in options.libraries.split(",")]
-    rows = SWEEP if options.sweep else TABLE
+    rows = SWEEP if options.sweep else GROWTH if options.growth else TABLE
     if options.rows:
         words = options.rows.split(",")
         rows = [r for r in rows if any(w in (r.operation, r.workload) for w in words)]
@@ -217,8 +250,8 @@ def main():
             file.flush()
 
         print(f"{machine()}, core {options.core}, {when}, medians of {options.rounds} rounds\n")
-        print("| workload | CGAL | ours | CGAL fast location | TetGen | Qhull | at most | tets |")
-        print("| --- " * 8 + "|", flush=True)
+        print("| workload | CGAL | ours | one engine | CGAL fast location | TetGen | Qhull | at most | tets |")
+        print("| --- " * 9 + "|", flush=True)
         for row in rows:
             results, gave_up = run_row(options, row, available, write)
             if any(results.values()):
