@@ -1,7 +1,7 @@
 #!/usr/bin/python3
 # SPDX-License-Identifier: MIT
-"""Draws time and memory against the number of points from the CSV of `run_table.py --sweep`, or from that of `--growth`
-the time per point or per tetrahedron."""
+"""Draws time and memory against the number of points from the CSV of `run_table.py --sweep`, or from that of
+`--growth` the time per point or per tetrahedron."""
 import argparse
 import collections
 import csv
@@ -21,12 +21,13 @@ STYLES = [
 SMALLEST_FOR_MEMORY = 10000  # below, the process itself is most of what is seen
 
 
-# Of the growth: each axes' operation, title, unit and column of the count that it is divided by; and the colours.
+# Of the growth: operation, title, and what the time is divided by: its name and its column; and the colours.
 GROWTH = [
     ("build", "Points at many scales, one batch", "point", "n"),
     ("ordered", "Long edges of the hull, single inserts", "tetrahedron", "tets"),
 ]
-COLOURS = {"scales8": "C0", "scales12": "C1", "scales30": "C2", "MomentCurve": "C0", "TwoSkewLines": "C1"}
+COLOURS = {"scales8": "C0", "scales12": "C1", "scales30": "C2",
+           "MomentCurve": "C0", "TwoSkewLines": "C1"}
 
 
 def read(file_name):

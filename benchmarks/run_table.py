@@ -7,7 +7,8 @@ forwards and backwards, and a ratio is made of two neighbouring measurements, so
 slows down affects both. Before each measurement, memory is touched and freed again: the host of a virtual
 machine may take back unused memory, and otherwise the measurement that comes first, or needs more than the
 one before, would include the cost of getting it again. All measurements go to a CSV file; the table shows
-medians: of the processor's time, but in the rows of several threads, which have as many cores, of the wall time.
+medians: of the processor's time, but in the rows of several threads, which have as many cores, of the wall
+time.
 """
 import argparse
 import collections
@@ -78,8 +79,8 @@ TABLE = [
 ]
 SIZES = [m * 10**e for e in range(3, 7) for m in (1, 3)] + [5 * 10**6, 10**7]
 SWEEP = [Row("build", "uniform", n, BUILDERS, None) for n in SIZES]
-# Where an insertion might cost more, the more points there are: points at many scales, and thousands of tetrahedra
-# around an edge of the hull (then n points have n^2 / 4 or n^2 / 2 tetrahedra).
+# Where an insertion might cost more, the more points there are: points at many scales, and thousands of
+# tetrahedra around an edge of the hull (then n points have n^2 / 4 or n^2 / 2 tetrahedra).
 GROWTH = [Row("build", workload, n, READERS, None)
           for workload in ("scales8", "scales12", "scales30") for n in SIZES if n <= 10**6]
 GROWTH += [Row("ordered", workload, n, READERS, None)
@@ -211,7 +212,7 @@ def main():
     parser.add_argument("--sweep", action="store_true",
                         help="instead of the table: uniform points, 1,000 to 10,000,000")
     parser.add_argument("--growth", action="store_true",
-                        help="instead of the table: inputs that are hard on growth, from few to many points")
+                        help="instead of the table: hard inputs, from few to many points")
     parser.add_argument("--threads", type=int, default=2, help="of the rows of several threads")
     parser.add_argument("--rounds", type=int, default=3)
     parser.add_argument("--core", type=int, default=os.cpu_count() - 1,
@@ -250,7 +251,8 @@ def main():
             file.flush()
 
         print(f"{machine()}, core {options.core}, {when}, medians of {options.rounds} rounds\n")
-        print("| workload | CGAL | ours | one engine | CGAL fast location | TetGen | Qhull | at most | tets |")
+        print("| workload | CGAL | ours | one engine | CGAL fast location | TetGen | Qhull | at most "
+              "| tets |")
         print("| --- " * 9 + "|", flush=True)
         for row in rows:
             results, gave_up = run_row(options, row, available, write)
