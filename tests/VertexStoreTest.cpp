@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The vertex store: duplicates and order against plain references.
 #include "HC3.h"
+#include "store/MortonOrder.h"
 #include "support.h"
 
 #include <algorithm>
@@ -122,5 +123,50 @@ TEST(VertexStore, OffersTheNearestTetrahedronAlongTheCurve)
 		Tet3* pOwn = listed[i]->getOneTet();
 		ASSERT_EQ(store.single(*listed[i]),
 		    pOwn != nullptr ? pOwn : listed[i == 0 ? 1 : i - 1]->getOneTet());
+	}
+}
+
+TEST(VertexStore, OrdersPointsOfAnyScaleByAllTheirBinaryDigits)
+{
+	// Digit by digit, the highest first: a negative coordinate before a positive one, else the one with the lower digit,
+	// or where they are negative with the higher one; of one weight, that of x before that of y and z.
+	const auto isBefore = [](const Point3& p, const Point3& q) {
+		const double a[] = {p.x(), p.y(), p.z()}, b[] = {q.x(), q.y(), q.z()};
+		for (int axis = 0; axis < 3; ++axis) {
+			if ((a[axis] < 0) != (b[axis] < 0)) return a[axis] < 0;
+		}
+		for (int weight = 0; weight > -330; --weight) {
+			for (int axis = 0; axis < 3; ++axis) {
+				const auto digit = [weight](double c) {
+					return std::fmod(std::floor(std::ldexp(std::abs(c), -weight)), 2);
+				};
+				if (digit(a[axis]) != digit(b[axis])) return a[axis] < b[axis];
+			}
+		}
+		return false;
+	};
+	// Most of them share one cell of the box around the bulk, and many the digits at their scale.
+	points::Random random(4);
+	Cloud cloud;
+	const auto coordinate = [&] {
+		const double size = std::ldexp(1 + random.below(8) / 8., -60 - 10 * random.below(20));
+		return random.below(9) == 0 ? 0. : random.below(2) == 0 ? size : -size;
+	};
+	while (cloud.size() < 3000) {
+		cloud.push_back(
+		    random.point(-1, 2)); // every third one, as the samples of the bulk are taken
+		const Point3 p(coordinate(), coordinate(), coordinate());
+		const double more = 1 + std::ldexp(random.below(4), -30);
+		cloud.emplace_back(p.x() * more, p.y(), p.z());
+		cloud.emplace_back(p.x(), p.y(), p.z() * more);
+	}
+	std::vector<const Point3*> all, small;
+	for (const Point3& p : cloud) all.push_back(&p);
+	for (const std::uint32_t i : mortonOrder(all)) {
+		if (i % 3 > 0) small.push_back(all[i]);
+	}
+	ASSERT_EQ(small.size(), 2000U);
+	for (std::size_t i = 1; i < small.size(); ++i) {
+		ASSERT_FALSE(isBefore(*small[i], *small[i - 1])) << i;
 	}
 }
