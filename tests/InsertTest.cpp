@@ -176,12 +176,18 @@ TEST(Insert, ABatchTellsHowFarItIsAndEndsWhenTheHostSaysSo)
 TEST(Insert, CavitiesFoundAheadMakeTheSameTetrahedra)
 {
 	// Outliers put all other points into one cell of the curve, so their order is random. On the lattice,
-	// cavities that are searched at the same time touch, and many vertices are cospherical.
+	// cavities that are searched at the same time touch, and many vertices are cospherical. At many scales, stretches
+	// without locality alternate with others, where cavities overlap.
 	points::Random random(4);
-	Cloud hull, general, lattice;
+	Cloud hull, general, lattice, scales;
 	for (int i = 0; i < 20000; ++i) general.push_back(random.point(0, 1));
 	for (int i = 0; i < 32 * 32 * 32; ++i) lattice.emplace_back(i % 32, i / 32 % 32, i / 1024);
 	points::shuffle(lattice, random);
+	for (int i = 0; i < 40000; ++i) {
+		const Point3 p = random.onSphere();
+		const double distance = std::pow(10., -6 * random.unit());
+		scales.emplace_back(distance * p.x(), distance * p.y(), distance * p.z());
+	}
 	for (int i = 0; i < 8; ++i) {
 		hull.emplace_back(i & 1 ? 5000 : -5000, i & 2 ? 5000 : -5000, i & 4 ? 5000 : -5000);
 	}
@@ -210,7 +216,8 @@ TEST(Insert, CavitiesFoundAheadMakeTheSameTetrahedra)
 		records.push_back(Tet3::runningLabel - firstLabel);
 		return std::pair(records, support::canonical(vertices, tets));
 	};
-	for (const auto& [first, cloud] : {std::pair(hull, general), std::pair(Cloud(), lattice)}) {
+	for (const auto& [first, cloud] :
+	    {std::pair(hull, general), std::pair(hull, scales), std::pair(Cloud(), lattice)}) {
 		Dt3 store(nullptr);
 		std::vector<Point3*> vertices;
 		for (const Cloud* pCloud : {&first, &cloud}) {

@@ -36,15 +36,15 @@ public:
 	/// The next vertex has been inserted; `disturbed` are the reservations of what it has removed.
 	void afterInsertion(Reservation::Bits disturbed);
 
-	/// False when fewer than one in eight of the last 1,024 cavities were complete: the points lie on the
-	/// hull, or in planes and on spheres with one another.
+	/// False when fewer than one in eight of the last 256 cavities were complete: the points lie on the
+	/// hull, in planes and on spheres with one another, or in one another's cavities.
 	bool isWorthwhile() const { return bWorthwhile; }
 
 private:
 	// Enough loads in flight to hide their latency, and a bit for each.
 	static constexpr std::size_t kSize = 15;
 	static_assert((Reservation::kSingle >> kSize) != 0, "the single reservation has another bit");
-	static constexpr std::size_t kTrial = 1024;
+	static constexpr std::size_t kTrial = 256;
 
 	/// A walk to the tetrahedron that contains a vertex.
 	struct QueuedWalk

@@ -40,12 +40,18 @@ void LookAhead::advance(Reservation::Bits disturbed, std::size_t numFacetTests)
 
 void LookAhead::review()
 {
-	// Never back to starts along the curve: that the vertices share cells of the curve will not change.
 	const std::size_t numTests = std::exchange(numTestsInInterval, 0);
-	if (queue && !queue->isWorthwhile()) queue.reset();
-	if (starts || numTests <= kReviewInterval * kFacetTestsPerLongWalk) return;
-	starts.emplace(vVertices);
-	if (starts->orderJumps()) queue.emplace(order, *starts, tests, predicates);
+	if (queue) {
+		if (queue->isWorthwhile()) return;
+		queue.reset();
+		numPauses = kPauses;
+	} else if (starts) {
+		// Never back to starts along the curve: that the vertices share cells of the curve will not change.
+		if (numPauses > 0 && --numPauses == 0) queue.emplace(order, *starts, tests, predicates);
+	} else if (numTests > kReviewInterval * kFacetTestsPerLongWalk) {
+		starts.emplace(vVertices);
+		if (starts->orderJumps()) queue.emplace(order, *starts, tests, predicates);
+	}
 }
 
 } // namespace TULO3D

@@ -46,6 +46,10 @@ private:
 	// of several times as many over an interval means that the curve does not.
 	static constexpr std::size_t kReviewInterval = 256;
 	static constexpr std::size_t kFacetTestsPerLongWalk = 40;
+	// Where the order does not jump, consecutive cavities overlap, and hardly one survives the insertion of the one
+	// before: the queue is given up for so many intervals. With points at many scales such stretches alternate with
+	// jumps.
+	static constexpr unsigned kPauses = 16;
 
 	void review();
 
@@ -56,6 +60,7 @@ private:
 	InsertionOrder order;
 	std::optional<WalkStart> starts;
 	std::optional<CavityQueue> queue;
+	unsigned numPauses = 0; // intervals until the queue is tried again
 	std::size_t numInserted = 0;
 	std::size_t numTestsInInterval = 0;
 };
