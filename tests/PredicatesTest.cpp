@@ -169,7 +169,7 @@ TEST(Predicates, OrientationIsExactInEveryStage)
 {
 	const ArdoTest3 test;
 	Stages stages;
-	int numCase = 0;
+	int numCase = 0, numFromOthers = 0;
 	for (const Case& p : makeCases()) {
 		const int truth = oracle::orientation(p[0], p[1], p[2], p[3]);
 		Order o{0, 1, 2, 3};
@@ -183,12 +183,16 @@ TEST(Predicates, OrientationIsExactInEveryStage)
 			if (!Stages::sees(numCase, numOrder++)) continue;
 			const auto fast = test.orient3dFast(a, b, c, d);
 			const Orient3dRows rows = orient3dRows(a, b, c, d);
+			const StageResult fromOthers = orient3dFromOthers(test, a, b, c, d);
+			numFromOthers += fromOthers.bDecided && !fast.bCertain();
+			ASSERT_TRUE(!fromOthers.bDecided || (fromOthers.det < 0 ? 1 : -1) == sign);
 			const StageResult stageB = orient3dStageB(test, rows, fast.permanent);
 			stages.expect(sign, fast, stageB,
 			    orient3dStageC(test, rows, fast.permanent, stageB.det), orient3dExact(test, rows));
 		} while (std::next_permutation(o.begin(), o.end()));
 		++numCase;
 	}
+	EXPECT_GT(numFromOthers, 100);
 }
 
 TEST(Predicates, InSphereIsExactInEveryStage)

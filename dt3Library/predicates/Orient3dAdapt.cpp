@@ -25,6 +25,24 @@ StageResult orient3dStageC(
 	return corrected(constants, constants.o3derrboundC, permanent, detB, det.tail);
 }
 
+StageResult orient3dFromOthers(const MachineConstants& constants, const Point3& a, const Point3& b,
+    const Point3& c, const Point3& d)
+{
+	const auto seenFrom = [](const Point3& origin, const Point3& p) -> Row<Entry> {
+		return {{p.x() - origin.x()}, {p.y() - origin.y()}, {p.z() - origin.z()}};
+	};
+	const std::array<const Point3*, 4> aEven[] = {
+	    {&b, &a, &d, &c}, {&c, &d, &a, &b}, {&d, &c, &b, &a}};
+	WithMagnitude det{};
+	for (const auto& [p, q, r, origin] : aEven) {
+		det = orientationDeterminant(
+		    seenFrom(*origin, *p), seenFrom(*origin, *q), seenFrom(*origin, *r));
+		const double bound = constants.o3derrboundA * det.magnitude + kLostInOrient3d;
+		if (std::abs(det.value) >= bound) return {det.value, true};
+	}
+	return {det.value, false};
+}
+
 double orient3dExact(const MachineConstants& constants, const Orient3dRows& rows)
 {
 	const double s = constants.splitter;
@@ -43,6 +61,10 @@ double orient3dAdapt(const MachineConstants& constants, const Point3& a, const P
     const Point3& c, const Point3& d, double permanent)
 {
 	const Orient3dRows rows = orient3dRows(a, b, c, d);
+	if (!haveNoTails(rows)) {
+		const StageResult fromOthers = orient3dFromOthers(constants, a, b, c, d);
+		if (fromOthers.bDecided) return fromOthers.det;
+	}
 	const StageResult stageB = orient3dStageB(constants, rows, permanent);
 	if (stageB.bDecided) return stageB.det;
 	const StageResult stageC = orient3dStageC(constants, rows, permanent, stageB.det);
