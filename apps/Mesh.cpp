@@ -43,6 +43,7 @@ bool isLinked(const TetArrays& arrays, std::size_t num, std::size_t tet, std::si
 
 const char* findBrokenRecord(const Mesh& mesh)
 {
+	constexpr const char* kUnlinked = "two neighbours do not know each other";
 	const TetArrays arrays(mesh, true);
 	const std::size_t num = mesh.numTets();
 	for (std::size_t vertex = 0; vertex < mesh.numVertices(); ++vertex) {
@@ -51,10 +52,14 @@ const char* findBrokenRecord(const Mesh& mesh)
 		if (tet >= num || !std::count(pRow, pRow + 4, static_cast<std::int32_t>(vertex)))
 			return "a vertex does not know a tetrahedron that has it";
 	}
-	for (std::size_t i = 0; i < 4 * num; ++i)
-		if (arrays.pNeighbours[i] != -1 && !isLinked(arrays, num, i / 4, i % 4))
-			return "two neighbours do not know each other";
-	return nullptr;
+	// Each pair from its lower number. None is left out if there are as many links to lower ones as to higher ones.
+	std::int64_t balance = 0;
+	for (std::size_t i = 0; i < 4 * num; ++i) {
+		const auto neigh = arrays.pNeighbours[i], tet = static_cast<std::int32_t>(i / 4);
+		balance += (neigh >= tet) - (neigh < tet && neigh != -1);
+		if (neigh >= tet && !isLinked(arrays, num, i / 4, i % 4)) return kUnlinked;
+	}
+	return balance == 0 ? nullptr : kUnlinked;
 }
 
 // Each edge is in two facets, which run through it in opposite directions.

@@ -67,6 +67,7 @@ const Damage kDamages[] = {
 	{"a link that does not come back exactly once", kLink, [](Parts& p) { p.pT->setOppTet(0, p.pH); }},
 	{"a link that does not come back exactly once", kLink, [](Parts& p) { p.pT->setOppTet(0, nullptr); }},
 	{"a link that does not come back exactly once", kLink, [](Parts& p) { p.pT->setOppTet(3, nullptr); }},
+	{"a link that does not come back exactly once", kLink, [](Parts& p) { p.pN->setOppTet(p.pN->getIntraTetIndex(p.pT), nullptr); }},
 	{"a link to a tetrahedron that is not in the mesh", kNotAsked, [](Parts& p) { p.pT->setOppTet(0, reinterpret_cast<Tet3*>(&p.mesh.input[0])); }},
 	{"a hull edge not between exactly two hull facets", "the hull is not closed", [](Parts& p) { p.cut(0), p.cut(1); }},
 	{"two hull facets over each other", "V - E + F - T is not 1", [](Parts& p) { p.cut(0); }},
