@@ -2,6 +2,8 @@
 // The tetrahedra of a tile, written to arrays.
 #include "tiles/TileArrays.h"
 #include "ardo_tools/prefault.h"
+#include "ardo_tools/prefetch.h"
+#include "mesh/Prefetch.h"
 #include "tools.h"
 
 #include <algorithm>
@@ -16,6 +18,10 @@ namespace {
 constexpr std::array<std::array<std::uint8_t, 4>, 12> kTurns{
     {{0, 1, 2, 3}, {0, 2, 3, 1}, {0, 3, 1, 2}, {1, 0, 3, 2}, {1, 3, 2, 0}, {1, 2, 0, 3},
         {2, 3, 0, 1}, {2, 0, 1, 3}, {2, 1, 3, 0}, {3, 2, 1, 0}, {3, 1, 0, 2}, {3, 0, 2, 1}}};
+
+// Distances of prefetching, in tetrahedra: records are read in their order, what they lead to is not.
+constexpr std::size_t kTetsAhead = 32;
+constexpr std::size_t kAhead = 16;
 
 /// A tetrahedron of an owner, where its corners will be: the positions of the other corners, and its record in the tile.
 using TetRow = std::array<std::int32_t, 4>;
@@ -95,13 +101,19 @@ void TileArrays::count(std::uint32_t* pCounts)
 	pPositions.reset(new TetPositions[live.size()]);
 	prefault(pPositions.get(), live.size() * sizeof(pPositions[0]));
 	std::size_t record = 0;
-	live.forEach([&](const Tet3* pTet) {
-		const Canonical tet = canonical(*pTet);
-		const auto& p = tet.position;
-		const bool bInside = own.contains(p[0]) && own.contains(std::max({p[1], p[2], p[3]}));
-		vTurns[record] = bInside ? static_cast<std::uint8_t>(tet.turn) : kAtBorder;
-		pPositions[record++] = p;
-		if (own.contains(p[0])) ++pCounts[p[0] - own.first + 1];
+	live.forEachRun(0, live.size(), [&](const Tet3* pFirst, const Tet3* pLast) {
+		for (const Tet3* pTet = pFirst; pTet != pLast; ++pTet) {
+			if (static_cast<std::size_t>(pLast - pTet) > kAhead) {
+				prefetchTet(pTet + kTetsAhead);
+				for (int i = 0; i < 4; ++i) prefetchObject(pTet[kAhead].getCorner(i));
+			}
+			const Canonical tet = canonical(*pTet);
+			const auto& p = tet.position;
+			const bool bInside = own.contains(p[0]) && own.contains(std::max({p[1], p[2], p[3]}));
+			vTurns[record] = bInside ? static_cast<std::uint8_t>(tet.turn) : kAtBorder;
+			pPositions[record++] = p;
+			if (own.contains(p[0])) ++pCounts[p[0] - own.first + 1];
+		}
 	});
 }
 
@@ -116,7 +128,14 @@ void TileArrays::writeCorners(const OwnedArrays& to)
 	// Each owner's tetrahedra are gathered, and then sorted, where their corners will be.
 	TetRow* const pRows = reinterpret_cast<TetRow*>(to.pCorners);
 	std::vector<std::uint32_t> vNext(pFirst, pFirst + own.size());
+	const auto ownerAt = [this](std::size_t record) { return pPositions[record][0] - own.first; };
 	for (std::uint32_t record = 0; record < live.size(); ++record) {
+		if (record + kTetsAhead < live.size()) {
+			const std::uint32_t later = ownerAt(record + kTetsAhead);
+			if (later < own.size()) prefetch(&vNext[later]);
+			const std::uint32_t next = ownerAt(record + kAhead);
+			if (next < own.size()) prefetch(pRows + vNext[next]);
+		}
 		const auto& p = pPositions[record];
 		if (!own.contains(p[0])) continue;
 		pRows[vNext[p[0] - own.first]++] = {static_cast<std::int32_t>(p[1]),
@@ -131,6 +150,8 @@ void TileArrays::writeCorners(const OwnedArrays& to)
 	for (std::uint32_t i = own.size(); i-- > 0;) {
 		sort(pRows + pFirst[i], pRows + pFirst[i + 1]);
 		for (std::uint32_t t = pFirst[i + 1]; t-- > pFirst[i];) {
+			if (t >= first + kAhead)
+				prefetch(&vNumbers[static_cast<std::size_t>(pRows[t - kAhead][3])]);
 			TetRow& row = pRows[t];
 			const auto number = static_cast<std::int32_t>(t);
 			vNumbers[static_cast<std::size_t>(row[3])] = number;
@@ -184,25 +205,36 @@ void TileArrays::linkAtBorder(const Tet3& tet, const Link& link) const
 
 void TileArrays::writeNeighbours(const OwnedArrays& to, const Link& link)
 {
-	std::uint32_t record = 0;
-	live.forEach([&](const Tet3* pTet) {
-		const unsigned turn = vTurns[record];
-		const std::int32_t number = vNumbers[record++];
-		if (turn == kAtBorder) {
-			linkAtBorder(*pTet, link);
-			return;
-		}
-		std::int32_t* const p = to.pNeighbours + 4 * std::size_t(number);
-		for (int i = 0; i < 4; ++i) {
-			const Tet3* pNeigh = pTet->getOppTet(cornerAt(turn, i));
-			p[i] =
-			    pNeigh == nullptr ? -1 : vNumbers[static_cast<std::size_t>(live.numberOf(pNeigh))];
-			if (p[i] == kForeign && pNeigh != nullptr) {
-				const FacetSide other = sideOf(*pNeigh, canonical(*pNeigh).position);
-				link({canonical(*pTet).position, number}, i, &other);
+	std::size_t record = 0;
+	live.forEachRun(0, live.size(), [&](const Tet3* pFirst, const Tet3* pLast) {
+		for (const Tet3* pTet = pFirst; pTet != pLast; ++pTet, ++record) {
+			if (static_cast<std::size_t>(pLast - pTet) > kAhead) {
+				prefetchTet(pTet + kTetsAhead);
+				prefetch(
+				    to.pNeighbours + 4 * static_cast<std::ptrdiff_t>(vNumbers[record + kAhead]));
+			}
+			if (vTurns[record] == kAtBorder) {
+				linkAtBorder(*pTet, link);
+			} else {
+				linkInside(*pTet, record, to, link);
 			}
 		}
 	});
+}
+
+void TileArrays::linkInside(
+    const Tet3& tet, std::size_t record, const OwnedArrays& to, const Link& link) const
+{
+	const std::int32_t number = vNumbers[record];
+	std::int32_t* const p = to.pNeighbours + 4 * std::size_t(number);
+	for (int i = 0; i < 4; ++i) {
+		const Tet3* pNeigh = tet.getOppTet(cornerAt(vTurns[record], i));
+		p[i] = pNeigh == nullptr ? -1 : vNumbers[static_cast<std::size_t>(live.numberOf(pNeigh))];
+		if (p[i] == kForeign && pNeigh != nullptr) {
+			const FacetSide other = sideOf(*pNeigh, canonical(*pNeigh).position);
+			link({canonical(tet).position, number}, i, &other);
+		}
+	}
 }
 
 void TileArrays::noteAtVertices(const TetPositions& position, std::int32_t number)

@@ -103,6 +103,8 @@ private:
 		    own.contains(position[2]) || own.contains(position[3]);
 	}
 	FacetSide sideOf(const Tet3& tet, const TetPositions& position) const;
+	void linkInside(
+	    const Tet3& tet, std::size_t record, const OwnedArrays& to, const Link& link) const;
 	void linkAtBorder(const Tet3& tet, const Link& link) const;
 
 	const PositionRange own;
