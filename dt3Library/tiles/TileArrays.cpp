@@ -95,25 +95,26 @@ TileArrays::Canonical TileArrays::canonical(const Tet3& tet)
 	return {{p[t[0]], p[t[1]], p[t[2]], p[t[3]]}, turn};
 }
 
-void TileArrays::count(std::uint32_t* pCounts)
+template <typename Visit>
+void TileArrays::forEachCanonical(Visit visit) const
 {
-	vTurns.resize(live.size());
-	pPositions.reset(new TetPositions[live.size()]);
-	prefault(pPositions.get(), live.size() * sizeof(pPositions[0]));
-	std::size_t record = 0;
+	std::uint32_t record = 0;
 	live.forEachRun(0, live.size(), [&](const Tet3* pFirst, const Tet3* pLast) {
 		for (const Tet3* pTet = pFirst; pTet != pLast; ++pTet) {
 			if (static_cast<std::size_t>(pLast - pTet) > kAhead) {
 				prefetchTet(pTet + kTetsAhead);
 				for (int i = 0; i < 4; ++i) prefetchObject(pTet[kAhead].getCorner(i));
 			}
-			const Canonical tet = canonical(*pTet);
-			const auto& p = tet.position;
-			const bool bInside = own.contains(p[0]) && own.contains(std::max({p[1], p[2], p[3]}));
-			vTurns[record] = bInside ? static_cast<std::uint8_t>(tet.turn) : kAtBorder;
-			pPositions[record++] = p;
-			if (own.contains(p[0])) ++pCounts[p[0] - own.first + 1];
+			visit(canonical(*pTet), record++);
 		}
+	});
+}
+
+void TileArrays::count(std::uint32_t* pCounts) const
+{
+	forEachCanonical([&](const Canonical& tet, std::uint32_t) {
+		const std::uint32_t owner = tet.position[0];
+		if (own.contains(owner)) ++pCounts[owner - own.first + 1];
 	});
 }
 
@@ -128,21 +129,16 @@ void TileArrays::writeCorners(const OwnedArrays& to)
 	// Each owner's tetrahedra are gathered, and then sorted, where their corners will be.
 	TetRow* const pRows = reinterpret_cast<TetRow*>(to.pCorners);
 	std::vector<std::uint32_t> vNext(pFirst, pFirst + own.size());
-	const auto ownerAt = [this](std::size_t record) { return pPositions[record][0] - own.first; };
-	for (std::uint32_t record = 0; record < live.size(); ++record) {
-		if (record + kTetsAhead < live.size()) {
-			const std::uint32_t later = ownerAt(record + kTetsAhead);
-			if (later < own.size()) prefetch(&vNext[later]);
-			const std::uint32_t next = ownerAt(record + kAhead);
-			if (next < own.size()) prefetch(pRows + vNext[next]);
-		}
-		const auto& p = pPositions[record];
-		if (!own.contains(p[0])) continue;
+	vTurns.resize(live.size());
+	forEachCanonical([&](const Canonical& tet, std::uint32_t record) {
+		const auto& p = tet.position;
+		const bool bInside = own.contains(p[0]) && own.contains(std::max({p[1], p[2], p[3]}));
+		vTurns[record] = bInside ? static_cast<std::uint8_t>(tet.turn) : kAtBorder;
+		if (!own.contains(p[0])) return;
 		pRows[vNext[p[0] - own.first]++] = {static_cast<std::int32_t>(p[1]),
 		    static_cast<std::int32_t>(p[2]), static_cast<std::int32_t>(p[3]),
 		    static_cast<std::int32_t>(record)};
-	}
-	pPositions.reset();
+	});
 
 	vNumbers.assign(live.size(), kForeign);
 	vTetOfOwn.assign(own.size(), kForeign);

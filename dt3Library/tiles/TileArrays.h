@@ -9,7 +9,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
-#include <memory>
 #include <vector>
 
 namespace TULO3D {
@@ -51,7 +50,7 @@ public:
 	explicit TileArrays(const Tile& tile);
 
 	/// Counts the tetrahedra of each own vertex into the entry behind that of the vertex.
-	void count(std::uint32_t* pCounts);
+	void count(std::uint32_t* pCounts) const;
 	/// Once counts have become numbers. Writes the corners.
 	void writeCorners(const OwnedArrays& to);
 
@@ -97,6 +96,9 @@ private:
 	};
 	static Canonical canonical(const Tet3& tet);
 	static int cornerAt(unsigned turn, int i);
+	/// Calls visit(canonical, record) for all tetrahedra of the tile.
+	template <typename Visit>
+	void forEachCanonical(Visit visit) const;
 	bool hasOwn(const TetPositions& position) const
 	{
 		return own.contains(position[0]) || own.contains(position[1]) ||
@@ -110,8 +112,6 @@ private:
 	const PositionRange own;
 	const LiveTets live;
 	static constexpr std::uint8_t kAtBorder = 0xFF;
-	/// Of each tetrahedron its canonical positions, until the corners are written.
-	std::unique_ptr<TetPositions[]> pPositions;
 	std::vector<std::int32_t> vTetOfOwn; ///< the lowest tetrahedron at each own vertex
 	std::vector<std::int32_t>
 	    vNumbers; ///< of each tetrahedron of the tile, kForeign for those of others
