@@ -221,7 +221,7 @@ class Program(ProgramCase):
                            ([points, "--quality", "--voronoi"], "--quality measures tetrahedra"),
                            ([points, "-f", "stl"], "stl"), ([points, "--check", "--no-check"], "--check")):
             with self.subTest(text):
-                done = run(*args)
+                done = run(*args, cwd=self.folder)
                 self.assertEqual((done.returncode, done.stdout, done.stderr[:8]), (2, b"", b"tulo3d: "))
                 self.assertIn(text, done.stderr.decode())
 
