@@ -111,12 +111,14 @@ bool LineReader::step()
 bool LineReader::next()
 {
 	while (step()) {
+		wholeLine = line;
 		line = trimmed(line);
 		// All lines would pass for one, whose first three fields are a point, or which is a comment.
 		if (line.find('\r') != std::string_view::npos)
 			fail("lines end with carriage returns alone; convert them, as with tr '\\r' '\\n'");
-		line = trimmed(line.substr(0, line.find('#')));
-		rest = line;
+		wholeLine = wholeLine.substr(0, wholeLine.find('#'));
+		line = trimmed(wholeLine);
+		rewind();
 		if (line.empty()) continue;
 		// A number that was cut in its middle still looks like a number.
 		if (isOpenEnded())

@@ -28,15 +28,23 @@ public:
 
 	/// Fields are separated by blanks and tabs, unless a character is set here: then by exactly that
 	/// one, and blanks around a field are dropped. A field may stand between quotation marks, and then have
-	/// separators within it.
-	void setSeparator(char c) { separator = c; }
+	/// separators within it. Goes back to the first field.
+	void setSeparator(char c)
+	{
+		separator = c;
+		rewind();
+	}
+
+	bool isSeparatedByBlanks() const { return separator == ' '; }
 
 	/// The current line, without its comment.
 	std::string_view getLine() const { return line; }
 	/// The next field of the line; empty when there is none.
 	std::string_view field();
 	/// Goes back to the first field.
-	void rewind() { rest = line; }
+	void rewind() { rest = separator == '\t' ? wholeLine : line; }
+	/// The current line, without its comment, with the blanks and tabs around it.
+	std::string_view getWholeLine() const { return wholeLine; }
 	bool atLineEnd() const;
 	/// True when the text ends without ending this line: it may have been cut here.
 	bool isOpenEnded() const { return offset == source.text.size() && source.text.back() != '\n'; }
@@ -63,6 +71,7 @@ private:
 
 	const Source& source;
 	std::string_view line;
+	std::string_view wholeLine; // a tab in front may end an empty field
 	std::string_view rest;
 	std::size_t offset = 0;
 	std::size_t lineNumber = 0;

@@ -3,7 +3,6 @@
 #include "TextColumns.h"
 
 #include <algorithm>
-#include <cstring>
 
 namespace app {
 
@@ -85,18 +84,22 @@ void requireDistinct(const TextColumns& columns, const LineReader& lines)
 
 } // namespace
 
-std::vector<std::string> splitHeader(std::string_view line)
+char separatorOfHeader(std::string_view line)
 {
-	const char separator = line.find(';') != std::string_view::npos ? ';'
-	    : line.find(',') != std::string_view::npos                  ? ','
-	                                                                : ' ';
-	const char* const separators = separator == ';' ? ";" : separator == ',' ? "," : " \t\r";
+	if (line.find(';') != std::string_view::npos) return ';';
+	return line.find(',') != std::string_view::npos ? ',' : ' ';
+}
+
+std::vector<std::string> splitHeader(std::string_view line, char separator)
+{
+	const std::string_view separators =
+	    separator == ' ' ? std::string_view(" \t\r") : std::string_view(&separator, 1);
 	Names vNames;
 	for (std::size_t begin = 0; begin <= line.size();) {
 		auto end = begin;
 		for (bool bQuoted = false; end < line.size(); ++end) {
 			bQuoted ^= line[end] == '"';
-			if (!bQuoted && std::strchr(separators, line[end])) break;
+			if (!bQuoted && separators.find(line[end]) != std::string_view::npos) break;
 		}
 		const std::string name = trim(line.substr(begin, end - begin));
 		begin = end + 1;

@@ -22,9 +22,12 @@ struct TextColumns
 	std::vector<std::string> vNames;
 };
 
-/// The fields of a header line: separated by semicolons, commas or blanks, without quotation marks. A unit in
-/// brackets belongs to the name before it: "X [m] Y [m]" has two fields.
-std::vector<std::string> splitHeader(std::string_view line);
+/// What separates the names of a header line that is not separated by tabs: a semicolon, a comma or a blank.
+char separatorOfHeader(std::string_view line);
+
+/// The fields of a line, without quotation marks. Where blanks separate them, a unit in brackets belongs to the
+/// name before it: "X [m] Y [m]" has two fields.
+std::vector<std::string> splitHeader(std::string_view line, char separator);
 
 /// The columns that a header names x, y and z, in any case, with or without a unit, or as surveys do:
 /// easting, northing, height and the like. Nothing where one of them is not named; fails where several

@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: MIT
 // Points as plain text, one on a line: XYZ, CSV, TXT, PTS.
 //
-// Separators are blanks, or commas, or semicolons, decided for each line. The first line may be a header
-// that names the columns, or a lone count; a comment before it may be a header, too.
+// Separators are blanks, or commas, or semicolons, decided for each line; or tabs, one between two fields, where a
+// header has them: then fields and names may be empty, and have blanks within them. The first line may be a
+// header that names the columns, or a lone count; a comment before it may be a header, too.
 #include "ColumnValues.h"
 #include "Failure.h"
 #include "PointNumbers.h"
@@ -67,7 +68,7 @@ public:
 	{
 		while (lines.next()) {
 			if (lines.getLine().substr(0, 2) == "//") continue;
-			lines.setSeparator(separatorOf(lines.getLine()));
+			lines.setSeparator(bTabs ? '\t' : separatorOf(lines.getLine()));
 			if (numLines++ == 0 && readFirstLine()) continue;
 			if (bAnnounced && points.numRead() == announced)
 				lines.fail("more points than the " + std::to_string(announced) + " announced");
@@ -88,19 +89,62 @@ private:
 	// True when the first line is a header or a count, and not a point.
 	bool readFirstLine()
 	{
-		const auto vNames = splitHeader(lines.getLine());
-		if (isHeader(vNames)) return true;
-		if (vNames.size() >= 2 && std::none_of(vNames.begin(), vNames.end(), [&](const auto& name) {
-			    return isValue(name);
-		    })) {
-			if (vList.empty())
-				lines.fail("these names do not say which columns are x, y and z; --columns does");
-			setColumns(chooseColumns(vList, vNames, lines));
+		const auto line = lines.getLine();
+		if (line.find('\t') != std::string_view::npos &&
+		    readHeader(splitHeader(lines.getWholeLine(), '\t'))) {
+			bTabs = true;
+			header = lines.getWholeLine();
 			return true;
 		}
+		const auto vNames = splitHeader(line, separatorOfHeader(line));
+		if (readHeader(vNames)) return true;
+		if (vList.empty() && isAllNames(vNames))
+			lines.fail("these names do not say which columns are x, y and z; --columns does");
 		bAnnounced = parse(lines.field(), announced) && lines.atLineEnd();
 		lines.rewind();
 		return bAnnounced;
+	}
+
+	// True when the names are a header, which says alone or with the list of the user which columns are read.
+	bool readHeader(const std::vector<std::string>& vNames)
+	{
+		if (isHeader(vNames)) return true;
+		if (vList.empty() || !isAllNames(vNames)) return false;
+		setColumns(chooseColumns(vList, vNames, lines));
+		return true;
+	}
+
+	// True for two or more names, none of which is a number.
+	bool isAllNames(const std::vector<std::string>& vNames) const
+	{
+		return vNames.size() >= 2 &&
+		    std::none_of(
+		        vNames.begin(), vNames.end(), [&](const auto& name) { return isValue(name); });
+	}
+
+	// True when the first point has a field between tabs for each of the names. It may have fewer fields, if none
+	// that is x, y or z, unless more than one tab in the header stands between two names, to align them.
+	bool fitsTabs(const std::vector<std::string>& vNames) const
+	{
+		const auto vFields = splitHeader(lines.getWholeLine(), '\t');
+		std::size_t num = vFields.size();
+		while (num > 0 && vFields[num - 1].empty()) --num;
+		const auto& axes = columns.axes;
+		const bool bAligned = std::count(vNames.begin(), vNames.end(), "") > 0;
+		return num <= vNames.size() &&
+		    (vFields.size() >= vNames.size() ||
+		        (!bAligned && num > *std::max_element(axes.begin(), axes.end())));
+	}
+
+	// Tabs that only align what blanks separate, too, are not one between two fields.
+	void keepTabsIfTheyFit()
+	{
+		if (!bTabs || fitsTabs(splitHeader(header, '\t'))) return;
+		bTabs = bKnown = false;
+		numNames = 0;
+		if (!readHeader(splitHeader(header, separatorOfHeader(header))))
+			lines.fail("not as many fields between tabs as the header has names");
+		lines.setSeparator(separatorOf(lines.getLine()));
 	}
 
 	// True when the names say which columns are read: then no line may have more fields than these.
@@ -130,9 +174,11 @@ private:
 	// Before the first point: the number of its fields tells a header from other comments.
 	void prepare()
 	{
+		keepTabsIfTheyFit();
+		for (std::size_t i = 0; i < vComments.size() && !bKnown; ++i) readTabComment(vComments[i]);
 		numFields = countFields();
 		for (std::size_t i = 0; i < vComments.size() && !bKnown; ++i) {
-			const auto vNames = splitHeader(vComments[i]);
+			const auto vNames = splitHeader(vComments[i], separatorOfHeader(vComments[i]));
 			if (vNames.size() == numFields)
 				isHeader(vNames);
 			else if (vNames.size() == 3 && numFields > 3 && isHeader(vNames))
@@ -144,6 +190,17 @@ private:
 		if (bAnnounced && !bKnown) nameScannerColumns();
 		assignRoles();
 		bNumbers = vList.empty() && numNames == 0 && numFields >= 4;
+	}
+
+	// A comment is a header with tabs when there is a name for each field between tabs of the first point.
+	void readTabComment(std::string_view comment)
+	{
+		const auto vNames = splitHeader(comment, '\t');
+		if (vNames.size() < 3 || vNames.size() != splitHeader(lines.getWholeLine(), '\t').size() ||
+		    !isHeader(vNames))
+			return;
+		bTabs = true;
+		lines.setSeparator('\t');
 	}
 
 	// A comment with more or fewer words than there are columns is prose, unless it starts with another order.
@@ -169,6 +226,7 @@ private:
 	std::size_t countFields()
 	{
 		std::size_t num = 0;
+		lines.rewind();
 		for (std::size_t i = 1; !lines.atLineEnd(); ++i)
 			if (!lines.field().empty()) num = i;
 		lines.rewind();
@@ -217,20 +275,49 @@ private:
 			else if (role != kIgnored)
 				vOthers[role - 3].append(field);
 		}
-		refuseMoreFields();
+		if (numNames > 0) compareWithHeader();
 		lines.add(points, values[0], values[1], values[2]);
 		if (points.numLeftOut() == numLeftOut) return;
 		for (auto& column : vOthers) column.dropLast();
 	}
 
-	// A field too many may be a number of the point in front of the coordinates, or part of a number.
-	void refuseMoreFields()
+	// A field too many may be a number of the point in front of the coordinates, or part of a number. Where blanks
+	// separate the fields, nothing shows which of them is missing: then it must be behind the coordinates.
+	void compareWithHeader()
 	{
-		for (std::size_t i = vRoles.size(); numNames > 0 && !lines.atLineEnd(); ++i)
-			if (!lines.field().empty() && i >= numNames)
-				lines.fail("more fields than the header has names, which are " +
-				    std::to_string(numNames) +
-				    "; say with --columns which columns are x, y and z, by numbers such as 1,2,3");
+		std::size_t num = vRoles.size();
+		bool bMore = false;
+		for (; !lines.atLineEnd(); ++num) bMore |= !lines.field().empty() && num >= numNames;
+		if (bMore && !endsWithText())
+			lines.fail("more fields than the header has names, which are " +
+			    std::to_string(numNames) +
+			    "; say with --columns which columns are x, y and z, by numbers such as 1,2,3");
+		if (!lines.isSeparatedByBlanks() || areAxesFirst()) return;
+		if (countFields() < numNames)
+			lines.fail("fewer fields than the header has names, which are " +
+			    std::to_string(numNames) +
+			    ", and one before the coordinates may be missing; say with --columns which columns "
+			    "are "
+			    "x, y and z, by numbers such as 2,3,4");
+	}
+
+	// True when no column but those of x, y and z is before one of these.
+	bool areAxesFirst() const
+	{
+		return *std::max_element(columns.axes.begin(), columns.axes.end()) == 2;
+	}
+
+	// True when blanks separate the fields and the last column is text of several words.
+	bool endsWithText()
+	{
+		const auto& axes = columns.axes;
+		if (!lines.isSeparatedByBlanks() ||
+		    std::find(axes.begin(), axes.end(), numNames - 1) != axes.end())
+			return false;
+		lines.rewind();
+		for (std::size_t i = 1; i < numNames; ++i) lines.field();
+		const std::string word(lines.field());
+		return !isValue(word) && !isNoValue(word);
 	}
 
 	void addAttributes()
@@ -262,6 +349,8 @@ private:
 	std::vector<std::size_t> vRoles;
 	static constexpr std::size_t kIgnored = SIZE_MAX;
 	std::vector<ColumnValues> vOthers;
+	bool bTabs = false;      // a tab is between two fields
+	std::string_view header; // the line that has them
 	std::size_t numLines = 0;
 	std::size_t numFields = 0; // of the first point
 	std::size_t numNames = 0;  // of the header; 0 when there is none, or not for all columns
