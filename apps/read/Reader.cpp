@@ -13,6 +13,7 @@
 #include <cstring>
 #include <filesystem>
 #include <memory>
+#include <string_view>
 #include <system_error>
 
 #ifdef _WIN32
@@ -83,31 +84,39 @@ std::size_t countFields(LineReader& lines)
 	return num;
 }
 
-// A line with counts, and then numbered points. It need not be without faults: those are told of a .node, while a
-// text of points would be a mesh of wrong points.
+// The lines with content.
+std::size_t countLines(std::string_view text)
+{
+	std::size_t num = 0;
+	for (std::size_t begin = 0; begin < text.size();) {
+		const auto end = std::min(text.find('\n', begin), text.size());
+		const auto line = trimmed(text.substr(begin, end - begin));
+		if (!line.empty() && line[0] != '#') ++num;
+		begin = end + 1;
+	}
+	return num;
+}
+
+// A line with counts, and then as many points as it announces or points that are numbered. Faults of later lines do
+// not count: they are told of a .node, while a text of points would be a mesh of wrong points.
 bool startsLikeNode(const Source& source)
 {
 	const Source start{source.name, startOf(source.text), source.options, source.progress};
 	LineReader lines(start);
 	if (!lines.next()) return false;
-	std::size_t aHead[4] = {0, 0, 0, 0};
-	const std::size_t numHeadFields = countFields(lines);
+	std::size_t aHead[4] = {0, 0, 0, 0}; // points, dimension, attributes, markers
 	for (auto& number : aHead)
 		if (!lines.atLineEnd() && !parse(lines.field(), number)) return false;
-	if (!lines.atLineEnd() || aHead[1] != 3 || aHead[3] > 1) return false;
+	if (!lines.atLineEnd() || (aHead[1] != 2 && aHead[1] != 3)) return false;
 
-	constexpr std::size_t kFewLines = 8;
-	std::size_t num = 0, first = 0, number = 0, numFields = 0;
-	bool bConsecutive = true;
-	for (; num < kFewLines && lines.next(); ++num) {
-		if (num == 0) numFields = countFields(lines);
-		if (countFields(lines) < 4 || !parse(lines.field(), number)) return false;
-		if (num == 0) first = number;
-		bConsecutive = bConsecutive && number == first + num;
-	}
-	// As a text, one line would have fewer fields than the others, or the other points would be numbered.
-	const bool bAsAnnounced = first <= 1 && numFields == 4 + aHead[2] + aHead[3];
-	return num > 0 && (bAsAnnounced || bConsecutive || numFields != numHeadFields);
+	const std::string_view text = source.text;
+	if (aHead[0] > 0 &&
+	    countLines(text.substr(std::min(lines.getOffset(), text.size()))) == aHead[0])
+		return true;
+	std::size_t first = 0, second = 0;
+	if (aHead[0] < 4 || !lines.next() || countFields(lines) < 4 || !parse(lines.field(), first))
+		return false;
+	return first <= 1 || (lines.next() && parse(lines.field(), second) && second == first + 1);
 }
 
 const Format& chooseFormat(const Source& source)
@@ -182,6 +191,21 @@ std::string readWhole(const std::string& file, const std::string& name, Progress
 	return text;
 }
 
+// What begins like a .node may be a text of whole numbers, so an error says how it was read.
+void readAs(const Format& format, const Source& source, PointList& points)
+{
+	const bool bGuessed = format.read == readNode && source.options.format.empty() &&
+	    extensionOf(source.name).empty();
+	try {
+		requireText(format, source.options);
+		format.read(source, points);
+	} catch (const Failure& failure) {
+		if (!bGuessed) throw;
+		throw Failure(failure.status,
+		    std::string(failure.what()) + " (read as .node; --format xyz reads it as text)");
+	}
+}
+
 } // namespace
 
 std::vector<std::string> getFormatNames()
@@ -198,10 +222,8 @@ Input readPoints(const std::string& file, const ReadOptions& options, Progress& 
 	if (isGzip(source.text)) source.text = unzip(source.text, name);
 	refuseUtf16(source);
 	progress.begin("reading");
-	const Format& format = chooseFormat(source);
-	requireText(format, options);
 	PointList points(options);
-	format.read(source, points);
+	readAs(chooseFormat(source), source, points);
 	Input input = points.take();
 	const std::string start = name + ": ";
 	for (const auto& note : makeNamesDistinct(input.vAttributes, options.vOwnNames))
