@@ -66,6 +66,21 @@ bool parseDecimalComma(std::string_view field, double& value)
 	return parse(std::string_view(withPoint), value);
 }
 
+std::size_t findUnquoted(std::string_view text, char c)
+{
+	const auto found = text.find(c);
+	if (found == std::string_view::npos || text.find('"') > found) return found;
+	for (std::size_t i = 0; i < text.size(); ++i) {
+		if (text[i] == c) return i;
+		const bool bFieldStarts = i == 0 || kBlanks.find(text[i - 1]) != std::string_view::npos ||
+		    text[i - 1] == ',' || text[i - 1] == ';';
+		const auto end =
+		    text[i] == '"' && bFieldStarts ? endOfQuotes(text, i) : std::string_view::npos;
+		if (end != std::string_view::npos) i = end;
+	}
+	return std::string_view::npos;
+}
+
 std::string_view trimmed(std::string_view text)
 {
 	const auto first = text.find_first_not_of(kBlanks);
@@ -116,7 +131,7 @@ bool LineReader::next()
 		// All lines would pass for one, whose first three fields are a point, or which is a comment.
 		if (line.find('\r') != std::string_view::npos)
 			fail("lines end with carriage returns alone; convert them, as with tr '\\r' '\\n'");
-		wholeLine = wholeLine.substr(0, wholeLine.find('#'));
+		wholeLine = wholeLine.substr(0, findUnquoted(wholeLine, '#'));
 		line = trimmed(wholeLine);
 		rewind();
 		if (line.empty()) continue;
@@ -152,16 +167,18 @@ std::string_view LineReader::field()
 }
 
 // Goes back to `before`, where the field starts; `found` is what it is without regard to the quotation marks.
+// Text behind the closing mark belongs to the field: then the marks are no quotation, and it is no number.
 std::string_view LineReader::fieldInQuotes(std::string_view before, std::string_view found)
 {
 	const auto first = before.find('"'), end = endOfQuotes(before, first);
 	if (end == std::string_view::npos) return found;
-	rest = before.substr(end + 1);
-	if (separator != ' ') {
-		const auto next = rest.find(separator);
-		rest = next == std::string_view::npos ? std::string_view() : rest.substr(next + 1);
-	}
-	return trimmed(before.substr(first + 1, end - first - 1));
+	const auto next = std::min(
+	    separator == ' ' ? before.find_first_of(kBlanks, end + 1) : before.find(separator, end + 1),
+	    before.size());
+	rest = before.substr(std::min(next + (separator == ' ' ? 0 : 1), before.size()));
+	const bool bWhole = trimmed(before.substr(end + 1, next - end - 1)).empty();
+	return trimmed(
+	    bWhole ? before.substr(first + 1, end - first - 1) : before.substr(first, next - first));
 }
 
 bool LineReader::atLineEnd() const

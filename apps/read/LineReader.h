@@ -12,7 +12,7 @@
 namespace app {
 
 /// Lines that are blank or hold nothing but a comment are passed over; '#' starts a comment
-/// anywhere. Numbers are read with `std::from_chars`, so no locale changes what a file means.
+/// anywhere but between quotation marks. Numbers are read with `std::from_chars`, so no locale changes what a file means.
 class LineReader
 {
 public:
@@ -82,6 +82,8 @@ private:
 
 /// The text without blanks around it.
 std::string_view trimmed(std::string_view text);
+/// Where `c` stands first outside of fields in quotation marks; npos where it does not.
+std::size_t findUnquoted(std::string_view text, char c);
 /// The text with capital letters of ASCII made small.
 std::string lowerCase(std::string_view text);
 /// The field as it may be shown in a message: printable and not too long.

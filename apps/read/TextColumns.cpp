@@ -86,8 +86,8 @@ void requireDistinct(const TextColumns& columns, const LineReader& lines)
 
 char separatorOfHeader(std::string_view line)
 {
-	if (line.find(';') != std::string_view::npos) return ';';
-	return line.find(',') != std::string_view::npos ? ',' : ' ';
+	if (findUnquoted(line, ';') != std::string_view::npos) return ';';
+	return findUnquoted(line, ',') != std::string_view::npos ? ',' : ' ';
 }
 
 std::vector<std::string> splitHeader(std::string_view line, char separator)

@@ -45,8 +45,8 @@ bool hasDecimalCommas(std::string_view line)
 
 char separatorOf(std::string_view line)
 {
-	if (line.find(';') != std::string_view::npos) return ';';
-	if (line.find(',') == std::string_view::npos) return ' ';
+	if (findUnquoted(line, ';') != std::string_view::npos) return ';';
+	if (findUnquoted(line, ',') == std::string_view::npos) return ' ';
 	return hasDecimalCommas(line) ? ' ' : ',';
 }
 
@@ -291,7 +291,8 @@ private:
 		if (bMore && !endsWithText())
 			lines.fail("more fields than the header has names, which are " +
 			    std::to_string(numNames) +
-			    "; say with --columns which columns are x, y and z, by numbers such as 1,2,3");
+			    "; say with --columns which columns are x, y and z, by numbers such as 2,3,4 where "
+			    "a number of the point comes first");
 		if (!lines.isSeparatedByBlanks() || areAxesFirst()) return;
 		if (countFields() < numNames)
 			lines.fail("fewer fields than the header has names, which are " +
