@@ -563,6 +563,12 @@ class Attributes(ProgramCase):
         self.assertEqual(read, {**dict.fromkeys("xyz", "double"), "x_2": "int", "red": "ushort", "green": "ushort", "blue": "ushort",
                                 "volume_2": "int", "RGB_2": "int", "h___": "int", "h____2": "int", "inputIndex": "int"})
         self.assertEqual(done.stderr.count(b"warning"), 4)
+        row = "%d %d %d 1 2 300\n"
+        for colours, types in (("Red[8bit] GREEN Blue", {"red": "ushort", "green": "ushort", "blue": "ushort"}),
+                               ("RED red blue", {"RED": "uchar", "red": "uchar", "blue": "ushort"}),
+                               ("r R b", {"r": "int", "R": "int", "b": "int"})):
+            run(self.write("b.txt", f"x y z {colours}\n" + "".join(row % c for c in CORNERS)), "-o", hull)
+            self.assertEqual({n: t for n, (t, _) in list(readPly(hull).items())[3:-1]}, types)
         self.assertIn(b"the attribute 'volume' is written as 'volume_2'", done.stderr)
         names = re.findall(rb' Name="(.*?)"', grid.read_bytes())
         self.assertEqual(len(set(names)), len(names)), self.assertIn(b"RGB", names)

@@ -3,6 +3,7 @@
 #include "ColumnValues.h"
 
 #include "LineReader.h"
+#include "TextColumns.h"
 
 #include <algorithm>
 #include <limits>
@@ -75,19 +76,25 @@ void uniteColours(std::vector<ColumnValues>& vColumns)
 {
 	constexpr const char* aNames[] = {"red", "green", "blue"};
 	for (const bool bLetters : {false, true}) {
-		std::vector<ColumnValues*> vFound;
-		for (const std::string_view name : aNames)
-			for (auto& column : vColumns)
-				if (column.areNumbers() &&
-				    lowerCase(column.name) == (bLetters ? name.substr(0, 1) : name))
-					vFound.push_back(&column);
-		if (vFound.size() != 3) continue;
+		ColumnValues* aFound[3] = {};
+		std::size_t aNumFound[3] = {};
+		for (std::size_t i = 0; i < 3; ++i) {
+			const auto name =
+			    std::string_view(aNames[i]).substr(0, bLetters ? 1 : std::string_view::npos);
+			for (auto& column : vColumns) {
+				if (!column.areNumbers() || plainName(column.name) != name) continue;
+				aFound[i] = &column;
+				++aNumFound[i];
+			}
+		}
+		if (std::any_of(aNumFound, aNumFound + 3, [](std::size_t num) { return num != 1; }))
+			continue;
 		auto type = ColumnType::kByte;
 		for (std::size_t i = 0; i < 3; ++i) {
-			vFound[i]->name = aNames[i];
-			type = std::max(type, vFound[i]->smallestType());
+			aFound[i]->name = aNames[i];
+			type = std::max(type, aFound[i]->smallestType());
 		}
-		for (auto* pColumn : vFound) pColumn->leastType = type;
+		for (auto* pColumn : aFound) pColumn->leastType = type;
 		return;
 	}
 }

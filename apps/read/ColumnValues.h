@@ -47,7 +47,8 @@ private:
 	bool bNumbers = true;
 };
 
-/// Gives columns named red, green and blue, or r, g and b, in any case, these names in small letters, and one type.
+/// Gives columns named red, green and blue, or r, g and b, in any case, with or without a unit, these names in small
+/// letters, and one type; no columns where two have one of these names.
 void uniteColours(std::vector<ColumnValues>& vColumns);
 
 /// True for what programs write where there is no number, and for nothing at all.

@@ -33,12 +33,6 @@ std::string trim(std::string_view text)
 	return std::string(text.substr(first, text.find_last_not_of(" \t\r\"") - first + 1));
 }
 
-// In small letters and without a unit.
-std::string plainName(const std::string& name)
-{
-	return trim(lowerCase(std::string_view(name).substr(0, name.find_first_of("[("))));
-}
-
 bool contains(const Names& vNames, const std::string& name)
 {
 	return std::find(vNames.begin(), vNames.end(), name) != vNames.end();
@@ -83,6 +77,11 @@ void requireDistinct(const TextColumns& columns, const LineReader& lines)
 }
 
 } // namespace
+
+std::string plainName(const std::string& name)
+{
+	return trim(lowerCase(std::string_view(name).substr(0, name.find_first_of("[("))));
+}
 
 char separatorOfHeader(std::string_view line)
 {

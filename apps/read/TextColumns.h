@@ -29,6 +29,9 @@ char separatorOfHeader(std::string_view line);
 /// name before it: "X [m] Y [m]" has two fields.
 std::vector<std::string> splitHeader(std::string_view line, char separator);
 
+/// The name in small letters, without a unit in brackets.
+std::string plainName(const std::string& name);
+
 /// The columns that a header names x, y and z, in any case, with or without a unit, or as surveys do:
 /// easting, northing, height and the like. Nothing where one of them is not named; fails where several
 /// columns may be meant.
