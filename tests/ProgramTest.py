@@ -27,6 +27,7 @@ MESHIO_TOOL = Path(__file__).parent.parent / "tools" / "read_with_meshio.py"
 random.seed(3)
 POINTS = [(random.gauss(0, 1), random.random() / 3, random.uniform(-2e6, 2e6)) for _ in range(40)]
 RASTER = [tuple(0.01 * k + 2e6 for k in random.sample(range(-5000, 5000), 3)) for _ in range(40)]
+STEPS = [(i, y, z) for i, (_, y, z) in enumerate(POINTS)]
 FACES = [(0, 1, 2), (3, 4, 15)]
 
 
@@ -67,7 +68,7 @@ def german(points, sep):
 CSV = "".join(f"{i},{z!r}, {x!r} ,+{abs(y)!r}\n" for i, (x, y, z) in enumerate(POINTS))
 OFF = "# a comment\n{} {} 0\n" + lines(POINTS, tail=" 0.5 0.5 0.5") + "\n3 0 1 2\n3 3 4 15\n"
 SWAPPED = [(z, x, y) for x, y, z in POINTS]
-FORMATS = {  # name: content; all hold POINTS, the LAS files RASTER
+FORMATS = {  # name: content; all hold POINTS, the LAS files RASTER, two of them STEPS
     "comment.xyz": "# x y z where z is height\n# some scan of y by x and z\n#  z x y\n" + lines(SWAPPED, tail=" 7"),
     "survey.csv": ('Point,"Elevation [m]",Easting (m),NORTHING,X-Axis\n'
                    + lines(SWAPPED, ",", head="P1,", end=",5\nP1,")[:-3]),
@@ -87,6 +88,7 @@ FORMATS = {  # name: content; all hold POINTS, the LAS files RASTER
     "marks.csv": "name,x,y,z\n" + lines(POINTS, ",", end='\n"Lot #5; b",', head='"a; b",')[:-len('"Lot #5; b",')],
     "comma at the end.csv": "x,y,z\n" + lines(POINTS, ",", tail=",,"),
     "semicolons.txt": lines(POINTS, " ; ", "\r\n"), "counted.pts": lines(POINTS, head="40\n", tail=" 9"),
+    "scan.pts": lines(STEPS, head="40\n", tail=" 9"), "steps.xyz": lines(STEPS, head="# E N H\n", tail=" 9"),
     "columns.CSV": 'id,"Z",X,y\n' + CSV, "bare": lines(POINTS)[:-1],
     "ascii.ply": ply("ascii"), "little.ply": ply("binary_little_endian", "<"),
     "big.ply": ply("binary_big_endian", ">"), "magic.dat": ply("binary_big_endian", ">"),
@@ -102,6 +104,7 @@ BAD = [  # name, content, exit status, what standard error says
     ("a.txt", "1,5 2,5 3,5\n1 1 1.5\n", 3, "a.txt:2: '1.5': some numbers have a decimal point and"),
     ("a.csv", FOUR.replace(" ", ";") + "0;0;1.234,5\n", 3, "a.csv:4: '1.234,5' is not a number"),
     ("a.xyz", lines(POINTS, numbered=100), 3, "the first column has whole numbers that only rise, from 100 to 139:"),
+    ("a.xyz", lines(POINTS, numbered=2**60), 3, f"whole numbers that only rise, from {2**60} to {2**60 + 39}:"),
     ("a.xyz", "".join(f"{99 - 2 * i}.0 {row}" for i, row in enumerate(lines(POINTS[:8]).splitlines(True))), 3,
      "whole numbers that only fall, from 99 to 85:"),
     ("a.csv", "x,y,z\n" + FOUR.replace(" ", ",") + "1,5,2,5\n", 3, "a.csv:5: more fields than the header has names, which are 3"),
@@ -172,6 +175,7 @@ class Program(ProgramCase):
                 done = run(self.write(name, content), "-o", self.mesh, "-q")
                 self.assertEqual((done.returncode, done.stdout, done.stderr), (0, b"", b""))
                 points = [(x, abs(y), z) for x, y, z in POINTS] if name == "columns.CSV" else POINTS
+                points = STEPS if name in ("scan.pts", "steps.xyz") else points
                 self.assertEqual(readNodes(self.mesh), RASTER if name.endswith("las") else points)
 
     def testTheUserSaysWhichColumnsAndLinesAreRead(self):

@@ -4,35 +4,46 @@
 
 #include "LineReader.h"
 
-#include <algorithm>
 #include <cmath>
 
 namespace app {
 
+namespace {
+
+// As a whole number first: from 2^53 on, neighbours may be one double.
+bool parseWholeNumber(std::string_view field, std::int64_t& number)
+{
+	if (parse(field, number)) return true;
+	double real = 0;
+	if (!(parse(field, real) || parseDecimalComma(field, real))) return false;
+	if (real != std::floor(real) || std::fabs(real) > 1e18) return false;
+	number = static_cast<std::int64_t>(real);
+	return true;
+}
+
+} // namespace
+
 void PointNumbers::add(std::string_view field)
 {
 	if (!bPossible) return;
-	double number = 0;
-	bPossible = (parse(field, number) || parseDecimalComma(field, number)) && number >= 0 &&
-	    number == std::floor(number);
+	std::int64_t number = 0;
+	bPossible = parseWholeNumber(field, number) && number >= 0;
+	if (!bPossible) return;
 	if (num++ == 0) {
 		first = last = number;
 		return;
 	}
-	const double newStep = number - last;
-	bPossible = bPossible && newStep != 0 && step * newStep >= 0;
-	bConsecutive = bConsecutive && std::fabs(newStep) == 1;
+	const std::int64_t newStep = number - last;
+	bPossible = newStep != 0 && (step == 0 || (step > 0) == (newStep > 0));
+	bConsecutive = bConsecutive && (newStep == 1 || newStep == -1);
 	step = newStep;
 	last = number;
 }
 
 std::string PointNumbers::describe() const
 {
-	const auto text = [](double number) {
-		return std::to_string(static_cast<std::uint64_t>(std::min(number, 1e18)));
-	};
 	return std::string("whole numbers that only ") + (step > 0 ? "rise" : "fall") + ", from " +
-	    text(first) + " to " + text(last);
+	    std::to_string(first) + " to " + std::to_string(last);
 }
 
 } // namespace app

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -24,7 +25,7 @@ private:
 	bool bPossible = true;
 	bool bConsecutive = true;
 	std::size_t num = 0;
-	double first = 0, last = 0, step = 0;
+	std::int64_t first = 0, last = 0, step = 0;
 };
 
 } // namespace app

@@ -189,7 +189,7 @@ private:
 		if (!vList.empty() && !bKnown) setColumns(chooseColumns(vList, {}, lines));
 		if (bAnnounced && !bKnown) nameScannerColumns();
 		assignRoles();
-		bNumbers = vList.empty() && numNames == 0 && numFields >= 4;
+		bNumbers = vList.empty() && columns.vNames.empty() && numFields >= 4;
 	}
 
 	// A comment is a header with tabs when there is a name for each field between tabs of the first point.
@@ -216,9 +216,10 @@ private:
 	// What laser scanners write after a count.
 	void nameScannerColumns()
 	{
+		if (numFields != 4 && numFields != 6 && numFields != 7) return;
 		columns.vNames.resize(3);
-		if (numFields == 4 || numFields == 7) columns.vNames.emplace_back("intensity");
-		if (numFields == 6 || numFields == 7)
+		if (numFields != 6) columns.vNames.emplace_back("intensity");
+		if (numFields != 4)
 			for (const char* colour : {"red", "green", "blue"}) columns.vNames.emplace_back(colour);
 	}
 
