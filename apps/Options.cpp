@@ -9,8 +9,10 @@
 
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <string_view>
 
 namespace app {
 
@@ -38,6 +40,21 @@ double positiveNumber(const char* option, const std::string& text, const char* a
 	if (ec != std::errc() || end != pEnd || !(value > 0) || !std::isfinite(value))
 		throw CLI::ValidationError(option, "'" + text + "' is no positive number" + alternative);
 	return value;
+}
+
+// The list at its commas; a name may not be empty, as that would move the columns behind it.
+std::vector<std::string> splitColumns(const std::string& list)
+{
+	std::vector<std::string> vColumns;
+	for (std::size_t begin = 0; begin <= list.size();) {
+		const auto end = std::min(list.find(',', begin), list.size());
+		vColumns.emplace_back(trimmed(std::string_view(list).substr(begin, end - begin)));
+		if (vColumns.back().empty())
+			throw CLI::ValidationError(
+			    "--columns", "'" + list + "' has an empty name; _ passes over a column");
+		begin = end + 1;
+	}
+	return vColumns;
 }
 
 // What is to be computed, from the options that were given and the values of two of them.
@@ -71,12 +88,11 @@ std::optional<int> parseCommandLine(int argc, char** argv, Options& options)
 	cli.add_option("FILE", options.file, "The points; - is standard input");
 	cli.add_option("-f,--format", options.reading.format, "Input format; overrides detection")
 	    ->check(CLI::IsMember(getFormatNames()));
-	cli.add_option("--columns", options.reading.vColumns,
-	       "The columns of a text: the numbers (from 1) or names of those of x, y and z, or the "
-	       "names "
-	       "of all in their order, such as id,x,y,z")
-	    ->delimiter(',')
-	    ->allow_extra_args(false);
+	std::string columns;
+	cli.add_option("--columns", columns,
+	    "The columns of a text: the numbers (from 1) or names of those of x, y and z, or the "
+	    "names "
+	    "of all in their order, such as id,x,y,z");
 	cli.add_option("--skip-lines", options.reading.numSkippedLines,
 	       "Pass over the first lines of a text, so many")
 	    ->check([](const std::string& text) {
@@ -128,7 +144,7 @@ std::optional<int> parseCommandLine(int argc, char** argv, Options& options)
 		cli.parse(argc, argv);
 		if (cli.count("FILE") == 0 && isTerminal(stdin)) throw CLI::RequiredError("FILE");
 		readShape(cli, radius, longest, options.shape);
-		for (auto& column : options.reading.vColumns) column = std::string(trimmed(column));
+		if (cli.count("--columns") > 0) options.reading.vColumns = splitColumns(columns);
 	} catch (const CLI::ParseError& error) {
 		return cli.exit(error) == 0 ? kDone : kWrongUse;
 	}

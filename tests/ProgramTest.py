@@ -196,7 +196,7 @@ class Program(ProgramCase):
                 leftOut = {"a.csv": 3, "a.off": 1}[name] if "invalid" in args[0] else 0
                 self.assertEqual(json.loads(done.stdout)["invalidPoints"], leftOut)
         for columns, text in (("r,v", "names no x, y and z"), ("r,v,up", "no column is named 'up'"),
-                              ("0,1,2", "counted from 1"), ("1,2,99999999999", "'99999999999' is none"), ("r,v,R", "twice")):
+                              ("0,1,2", "counted from 1"), ("1,2,99999999999", "'99999999999' is none"), ("r,v,R", "twice"), ("x,y,z,X", "x twice")):
             self.assertIn(text, run(self.write("a.csv", named), "--columns", columns).stderr.decode())
 
     def testBadInputIsReportedWithItsPlaceAndStatus(self):
@@ -223,6 +223,7 @@ class Program(ProgramCase):
         for args, text in ((["--nonsense"], "--nonsense"), ([points, "-o", "m.st"], "m.st: no output format"),
                            ([points, "-o", "-"], "(--to)"), ([points, "--to", "stl"], "-o -"),
                            ([points, "-o", "-", "--to", "tetgen"], "--to"), ([points, "--columns", "1,2,3"], "are for text"),
+                           ([points, "--columns", "1,2,3,"], "'1,2,3,' has an empty name"), ([points, "--columns", ",1,2,3"], "empty name"),
                            ([points, "--skip-lines", "-1"], "'-1' is no number of lines"),
                            ([points, "-o", points], "would replace the input"), ([points, "-q", "-v"], "--quiet"),
                            ([points, "--hull", "--alpha", "3"], "does not go with --hull"),

@@ -164,6 +164,10 @@ TextColumns chooseColumns(const Names& vList, const Names& vNames, const LineRea
 	if (!bAxesListed && !bThree)
 		lines.fail("--columns names no x, y and z, nor three columns that hold them");
 	if (!bAxesListed) places = {0, 1, 2};
+	for (const char* axis : kAxes)
+		if (std::count_if(vList.begin(), vList.end(),
+		        [&](const std::string& name) { return plainName(name) == axis; }) > 1)
+			lines.fail(std::string("--columns names ") + axis + " twice");
 
 	if (hasNames(vNames, vList)) {
 		for (std::size_t axis = 0; axis < 3; ++axis)
