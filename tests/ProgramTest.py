@@ -374,8 +374,10 @@ class Program(ProgramCase):
                 self.assertEqual(run(points, "-o", target).returncode, 0)
                 self.assertNotEqual(target.read_text("latin-1"), "old")
         self.assertEqual(run(points, "-o", self.folder / "none" / "m.vtu").returncode, 5)
-        for scale in 1e-160, 1e59:
-            done = run("-o", self.folder / "far.stl", input=lines([[scale * c for c in p] for p in CORNERS]).encode())
+        small = [(1e7, 0, 0), (1e7 + 0.5, 0, 0), (1e7, 0.5, 0), (1e7, 0, 0.5)]  # of floats near 1e7, every one is whole
+        for part in *([[scale * c for c in p] for p in CORNERS] for scale in (1e-160, 1e59)), [*small, (0, 0, 0)]:
+            edge = ["--max-edge", "1"] if part[:1] == small[:1] else []
+            done = run("-o", self.folder / "far.stl", *edge, input=lines(part).encode())
             self.assertEqual((done.returncode, (self.folder / "far.stl").exists()), (5, False), done.stderr)
             self.assertIn(b"no number beyond 3e38", done.stderr)
         hull, link, other, hard = (self.folder / name for name in ("m.off", "link.off", "new.off", "hard.off"))

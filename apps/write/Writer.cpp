@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <type_traits>
 
 namespace app {
@@ -73,14 +74,14 @@ const Triangles& surfaceOf(const Result& result)
 	return shape.kind == ShapeKind::kMesh ? result.mesh.vHullCorners : shape.solid.vTriangles;
 }
 
-// The largest change of a coordinate when it becomes a float, as a part of the largest extent of the box.
-double floatRounding(const Mesh& mesh)
+// The largest change of a coordinate of the triangles when it becomes a float, as a part of their largest extent.
+double floatRounding(const Mesh& mesh, const Triangles& vTriangles)
 {
 	double change = 0, extent = 0;
 	for (std::size_t axis = 0; axis < 3; ++axis) {
-		double low = mesh.vCoordinates[axis], high = low;
-		for (std::size_t i = axis; i < mesh.vCoordinates.size(); i += 3) {
-			const double value = mesh.vCoordinates[i];
+		double low = std::numeric_limits<double>::infinity(), high = -low;
+		for (const auto corner : vTriangles) {
+			const double value = mesh.vCoordinates[3 * static_cast<std::size_t>(corner) + axis];
 			low = std::min(low, value);
 			high = std::max(high, value);
 			change =
@@ -216,7 +217,7 @@ std::string outputWarning(const Result& result, const Path& output)
 		                                   : "; .ply takes less");
 	}
 	if (format.writeSurface != writeStl) return {};
-	const double rounding = floatRounding(result.mesh);
+	const double rounding = floatRounding(result.mesh, surfaceOf(result));
 	constexpr double kUseless = 0.1, kVisible = 1e-5;
 	if (!(rounding < kUseless))
 		throw Failure(kNotWritten,
