@@ -2,8 +2,8 @@
 // The files of TetGen: .node (points), .ele (corners) and .neigh (neighbours, -1 on the hull). Neighbour i
 // lies opposite corner i, as in the mesh itself.
 //
-// Points are numbered as in the input, so that what is known of them stays right; those that repeat others
-// have no tetrahedra. Or, on demand, only vertices are written, and a .map names the vertex of each point.
+// Points are numbered as in the input, so that what is known of them stays right; duplicates have no
+// tetrahedra. Or, on demand, only vertices are written, and a .map names the vertex of each point.
 #include "OutputFile.h"
 #include "Writer.h"
 
