@@ -2,6 +2,7 @@
 """One mesh by many processes: that of one engine, whatever the chunks, tiles, workers and their deaths."""
 
 import os
+import re
 import signal
 import subprocess
 import sys
@@ -189,6 +190,39 @@ def write_las(path, points):
     las.x, las.y, las.z = np.rint(points.T * 2**20) / 2**20
     las.write(path)
     return np.stack([las.x, las.y, las.z], axis=1)
+
+
+def allow_more_memory(num_bytes):
+    import resource
+
+    now = int(re.search(r"VmData:\s+(\d+) kB", Path("/proc/self/status").read_text())[1]) * 1024
+    resource.setrlimit(resource.RLIMIT_DATA, (now + num_bytes, resource.RLIM_INFINITY))
+
+
+def random_points(i, num=20_000):
+    return np.random.default_rng(i).random((num, 3))
+
+
+def one_engine(num_chunks):
+    return tulo3d.Delaunay(np.concatenate([random_points(i) for i in range(num_chunks)])).nsimplex
+
+
+@pytest.mark.skipif(sys.platform != "linux", reason="the limit and the memory in use are those of Linux")
+def test_a_worker_needs_the_memory_of_a_tile_and_not_that_of_all_points(tmp_path):
+    num_chunks = 12
+    with (
+        LocalCluster(n_workers=1, threads_per_worker=1, dashboard_address=":0", silence_logs=60) as cluster,
+        Client(cluster) as client,
+    ):
+        client.submit(one_engine, 1).result()  # so that all is loaded
+        client.run(allow_more_memory, 100_000_000)
+        with pytest.raises(MemoryError):
+            client.submit(one_engine, num_chunks).result()
+        mesh = triangulate(
+            random_points, tmp_path / "m", client=client, num_chunks=num_chunks, tile_size=20_000
+        )
+    assert mesh.nvertices == 20_000 * num_chunks
+    assert mesh.volume == pytest.approx(mesh.hull_volume, rel=1e-12)
 
 
 def test_points_come_from_arrays_and_from_files(client, tmp_path):
