@@ -41,8 +41,7 @@ std::uint32_t InsertionOrder::placeOf(std::uint32_t position, std::uint32_t n)
 	const unsigned lastDepth = numHalvings(n);
 	std::uint32_t first = 0;
 	std::uint32_t last = n;
-	std::uint32_t part =
-	    0; // of those into which the middles of the rounds before have cut the list
+	std::uint32_t part = 0; // of those between the middles of the rounds before
 	for (unsigned depth = 0; depth < lastDepth; ++depth) {
 		const std::uint32_t middle = first + (last - first) / 2;
 		if (position == middle) {
