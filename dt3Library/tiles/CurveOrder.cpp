@@ -91,8 +91,8 @@ std::vector<std::uint32_t> cutKeys(
 	return vLimits;
 }
 
-template <typename Lists>
-std::vector<std::uint32_t> joined(const Lists& lists, std::size_t numAll)
+std::vector<std::uint32_t> joined(
+    const std::vector<const std::vector<std::uint32_t>*>& lists, std::size_t numAll)
 {
 	std::vector<std::uint32_t> vAll;
 	vAll.reserve(numAll);

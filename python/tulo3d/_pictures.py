@@ -13,6 +13,7 @@ if TYPE_CHECKING:
     import pyvista
 
     from ._delaunay import Delaunay
+    from .distributed import Tile
 
 Clip = Literal["x", "-x", "y", "-y", "z", "-z"] | tuple[Sequence[float], Sequence[float]] | None
 
@@ -36,7 +37,7 @@ def plot(mesh: Delaunay, clip: Clip, **options: Any) -> Any:
     return grid.plot(**{"scalars": "quality", "show_edges": True, **options})
 
 
-def to_meshio(mesh: Delaunay) -> meshio.Mesh:
+def to_meshio(mesh: Delaunay | Tile) -> meshio.Mesh:
     try:
         import meshio
     except ImportError as error:

@@ -15,6 +15,7 @@ import numpy.typing as npt
 
 from .._input import FloatArray, Int32Array, Int64Array
 from .._mesh import _OUTSIDE, Mesh
+from .._pictures import to_meshio
 from . import _files
 from ._sources import AnyPath
 
@@ -335,14 +336,9 @@ def _quality_histogram(edges: FloatArray, tile: Tile) -> Int64Array:
 
 
 def _write_vtu(path: Path, folder: Path) -> None:
-    try:
-        import meshio
-    except ImportError as error:
-        raise _files.needs(error, "writing .vtu files") from None
     tile = Tile.load(path)
-    mesh = meshio.Mesh(
-        tile.points, {"tetra": tile.simplices}, point_data={"index": tile.index}
-    )
+    mesh = to_meshio(tile)
+    mesh.point_data["index"] = tile.index
     mesh.write(folder / f"{path.stem}.vtu")
 
 
