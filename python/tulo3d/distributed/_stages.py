@@ -229,7 +229,7 @@ def _insertion_places(scratch: Scratch, tile: int, layout: Layout) -> Int64Array
 
 
 def insertion_places_of(scratch: Scratch, tile: int, places: list[int], layout: Layout) -> list[int]:
-    """Return after how many others some points of a tile are inserted, but for the first four."""
+    """Return the places of some points of a tile in the order of insertion, before the first four go to its front."""
     return [int(place) for place in _insertion_places(scratch, tile, layout)[places]]
 
 
