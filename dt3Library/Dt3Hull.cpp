@@ -56,7 +56,7 @@ Tet3* Dt3::insertAtHull(Point3** ppVtx, Tet3* pCurTet, int outIndex)
 	Tet3* pNewTet2 = vDoomedTets.empty() ? nullptr : retriangulateDoomedTets(vDoomedTets, pVtx);
 
 	linkOpenStar();
-	for (Tet3* pTet : star.vTets) hullEdges.update(*pTet);
+	hullEdges.update(star.vTets);
 	if (pNewTet1 == nullptr) pNewTet1 = pNewTet2;
 	CONDITION_CHECK(pNewTet1!=0);
 	return pNewTet1;

@@ -2,16 +2,29 @@
 // From one hull facet to the next, across an edge.
 #include "mesh/HullEdges.h"
 #include "Tet3.h"
+#include "geometry/TetIndices.h"
+
+#include <algorithm>
+#include <functional>
 
 namespace TULO3D {
 
 namespace {
 
 /// An ordinary edge has five tetrahedra.
-constexpr int kManyTets = 16;
+constexpr std::size_t kManyTets = 16;
+
+} // namespace
+
+HullEdges::Ends HullEdges::endsOf(const Tet3& tet, int opp3, int opp2)
+{
+	const Point3* pA = tet.getCorner(edgeSource(opp3, opp2));
+	const Point3* pB = tet.getCorner(edgeTarget(opp3, opp2));
+	return {std::min(pA, pB, std::less<>()), std::max(pA, pB, std::less<>())};
+}
 
 /// True for a facet of the hull that has the edge. The record may have become another tetrahedron since.
-bool isOnHullAt(const Facet3& facet, const Edge3& edge)
+bool HullEdges::isOnHullAt(const Facet3& facet, const Ends& ends)
 {
 	const Tet3& tet = *facet.getTet();
 	const int h = facet.getOpp3Index();
@@ -19,47 +32,66 @@ bool isOnHullAt(const Facet3& facet, const Edge3& edge)
 		return tet.hasVertex(pVtx) && tet.getCorner(h) != pVtx;
 	};
 	const bool bRemoved = tet.hasBeenVisited; // or marked by a host, which then costs time only
-	return !bRemoved && tet.getOppTet(h) == nullptr && isInFacet(edge.getSourceVtx()) &&
-	    isInFacet(edge.getTargetVtx());
+	return !bRemoved && tet.getOppTet(h) == nullptr && isInFacet(ends.pA) && isInFacet(ends.pB);
 }
-
-} // namespace
 
 Facet3 HullEdges::across(const Edge3& edge)
 {
 	// Each step leaves through the facet that has the edge and the corner beyond the facet of entry.
 	Tet3* pTet = edge.getTet();
 	const Facet3 left(pTet, edge.getOpp3Index());
+	const auto ends = [&edge] {
+		return endsOf(*edge.getTet(), edge.getOpp3Index(), edge.getOpp2Index());
+	};
 	const Point3* pThird = pTet->getCorner(edge.getOpp3Index());
 	int exit = edge.getOpp2Index();
-	int numTets = 1;
+	std::size_t numTets = 1;
 	for (; Tet3* pNext = pTet->getOppTet(exit); ++numTets) {
 		const int entry = pNext->getIntraTetIndex(pTet);
 		exit = pNext->getIntraTetIndex(pThird);
 		pThird = pNext->getCorner(entry);
 		pTet = pNext;
 		if (numTets != kManyTets) continue;
-		const auto known = found.find(edge);
+		const auto known = found.find(ends());
 		if (known == found.end()) continue;
 		for (const Facet3& facet : known->second) {
-			if (isOnHullAt(facet, edge) && facet != left) return facet;
+			if (isOnHullAt(facet, known->first) && facet != left) return facet;
 		}
 	}
 	const Facet3 facet(pTet, exit);
-	if (numTets > kManyTets) found.insert_or_assign(edge, Facets{left, facet});
+	if (numTets > kManyTets) found.insert_or_assign(ends(), Facets{left, facet});
 	return facet;
 }
 
-void HullEdges::update(Tet3& newTet)
+void HullEdges::update(const ScratchArray<Tet3*>& vStar)
 {
-	for (int h = 1; h < 4 && !found.empty(); ++h) {
-		if (newTet.getOppTet(h) != nullptr) continue;
-		const Edge3 edge = newTet.getEdge(h, 0);
-		const auto known = found.find(edge);
-		if (known == found.end()) continue;
-		auto& [a, b] = known->second;
-		(isOnHullAt(a, edge) ? b : a) = Facet3(&newTet, h);
+	if (found.empty() && vStar.size() < kManyTets) return;
+	vNew.clear();
+	auto onHull = vNew.writer(4 * vStar.size());
+	for (Tet3* pTet : vStar) {
+		for (int h = 0; h < 4; ++h) onHull.pushIf(pTet->getOppTet(h) == nullptr, {pTet, h});
 	}
+	vNew.accept(onHull);
+	const bool bMany = vStar.size() > kManyTets * vNew.size();
+	for (const auto& [pTet, h] : vNew) {
+		const Facet3 facet(pTet, h);
+		for (int i = 0; i < 4; ++i) {
+			if (i == h) continue;
+			const bool bNew = h != 0 && i != 0;
+			if (bNew && !bMany) continue;
+			const Ends ends = endsOf(*pTet, h, i);
+			if (bNew) found.try_emplace(ends, Facets{facet, facet});
+			noteAt(ends, facet);
+		}
+	}
+}
+
+void HullEdges::noteAt(const Ends& ends, const Facet3& facet)
+{
+	const auto known = found.find(ends);
+	if (known == found.end()) return;
+	auto& [a, b] = known->second;
+	(isOnHullAt(a, ends) ? b : a) = facet;
 }
 
 } // namespace TULO3D

@@ -4,32 +4,64 @@
 
 #include "Edge3.h"
 #include "Facet3.h"
+#include "ardo_tools/ScratchArray.h"
 
 #include <array>
-#include <map>
+#include <cstddef>
+#include <functional>
+#include <unordered_map>
 
 namespace TULO3D {
 
 /// Finds the other hull facet at an edge of a hull facet, by circulating around the edge.
 ///
 /// Thousands of tetrahedra may meet in an edge, as with points on a moment curve or on two lines, and then every
-/// insertion beyond the hull circulates around many such edges. So where this has taken long, the two facets are
-/// remembered. What is remembered may be out of date, but it proves itself: two hull facets meet in an edge, so a facet
-/// that is on the hull, has the edge and is not the one that is left must be the other one.
+/// insertion beyond the hull circulates around many such edges. So where this has taken long, and at a new vertex with
+/// many tetrahedra and few hull facets, the two facets are remembered. What is remembered may be out of date, but it
+/// proves itself: two hull facets meet in an edge, so a facet that is on the hull, has the edge and is not the one that
+/// is left must be the other one.
 class HullEdges
 {
 public:
 	/// The hull facet beyond `edge`, which is named through the facet that is left: its opp3 index.
 	Facet3 across(const Edge3& edge);
 
-	/// A new tetrahedron, whose corner 0 is the vertex inserted: its hull facets have taken the place of others at
-	/// the edges opposite that corner.
-	void update(Tet3& newTet);
+	/// The star of a vertex that was inserted on the hull, its tetrahedra's corner 0: the new hull facets have taken the
+	/// place of others at the edges opposite that corner.
+	void update(const ScratchArray<Tet3*>& vStar);
 
 private:
 	using Facets = std::array<Facet3, 2>;
 
-	std::map<Edge3, Facets> found; ///< at the edges with many tetrahedra
+	/// An edge by its ends, in whatever tetrahedra it is.
+	struct Ends
+	{
+		const Point3* pA;
+		const Point3* pB;
+
+		bool operator==(const Ends& other) const { return pA == other.pA && pB == other.pB; }
+	};
+	struct Hash
+	{
+		std::size_t operator()(const Ends& ends) const
+		{
+			const std::hash<const Point3*> hash;
+			return hash(ends.pA) ^ 31 * hash(ends.pB);
+		}
+	};
+
+	static Ends endsOf(const Tet3& tet, int opp3, int opp2);
+	static bool isOnHullAt(const Facet3& facet, const Ends& ends);
+	/// If the edge is remembered, the facet is now one of its two.
+	void noteAt(const Ends& ends, const Facet3& facet);
+
+	std::unordered_map<Ends, Facets, Hash> found; ///< at the edges with many tetrahedra
+	struct FacetOfStar
+	{
+		Tet3* pTet;
+		int index;
+	};
+	ScratchArray<FacetOfStar> vNew; ///< its hull facets
 };
 
 } // namespace TULO3D
