@@ -34,6 +34,7 @@ Tet3* Dt3::insertAtHull(Point3** ppVtx, Tet3* pCurTet, int outIndex)
 	const std::vector<Tet3*> vVisible = gatherVisibleTets(pVtx, pCurTet, outIndex);
 	std::vector<Tet3*> vCHTets;
 	std::vector<Tet3*> vInConflict;
+	vCHTets.reserve(vVisible.size());
 	vInConflict.reserve(vVisible.size());
 	for (Tet3* pTet : vVisible) {
 		const bool bStays = !batchTests.conflict(predicates, *pTet, *pVtx);
@@ -70,6 +71,8 @@ std::vector<Tet3*> Dt3::gatherVisibleTets(const Point3* pVtx, Tet3* pCurTet, int
 	SmallPointerSet gathered;
 	std::vector<Tet3*> vGathered;
 	std::vector<Edge3> vEdges;
+	vGathered.reserve(32);
+	vEdges.reserve(32);
 	const auto gather = [&](Tet3* pTet, int knownFacet) {
 		vGathered.push_back(pTet);
 		for (int f = 0; f < 4; ++f) {

@@ -11,7 +11,7 @@ namespace TULO3D {
 
 namespace {
 
-/// An ordinary edge has five tetrahedra.
+constexpr std::size_t kOrdinaryTets = 5; // an edge's
 constexpr std::size_t kManyTets = 16;
 
 } // namespace
@@ -51,7 +51,7 @@ Facet3 HullEdges::across(const Edge3& edge)
 		exit = pNext->getIntraTetIndex(pThird);
 		pThird = pNext->getCorner(entry);
 		pTet = pNext;
-		if (numTets != kManyTets) continue;
+		if (numTets != kOrdinaryTets) continue;
 		const auto known = found.find(ends());
 		if (known == found.end()) continue;
 		for (const Facet3& facet : known->second) {
