@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <functional>
+#include <iterator>
 
 namespace TULO3D {
 
@@ -65,6 +66,7 @@ Facet3 HullEdges::across(const Edge3& edge)
 
 void HullEdges::update(const ScratchArray<Tet3*>& vStar)
 {
+	if (++numUpdates > 4 * found.size()) forgetInnerEdges();
 	if (found.empty() && vStar.size() < kManyTets) return;
 	vNew.clear();
 	auto onHull = vNew.writer(4 * vStar.size());
@@ -83,6 +85,16 @@ void HullEdges::update(const ScratchArray<Tet3*>& vStar)
 			if (bNew) found.try_emplace(ends, Facets{facet, facet});
 			noteAt(ends, facet);
 		}
+	}
+}
+
+void HullEdges::forgetInnerEdges()
+{
+	numUpdates = 0;
+	for (auto it = found.begin(); it != found.end();) {
+		const auto& [ends, facets] = *it;
+		const bool bOnHull = isOnHullAt(facets[0], ends) || isOnHullAt(facets[1], ends);
+		it = bOnHull ? std::next(it) : found.erase(it);
 	}
 }
 

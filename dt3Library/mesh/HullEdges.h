@@ -55,6 +55,10 @@ private:
 	/// If the edge is remembered, the facet is now one of its two.
 	void noteAt(const Ends& ends, const Facet3& facet);
 
+	/// Now and then, so that there is little to look up where most edges with many tetrahedra have left the hull.
+	void forgetInnerEdges();
+
+	std::size_t numUpdates = 0;                   ///< since then
 	std::unordered_map<Ends, Facets, Hash> found; ///< at the edges with many tetrahedra
 	struct FacetOfStar
 	{
