@@ -69,15 +69,33 @@ TULO3D_ALWAYS_INLINE bool areDecided(const LaneVerdicts<Lanes>& verdicts, unsign
 	return bAll;
 }
 
-/// What the stages have in common: the rows and determinants in doubles, and the bounds before
-/// their factors.
+/// A magnitude in a formula: differences become sums, so that a determinant becomes its permanent.
+template <typename Lanes>
+struct Magnitude
+{
+	Lanes value;
+
+	friend TULO3D_ALWAYS_INLINE Magnitude operator+(const Magnitude& a, const Magnitude& b)
+	{
+		return {a.value + b.value};
+	}
+	friend TULO3D_ALWAYS_INLINE Magnitude operator-(const Magnitude& a, const Magnitude& b)
+	{
+		return {a.value + b.value};
+	}
+	friend TULO3D_ALWAYS_INLINE Magnitude operator*(const Magnitude& a, const Magnitude& b)
+	{
+		return {a.value * b.value};
+	}
+};
+
+/// What the stages have in common: the rows and determinants in doubles, and their permanents.
 template <typename Lanes>
 struct LaneStage
 {
 	Quad<SphereRow<Lanes>> rows;
 	SphereDeterminant<Lanes> d;
-	Lanes facetSum;  // the product of three column sums
-	Lanes sphereSum; // of four
+	SphereDeterminant<Magnitude<Lanes>> permanent;
 };
 
 template <template <typename> class Group, typename Lanes>
@@ -87,14 +105,10 @@ TULO3D_ALWAYS_INLINE LaneStage<Lanes> laneStage(const Group<Lanes>& group)
 	s.rows =
 	    group.map([&group](const auto& p) TULO3D_INLINE_LAMBDA { return rowsOf(p, group.query); });
 	s.d = determinants(s.rows);
-
-	const auto& [a, b, c, d] = s.rows;
-	const Lanes sumX = magnitude(a.x) + magnitude(b.x) + magnitude(c.x);
-	const Lanes sumY = magnitude(a.y) + magnitude(b.y) + magnitude(c.y);
-	const Lanes sumZ = magnitude(a.z) + magnitude(b.z) + magnitude(c.z);
-	s.facetSum = sumX * sumY * sumZ;
-	s.sphereSum = (sumX + magnitude(d.x)) * (sumY + magnitude(d.y)) * (sumZ + magnitude(d.z)) *
-	    (a.l + b.l + c.l + d.l);
+	s.permanent = determinants(mapped(s.rows, [](const auto& r) TULO3D_INLINE_LAMBDA {
+		return SphereRow<Magnitude<Lanes>>{
+		    {{magnitude(r.x)}, {magnitude(r.y)}, {magnitude(r.z)}}, {r.l}};
+	}));
 	return s;
 }
 
@@ -102,9 +116,9 @@ TULO3D_ALWAYS_INLINE LaneStage<Lanes> laneStage(const Group<Lanes>& group)
 template <typename Lanes>
 TULO3D_ALWAYS_INLINE LaneVerdicts<Lanes> fastStage(const LaneStage<Lanes>& s)
 {
-	const Lanes bound = kSphereBound * s.sphereSum;
+	const Lanes bound = kSphereBound * s.permanent.det.value;
 	return {(Flags<Lanes>)(s.d.det < -bound), (Flags<Lanes>)(s.d.det > bound),
-	    (Flags<Lanes>)(s.d.xyz > kFacetBound * s.facetSum)};
+	    (Flags<Lanes>)(s.d.xyz > kFacetBound * s.permanent.xyz.value)};
 }
 
 /// Doubles that happen to be exact, as on a lattice, where many determinants are exactly zero.
@@ -160,7 +174,7 @@ TULO3D_ALWAYS_INLINE void doubleDoubleStage(
 		    {twoDiff(p.x, q.x), twoDiff(p.y, q.y), twoDiff(p.z, q.z)});
 	});
 	const Lanes det = determinants(rows).det.hi;
-	const Lanes bound = kSphereBoundDoubleDouble * s.sphereSum;
+	const Lanes bound = kSphereBoundDoubleDouble * s.permanent.det.value;
 	verdicts.inside |= (Flags<Lanes>)(det < -bound);
 	verdicts.outside |= (Flags<Lanes>)(det > bound);
 }
@@ -170,6 +184,7 @@ TULO3D_ALWAYS_INLINE LaneVerdicts<Lanes> slowStages(const Group<Lanes>& group, u
 {
 	const LaneStage<Lanes> stage = laneStage(group);
 	LaneVerdicts<Lanes> verdicts = fastStage(stage);
+	if (areDecided(verdicts, wanted)) return verdicts;
 	exactStage<onSphere>(group, stage, verdicts);
 	if (!areDecided(verdicts, wanted)) doubleDoubleStage(group, stage, verdicts);
 	return verdicts;

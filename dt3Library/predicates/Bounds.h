@@ -5,8 +5,6 @@
 // constant times a magnitude; where the determinant is beyond its bound, its sign is certain. Magnitudes:
 //
 //   P      permanent: the determinant with every product taken by its magnitude and every sign +
-//   C3 C4  the product of the column sums of magnitudes, of 3 x 3 or 4 x 4 entries; it multiplies out to P and
-//          more, so P <= C
 //   S      the sum of x^2 + y^2 + z^2 over the rows
 //
 //   constant                  value              magnitude       the error that it bounds                 from
@@ -17,11 +15,11 @@
 //   isperrboundB              5 u + 72 u^2       P               in-sphere in rounded differences         [S]
 //   isperrboundC              71 u^2 + 1408 u^3  P               the same with the tails' first order     [S]
 //   resulterrbound            3 u + 8 u^2        |det|           the estimate of B, as a part of C        [S]
-//   kFacetBound               9 u                C3              orientation in doubles, batched          B1
-//   kSphereBound              18 u               C4              in-sphere in doubles, batched            B1
+//   kFacetBound               9 u                P               orientation in doubles, batched          B1
+//   kSphereBound              18 u               P               in-sphere in doubles, batched            B1
 //   kQuickFacetBound          16 u               S^(3/2)         orientation in doubles, first stage      B2
 //   kQuickSphereBound         32 u               S^(5/2)         in-sphere in doubles, first stage        B2
-//   kSphereBoundDoubleDouble  2^-99              P or C4         in-sphere in double-doubles              B3
+//   kSphereBoundDoubleDouble  2^-99              P               in-sphere in double-doubles              B3
 //   kLostInOrient3d           1e-244             added           underflow, beside o3derrboundA           B4
 //   kLostInInsphere           1e-122             added           underflow, beside isperrboundA           B4
 //   kLostInQuickStage         1e-300             added           underflow, beside the quick bounds       B4
@@ -37,13 +35,14 @@
 // 24 products of the in-sphere determinant. 9 u and 18 u leave room for the second order and for the
 // rounding of the bound itself.
 //
-// B2. Column sums cost magnitudes; S is there already, as the sum of the lifts. A column sum of n magnitudes is at
+// B2. A permanent costs as much as its determinant; S is there already, as the sum of the lifts. P is at most the
+// product of the column sums of magnitudes, which multiplies out to P and more. A column sum of n magnitudes is at
 // most the root of n times its sum of squares, by Cauchy and Schwarz, and the product of the three sums
 // of squares at most (S / 3)^3, that of their means. So the three column sums of x, y, z over four rows multiply
-// to at most 4^(3/2) * (S / 3)^(3/2) < 1.54 * S^(3/2), and C4 is less than 1.54 * S^(5/2): 18 u becomes
-// 28 u, and 32 u leaves room for the rounding of S and its powers, and of the root. Over three rows the factor
+// to at most 4^(3/2) * (S / 3)^(3/2) < 1.54 * S^(3/2), and with that of the lifts P is less than 1.54 * S^(5/2): 18 u
+// becomes 28 u, and 32 u leaves room for the rounding of S and its powers, and of the root. Over three rows the factor
 // is 3^(3/2) / 3^(3/2) = 1, and S over the three is at most that over four: 9 u, and 16 u. What these
-// bounds decide the sharper ones decide as well.
+// bounds decide the sharper ones decide as well. They are far from P where some rows are much shorter than others.
 //
 // B3. In double-doubles (DoubleDouble.h) the differences are exact. A lift costs 7 + 2 * 4 u^2, a 2 x 2
 // minor 7 + 4, a 3 x 3 minor 7 + 2 * 4, the last line 7 + 2 * 4: 56 u^2 of each product, and 2^-99 = 128 u^2 is
