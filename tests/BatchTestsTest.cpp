@@ -40,18 +40,24 @@ TEST(BatchTests, NoVariantDecidesAWrongSign)
 				return bUnderflow ? *tests.pForTiny : tests;
 			};
 			const BatchTests& portable = variantOf(kPortableTests);
-			const NeighbourVerdicts first = bFirstStage ? TwoLaneVariant::verdicts(batch, p[8])
-			                                            : portable.neighbours(batch, p[8], 0xF);
+			const auto verdictsOf = [&](const BatchTests& tests) {
+				NeighbourVerdicts v{};
+				runLoop(tests, [&](auto variant) { v = decltype(variant)::verdicts(batch, p[8]); });
+				if (bFirstStage) return v;
+				const NeighbourVerdicts later = tests.neighbours(batch, p[8], 0xF);
+				return NeighbourVerdicts{v.inside | later.inside, v.outside | later.outside,
+				    v.positive | later.positive};
+			};
+			const NeighbourVerdicts first = verdictsOf(portable);
 			const FacetSides sides = portable.facets(batch.corner, p[8]);
 			const unsigned quick = TwoLaneVariant::delaunay(batch);
 			const unsigned delaunay = bFirstStage ? quick : quick | portable.delaunay(batch);
 			for (const BatchTests* pTests : variants) {
 				if (pTests == nullptr) continue; // not on this CPU
 				pTests = &variantOf(*pTests);
-				const NeighbourVerdicts v = pTests->neighbours(batch, p[8], 0xF);
-				ASSERT_TRUE(bFirstStage ||
-				    (v.inside == first.inside && v.outside == first.outside &&
-				        v.positive == first.positive))
+				const NeighbourVerdicts v = verdictsOf(*pTests);
+				ASSERT_TRUE(v.inside == first.inside && v.outside == first.outside &&
+				    v.positive == first.positive)
 				    << "T7";
 				const FacetSides s = pTests->facets(batch.corner, p[8]);
 				ASSERT_TRUE(s.positive == sides.positive && s.negative == sides.negative) << "T7";

@@ -197,11 +197,9 @@ TULO3D_ALWAYS_INLINE NeighbourVerdicts decideByPoints(const NeighbourBatch& batc
 	    batch, [](const auto& points) TULO3D_INLINE_LAMBDA { return points; }, stage);
 }
 
-/// The other stages, for a batch with an undecided facet. Out of line: inlined, they would cost the hot path
-/// registers (spills).
+/// Out of line: inlined, these stages would cost the hot path registers (spills).
 template <typename Variant, OnSphere onSphere>
-TULO3D_ALWAYS_INLINE NeighbourVerdicts slowVerdicts(
-    const NeighbourBatch& batch, const Point3& query, unsigned wanted)
+NeighbourVerdicts testNeighbours(const NeighbourBatch& batch, const Point3& query, unsigned wanted)
 {
 	return Variant::compiled([&batch, &query, wanted]() TULO3D_INLINE_LAMBDA {
 		return decideByPoints<Variant>(batch,
@@ -234,7 +232,7 @@ unsigned testDelaunay(const NeighbourBatch& batch)
 #else
 
 template <typename Variant, OnSphere>
-NeighbourVerdicts slowVerdicts(const NeighbourBatch&, const Point3&, unsigned)
+NeighbourVerdicts testNeighbours(const NeighbourBatch&, const Point3&, unsigned)
 {
 	return {0, 0, 0};
 }
@@ -246,16 +244,6 @@ unsigned testDelaunay(const NeighbourBatch&)
 }
 
 #endif
-
-template <typename Variant, OnSphere onSphere>
-NeighbourVerdicts testNeighbours(const NeighbourBatch& batch, const Point3& query, unsigned wanted)
-{
-	return Variant::compiled([&batch, &query, wanted]() TULO3D_INLINE_LAMBDA {
-		const NeighbourVerdicts verdicts = Variant::verdicts(batch, query);
-		if ((wanted & ~(verdicts.inside | verdicts.outside)) == 0) return verdicts;
-		return slowVerdicts<Variant, onSphere>(batch, query, wanted);
-	});
-}
 
 /// A test at a scale where no product underflows; undecided where there is none.
 template <typename Test>

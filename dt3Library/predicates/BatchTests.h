@@ -52,10 +52,10 @@ using ConflictTest = bool (*)(const ArdoTest3& predicates, const Tet3& tet, cons
 /// The tests of one variant.
 struct BatchTests
 {
-	NeighbourTest neighbours; ///< all stages
+	NeighbourTest neighbours; ///< the stages after the first, which loops have inlined
 	FacetTest facets;
-	DelaunayTest delaunay; ///< all stages
-	ConflictTest conflict; ///< for what `neighbours` has left undecided
+	DelaunayTest delaunay; ///< likewise
+	ConflictTest conflict; ///< for what they leave undecided
 	bool bAvx2;            ///< which copy runLoop runs of a loop with an inlined first stage
 	/// Replace these once a nonzero coordinate below kLeastSafe is stored (T5): they compute at a scale where no
 	/// product underflows, or decide nothing. Null in themselves.
