@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The batched tests as functions, and the stages after the first one: a filter in doubles with a sharper
-// bound, doubles that are proved to be exact, and a filter in double-doubles.
+// The batched tests as functions, and the stages after the first one: doubles that are proved to be exact, a filter
+// in doubles with a sharper bound, and one in double-doubles.
 #include "predicates/BatchTests.h"
 #include "ArdoTest3.h"
 #include "predicates/BatchTestsSimd.h"
@@ -112,15 +112,6 @@ TULO3D_ALWAYS_INLINE LaneStage<Lanes> laneStage(const Group<Lanes>& group)
 	return s;
 }
 
-/// Doubles with a bound for their error.
-template <typename Lanes>
-TULO3D_ALWAYS_INLINE LaneVerdicts<Lanes> fastStage(const LaneStage<Lanes>& s)
-{
-	const Lanes bound = kSphereBound * s.permanent.det.value;
-	return {(Flags<Lanes>)(s.d.det < -bound), (Flags<Lanes>)(s.d.det > bound),
-	    (Flags<Lanes>)(s.d.xyz > kFacetBound * s.permanent.xyz.value)};
-}
-
 /// Doubles that happen to be exact, as on a lattice, where many determinants are exactly zero.
 ///
 /// Let every difference of a lane be a multiple of g and at most 2^8 g in magnitude. Then a column
@@ -163,6 +154,16 @@ TULO3D_ALWAYS_INLINE void exactStage(
 	verdicts.positive |= ~inexact & (Flags<Lanes>)(s.d.xyz > 0.0);
 }
 
+/// Doubles with a bound for their error.
+template <typename Lanes>
+TULO3D_ALWAYS_INLINE void filterStage(const LaneStage<Lanes>& s, LaneVerdicts<Lanes>& verdicts)
+{
+	const Lanes bound = kSphereBound * s.permanent.det.value;
+	verdicts.inside |= (Flags<Lanes>)(s.d.det < -bound);
+	verdicts.outside |= (Flags<Lanes>)(s.d.det > bound);
+	verdicts.positive |= (Flags<Lanes>)(s.d.xyz > kFacetBound * s.permanent.xyz.value);
+}
+
 /// Double-doubles with a bound for their error: nearly cospherical points, but not quite.
 template <template <typename> class Group, typename Lanes>
 TULO3D_ALWAYS_INLINE void doubleDoubleStage(
@@ -183,9 +184,10 @@ template <OnSphere onSphere, template <typename> class Group, typename Lanes>
 TULO3D_ALWAYS_INLINE LaneVerdicts<Lanes> slowStages(const Group<Lanes>& group, unsigned wanted)
 {
 	const LaneStage<Lanes> stage = laneStage(group);
-	LaneVerdicts<Lanes> verdicts = fastStage(stage);
-	if (areDecided(verdicts, wanted)) return verdicts;
+	LaneVerdicts<Lanes> verdicts{};
 	exactStage<onSphere>(group, stage, verdicts);
+	if (areDecided(verdicts, wanted)) return verdicts;
+	filterStage(stage, verdicts);
 	if (!areDecided(verdicts, wanted)) doubleDoubleStage(group, stage, verdicts);
 	return verdicts;
 }
