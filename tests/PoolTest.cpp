@@ -63,6 +63,25 @@ TEST(Pool, ResetKeepsTheFirstBlockAndGrowthGoesOn)
 	EXPECT_EQ(pool.vSizes, (std::vector<int>{4, 2, 4, 8, 16, 32}));
 }
 
+TEST(Pool, ARunIsInOnePieceAndWhatWasLeftBeforeItIsNotCounted)
+{
+	Pool pool(4, -1, 1000);
+	const auto before = pool.take(3);
+	pool.reserveRun(1); // which there is
+	EXPECT_EQ(pool.take(1)[0] - before[0], 3);
+	pool.reserveRun(10);
+	pool.take(1);
+	pool.reserveRun(20);
+	const auto run = pool.take(20);
+	EXPECT_EQ(run[19] - run[0], 19);
+	pool.take(1);
+	EXPECT_EQ(pool.vSizes, (std::vector<int>{4, 1, 20, 40}));
+	EXPECT_EQ(pool.numUsed(), 26U);
+	std::size_t numListed = 0;
+	for (const auto& [pFirst, count] : pool.usedBlocks()) numListed += count;
+	EXPECT_EQ(numListed, 26U);
+}
+
 TEST(Pool, DestructorAnnouncesMoreThanFiftyBlocks)
 {
 	EXPECT_EQ(support::printedBy([] { Pool(1, 1, 1).take(50); }), "");

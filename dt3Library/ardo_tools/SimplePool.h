@@ -86,6 +86,15 @@ public:
 		numReady = size < kAhead ? size : 0;
 	}
 
+	/// The next `num` records will follow one another in memory. For a pool that is never reset.
+	void reserveRun(int num)
+	{
+		if (num < currentBlockSize - lastIndex) return;
+		vSizes.back() = lastIndex + 1; // what is left of this block is never handed out
+		addBlock(num);
+		pristine = false;
+	}
+
 	/// Makes all records available again; only the first block is kept.
 	void reset()
 	{

@@ -58,7 +58,8 @@ void LiveTets::makeTable()
 	lowest = addressOf(itFirst->pFirst);
 	const std::uintptr_t length = addressOf((itLast - 1)->pLast) - lowest;
 	while (length >> pageBits >= kMaxPages) ++pageBits;
-	vOrigins.assign(length >> pageBits, 0);
+	numPages = length >> pageBits;
+	vOrigins.assign(numPages, 0);
 	for (auto it = itFirst; it != itLast; ++it) {
 		const std::uintptr_t first = addressOf(it->pFirst) - lowest;
 		const std::uintptr_t last = addressOf(it->pLast) - lowest;
@@ -67,12 +68,14 @@ void LiveTets::makeTable()
 	}
 }
 
-const LiveTets::Run& LiveTets::runOf(const Tet3* pTet) const
+std::int32_t LiveTets::numberBySearch(const Tet3* pTet) const
 {
+	if (pTet == nullptr) return -1;
 	const auto isBehind = [](const Tet3* pWanted, const Run& run) {
 		return std::less<const Tet3*>()(pWanted, run.pFirst);
 	};
-	return *(std::upper_bound(runs.begin(), runs.end(), pTet, isBehind) - 1);
+	const Run& run = *(std::upper_bound(runs.begin(), runs.end(), pTet, isBehind) - 1);
+	return static_cast<std::int32_t>((addressOf(pTet) - run.origin) / sizeof(Tet3));
 }
 
 } // namespace TULO3D

@@ -54,12 +54,10 @@ public:
 	/// The number of a tetrahedron; -1 for null.
 	std::int32_t numberOf(const Tet3* pTet) const
 	{
-		if (pTet == nullptr) return -1;
 		const auto address = reinterpret_cast<std::uintptr_t>(pTet);
 		const std::uintptr_t page = (address - lowest) >> pageBits;
-		std::uintptr_t origin = page < vOrigins.size() ? vOrigins[page] : 0;
-		if (origin == 0) origin = runOf(pTet).origin;
-		return static_cast<std::int32_t>((address - origin) / sizeof(Tet3));
+		if (page >= numPages || vOrigins[page] == 0) return numberBySearch(pTet);
+		return static_cast<std::int32_t>((address - vOrigins[page]) / sizeof(Tet3));
 	}
 
 private:
@@ -73,7 +71,7 @@ private:
 
 	void addRun(Tet3* pFirst, Tet3* pLast);
 	void makeTable();
-	const Run& runOf(const Tet3* pTet) const;
+	std::int32_t numberBySearch(const Tet3* pTet) const;
 
 	std::vector<Run> runs;
 	std::size_t numTets = 0;
@@ -81,6 +79,7 @@ private:
 	// For each page of addresses from `lowest` on, the origin of the run that covers the whole page; 0 if
 	// there is none. Nearly every look-up ends here, in a table that fits into the L1 cache.
 	std::vector<std::uintptr_t> vOrigins;
+	std::uintptr_t numPages = 0;
 	std::uintptr_t lowest = 0;
 	unsigned pageBits = 10;
 };

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <array>
+#include <climits>
 
 namespace TULO3D {
 
@@ -14,6 +15,9 @@ namespace {
 
 /// Foreign leaves are known that are nearer than this part of their own diagonal.
 constexpr double kNear = 0.4;
+
+/// Memory for so many tetrahedra a vertex is reserved in one piece, which makes them quick to number (`LiveTets`).
+constexpr std::size_t kUsualTets = 7;
 
 using RankedVertex = Keyed<std::uint32_t, Point3*>; // by its rank
 
@@ -85,9 +89,17 @@ void Tile::begin()
 	std::vector<std::uint32_t> vLowest = points.lowest();
 	std::sort(vLowest.begin(), vLowest.end());
 
-	// The vertices of the lowest ranks are spread over all. In the order of the curve, so that what is near is near in memory, too.
+	// In the order of the curve, so that what is near is near in memory, too.
 	std::vector<RankedVertex> vRanked;
 	vRanked.reserve(own.size() + own.size() / 8);
+	const auto create = [&](std::uint32_t position) {
+		vRanked.push_back(
+		    {static_cast<std::uint32_t>(points.rank(position)), createVertex(position)});
+	};
+	engine.hc3.vertexPool.reserveRun(static_cast<int>(own.size()));
+	for (std::uint32_t position = own.first; position < own.last; ++position) create(position);
+	pFirstOwn = vRanked.front().value;
+	// The vertices of the lowest ranks are spread over all.
 	auto itLowest = vLowest.begin();
 	for (std::uint32_t leaf = 0; leaf < tree.numLeaves(); ++leaf) {
 		const bool bKnown = isKnown({0, leaf});
@@ -96,20 +108,17 @@ void Tile::begin()
 		tree.forEachPoint(leaf, [&](std::uint32_t position) {
 			const bool bWanted = itLowest != vLowest.end() && *itLowest == position;
 			itLowest += bWanted;
-			if (!bKnown && !bWanted) return;
-			Point3* pVtx = createVertex(position);
-			if (own.contains(position)) {
-				pOwnVtx = pVtx;
-			} else {
-				foreign.insert(position);
-			}
-			vRanked.push_back({static_cast<std::uint32_t>(points.rank(position)), pVtx});
+			if ((!bKnown && !bWanted) || own.contains(position)) return;
+			create(position);
+			foreign.insert(position);
 		});
 	}
 	if (points.isTiny() && engine.batchTests.pForTiny != nullptr) {
 		engine.batchTests = *engine.batchTests.pForTiny;
 	}
 	sortByKey(vRanked, highestBit(points.size()) + 1);
+	engine.tetPool.reserveRun(
+	    static_cast<int>(std::min<std::size_t>(kUsualTets * vRanked.size(), INT_MAX)));
 	std::array<Point3*, 4> first{};
 	for (std::size_t i = 0; i < 4; ++i) first[i] = vRanked[i].value;
 	std::vector<Point3*> vVertices;

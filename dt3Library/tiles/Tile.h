@@ -64,10 +64,19 @@ public:
 	void complete();
 
 	PositionRange ownRange() const { return own; }
-	bool isOwn(const Point3& vtx) const { return own.contains(curvePosition(vtx)); }
-	static std::uint32_t curvePosition(const Point3& vtx)
+	/// Own vertices are in one piece of memory, in the order of the curve: to know one, and where it is, nothing
+	/// has to be read.
+	bool isOwn(const Point3& vtx) const
 	{
-		return static_cast<std::uint32_t>(vtx.getCustomIndex());
+		const auto offset =
+		    reinterpret_cast<std::uintptr_t>(&vtx) - reinterpret_cast<std::uintptr_t>(pFirstOwn);
+		return offset < own.size() * sizeof(Point3);
+	}
+	/// The position along the curve of a vertex that is in.
+	std::uint32_t position(const Point3& vtx) const
+	{
+		return isOwn(vtx) ? own.first + static_cast<std::uint32_t>(&vtx - pFirstOwn)
+		                  : static_cast<std::uint32_t>(vtx.getCustomIndex());
 	}
 	const Dt3& mesh() const { return engine; }
 	/// The number of vertices that are in and are not own.
@@ -162,7 +171,7 @@ private:
 	const BoxTree& tree;
 	const PositionRange own;
 	Dt3 engine;
-	const Point3* pOwnVtx = nullptr; ///< any own vertex
+	const Point3* pFirstOwn = nullptr; ///< the own vertex that is the first on the curve
 	std::size_t rounds = 0;
 	std::unordered_set<std::uint32_t> foreign; ///< the positions of the other vertices that are in
 	std::vector<std::vector<std::uint8_t>> vKnown; ///< nodes of the tree of which every point is in

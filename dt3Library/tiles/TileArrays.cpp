@@ -7,8 +7,8 @@
 #include "tools.h"
 
 #include <algorithm>
+#include <cstring>
 #include <limits>
-#include <memory>
 
 namespace TULO3D {
 
@@ -19,40 +19,42 @@ constexpr std::array<std::array<std::uint8_t, 4>, 12> kTurns{
     {{0, 1, 2, 3}, {0, 2, 3, 1}, {0, 3, 1, 2}, {1, 0, 3, 2}, {1, 3, 2, 0}, {1, 2, 0, 3},
         {2, 3, 0, 1}, {2, 0, 1, 3}, {2, 1, 3, 0}, {3, 2, 1, 0}, {3, 1, 0, 2}, {3, 0, 2, 1}}};
 
-// Distances of prefetching, in tetrahedra: records are read in their order, what they lead to is not.
-constexpr std::size_t kTetsAhead = 32;
-constexpr std::size_t kAhead = 16;
+/// A position, and in the last two bits which corner has it.
+using Indexed = std::uint64_t;
 
-/// A tetrahedron of an owner, where its corners will be: the positions of the other corners, and its record in the tile.
-using TetRow = std::array<std::int32_t, 4>;
-
-/// The order of the other corners.
-bool isBefore(const TetRow& a, const TetRow& b)
+/// Without a branch, which could not be predicted.
+Indexed lesser(Indexed a, Indexed b)
 {
-	const auto firstTwo = [](const TetRow& row) {
-		return std::uint64_t{static_cast<std::uint32_t>(row[0])} << 32U |
-		    static_cast<std::uint32_t>(row[1]);
-	};
-	const std::uint64_t ofA = firstTwo(a), ofB = firstTwo(b);
-	if (ofA != ofB) return ofA < ofB;
-	return static_cast<std::uint32_t>(a[2]) < static_cast<std::uint32_t>(b[2]);
+	return b ^ ((a ^ b) & (0 - Indexed{a < b}));
 }
 
-/// For a few tetrahedra, as an owner has.
-void sort(TetRow* pFirst, TetRow* pLast)
+using Corners = std::array<std::int32_t, 4>;
+
+// Distances of prefetching, in tetrahedra.
+constexpr std::ptrdiff_t kTetsAhead = 32;
+constexpr std::ptrdiff_t kAhead = 16;
+
+/// Tetrahedra in the order of their owners, where the corners will be: until they are written, there is room for two
+/// pointers a tetrahedron.
+class TetList
 {
-	constexpr std::ptrdiff_t kFew = 32;
-	if (pLast - pFirst > kFew) {
-		std::sort(pFirst, pLast, isBefore);
-		return;
+public:
+	explicit TetList(std::int32_t* pCorners) : pBytes(reinterpret_cast<unsigned char*>(pCorners)) {}
+	const Tet3* operator[](std::size_t i) const
+	{
+		const Tet3* pTet = nullptr;
+		std::memcpy(&pTet, pBytes + i * sizeof(pTet), sizeof(pTet));
+		return pTet;
 	}
-	for (TetRow* p = pFirst; p < pLast; ++p) {
-		const TetRow inserted = *p;
-		TetRow* pAt = p;
-		for (; pAt > pFirst && isBefore(inserted, pAt[-1]); --pAt) *pAt = pAt[-1];
-		*pAt = inserted;
+	void prefetchPlace(std::size_t i) const { prefetch(pBytes + i * sizeof(const Tet3*)); }
+	void set(std::size_t i, const Tet3* pTet)
+	{
+		std::memcpy(pBytes + i * sizeof(pTet), &pTet, sizeof(pTet));
 	}
-}
+
+private:
+	unsigned char* pBytes;
+};
 
 std::uint64_t mixed(std::uint64_t h)
 {
@@ -65,99 +67,143 @@ std::uint64_t mixed(std::uint64_t h)
 
 } // namespace
 
-TileArrays::TileArrays(const Tile& tile) : own(tile.ownRange()), live(tile.mesh().liveTets())
+TileArrays::TileArrays(const Tile& theTile)
+    : tile(theTile),
+      own(tile.ownRange()),
+      live(tile.mesh().liveTets()),
+      records(tile.mesh().tetPool.usedBlocks(), {})
 {
 	CONDITION_CHECK_AS(live.size() <= std::numeric_limits<std::int32_t>::max(),
 	    "at most 2147483647 tetrahedra have numbers");
 }
 
-int TileArrays::cornerAt(unsigned turn, int i)
-{
-	return kTurns[turn][static_cast<std::size_t>(i)];
-}
-
-TileArrays::Canonical TileArrays::canonical(const Tet3& tet)
+inline CanonicalTet TileArrays::canonical(const Tet3& tet) const
 {
 	TetPositions p{};
-	for (int i = 0; i < 4; ++i) {
-		p[static_cast<std::size_t>(i)] = Tile::curvePosition(*tet.getCorner(i));
-	}
-	// Without branches: which corner is the lowest cannot be predicted.
-	unsigned owner = p[1] < p[0] ? 1 : 0;
-	owner = p[2] < p[owner] ? 2 : owner;
-	owner = p[3] < p[owner] ? 3 : owner;
-	const auto& first = kTurns[3 * std::size_t{owner}];
-	const std::uint32_t b = p[first[1]], c = p[first[2]], d = p[first[3]];
-	unsigned turn = c < b ? 1 : 0;
-	turn = d < std::min(b, c) ? 2 : turn;
-	turn += 3 * owner;
+	for (int i = 0; i < 4; ++i) p[static_cast<std::size_t>(i)] = tile.position(*tet.getCorner(i));
+	const auto indexed = [](std::uint32_t position, std::uint64_t i) {
+		return Indexed{position} << 2U | i;
+	};
+	const Indexed owner = lesser(
+	    lesser(indexed(p[0], 0), indexed(p[1], 1)), lesser(indexed(p[2], 2), indexed(p[3], 3)));
+	const auto& first = kTurns[3 * (owner & 3U)];
+	const Indexed second =
+	    lesser(lesser(indexed(p[first[1]], 0), indexed(p[first[2]], 1)), indexed(p[first[3]], 2));
+	const auto turn = static_cast<unsigned>(3 * (owner & 3U) + (second & 3U));
 	const auto& t = kTurns[turn];
 	return {{p[t[0]], p[t[1]], p[t[2]], p[t[3]]}, turn};
 }
 
+bool TileArrays::isInside(const Tet3& tet) const
+{
+	return tile.isOwn(*tet.getCorner(0)) & tile.isOwn(*tet.getCorner(1)) &
+	    tile.isOwn(*tet.getCorner(2)) & tile.isOwn(*tet.getCorner(3));
+}
+
 template <typename Visit>
-void TileArrays::forEachCanonical(Visit visit) const
+void TileArrays::forEachEntry(Visit visit)
 {
-	std::uint32_t record = 0;
-	live.forEachRun(0, live.size(), [&](const Tet3* pFirst, const Tet3* pLast) {
-		for (const Tet3* pTet = pFirst; pTet != pLast; ++pTet) {
-			if (static_cast<std::size_t>(pLast - pTet) > kAhead) {
-				prefetchTet(pTet + kTetsAhead);
-				for (int i = 0; i < 4; ++i) prefetchObject(pTet[kAhead].getCorner(i));
-			}
-			visit(canonical(*pTet), record++);
+	live.forEachRun(0, live.size(), [&](const Tet3* pTet, const Tet3* pLast) {
+		std::int32_t* pEntry = &vNumbers[recordOf(*pTet)];
+		for (; pTet != pLast; ++pTet, ++pEntry) visit(*pTet, pEntry, pLast - pTet);
+	});
+}
+
+void TileArrays::count(std::uint32_t* pCounts)
+{
+	vNumbers.resize(records.size());
+	forEachEntry([&](const Tet3& tet, std::int32_t* pOwner, std::ptrdiff_t) {
+		prefetchTet(&tet + kTetsAhead);
+		if (isInside(tet)) {
+			const Point3* const pFirst = std::min(std::min(tet.getCorner(0), tet.getCorner(1)),
+			    std::min(tet.getCorner(2), tet.getCorner(3)));
+			*pOwner = static_cast<std::int32_t>(tile.position(*pFirst) - own.first);
+		} else {
+			*pOwner = ownerAtBorder(tet);
+			if (*pOwner == kForeign) return;
 		}
+		++pCounts[*pOwner + 1];
 	});
 }
 
-void TileArrays::count(std::uint32_t* pCounts) const
+std::int32_t TileArrays::ownerAtBorder(const Tet3& tet)
 {
-	forEachCanonical([&](const Canonical& tet, std::uint32_t) {
-		const std::uint32_t owner = tet.position[0];
-		if (own.contains(owner)) ++pCounts[owner - own.first + 1];
+	const auto p = canonical(tet).position;
+	const auto isOwn = [this](std::uint32_t position) { return own.contains(position); };
+	if (std::none_of(p.begin(), p.end(), isOwn)) return kForeign;
+	vAtBorder.push_back(&tet);
+	return isOwn(p[0]) ? static_cast<std::int32_t>(p[0] - own.first) : kForeign;
+}
+
+void TileArrays::gatherByOwner(const OwnedArrays& to)
+{
+	const std::uint32_t first = to.pFirstOfOwner[0];
+	TetList tets(to.pCorners + 4 * std::size_t{first});
+	std::vector<std::uint32_t> vNext(to.pFirstOfOwner, to.pFirstOfOwner + own.size());
+	const auto next = [&](std::int32_t owner) -> std::uint32_t& {
+		return vNext[static_cast<std::size_t>(owner)];
+	};
+	forEachEntry([&](const Tet3& tet, const std::int32_t* pOwner, std::ptrdiff_t numLeft) {
+		if (numLeft > kAhead && pOwner[kAhead] != kForeign)
+			tets.prefetchPlace(next(pOwner[kAhead]) - first);
+		if (*pOwner != kForeign) tets.set(next(*pOwner)++ - first, &tet);
 	});
 }
 
-void TileArrays::writeCorners(const OwnedArrays& to)
+inline void TileArrays::writeOne(
+    const Tet3& tet, const CanonicalTet& self, std::int32_t number, const OwnedArrays& to)
+{
+	vNumbers[recordOf(tet)] = number;
+	const auto& turn = kTurns[self.turn];
+	const auto recordBeyond = [&](int i) {
+		return records.numberOf(tet.getOppTet(turn[static_cast<std::size_t>(i)]));
+	};
+	// Beyond the facet without the owner, the tile is right only when it has another own corner.
+	const Corners beyond{own.contains(self.position[1]) ? recordBeyond(0) : kForeign,
+	    recordBeyond(1), recordBeyond(2), recordBeyond(3)};
+	const auto cornerAt = [range = own, number, pTetOfOwn = vTetOfOwn.data(),
+	                          pNumbers = to.pNumbers](std::uint32_t position) {
+		if (range.contains(position)) pTetOfOwn[position - range.first] = number;
+		return pNumbers != nullptr ? pNumbers[position] : static_cast<std::int32_t>(position);
+	};
+	const auto& p = self.position;
+	const Corners corners{cornerAt(p[0]), cornerAt(p[1]), cornerAt(p[2]), cornerAt(p[3])};
+	const auto place = 4 * static_cast<std::ptrdiff_t>(number);
+	std::copy(beyond.begin(), beyond.end(), to.pNeighbours + place);
+	std::copy(corners.begin(), corners.end(), to.pCorners + place);
+}
+
+void TileArrays::write(const OwnedArrays& to)
 {
 	const std::uint32_t* const pFirst = to.pFirstOfOwner;
-	const std::uint32_t first = pFirst[0];
-	const std::size_t numBytes = 4 * std::size_t{pFirst[own.size()] - first} * sizeof(std::int32_t);
-	prefault(to.pCorners + 4 * std::size_t{first}, numBytes);
-	prefault(to.pNeighbours + 4 * std::size_t{first}, numBytes);
+	const std::size_t first = pFirst[0];
+	const std::size_t num = pFirst[own.size()] - first;
+	prefault(to.pCorners + 4 * first, 4 * num * sizeof(std::int32_t));
+	prefault(to.pNeighbours + 4 * first, 4 * num * sizeof(std::int32_t));
+	gatherByOwner(to);
 
-	// Each owner's tetrahedra are gathered, and then sorted, where their corners will be.
-	TetRow* const pRows = reinterpret_cast<TetRow*>(to.pCorners);
-	std::vector<std::uint32_t> vNext(pFirst, pFirst + own.size());
-	vTurns.resize(live.size());
-	forEachCanonical([&](const Canonical& tet, std::uint32_t record) {
-		const auto& p = tet.position;
-		const bool bInside = own.contains(p[0]) && own.contains(std::max({p[1], p[2], p[3]}));
-		vTurns[record] = bInside ? static_cast<std::uint8_t>(tet.turn) : kAtBorder;
-		if (!own.contains(p[0])) return;
-		pRows[vNext[p[0] - own.first]++] = {static_cast<std::int32_t>(p[1]),
-		    static_cast<std::int32_t>(p[2]), static_cast<std::int32_t>(p[3]),
-		    static_cast<std::int32_t>(record)};
-	});
-
-	vNumbers.assign(live.size(), kForeign);
-	vTetOfOwn.assign(own.size(), kForeign);
-	// Backwards, so that each vertex is left with its lowest tetrahedron.
+	const TetList tets(to.pCorners + 4 * first);
+	vTetOfOwn.assign(own.size(), kHull);
+	OwnedStar star;
+	// Backwards, so that no corner is written where a tetrahedron is still to be read, and each vertex is left
+	// with its lowest tetrahedron.
+	std::size_t next = first + num;
 	for (std::uint32_t i = own.size(); i-- > 0;) {
-		sort(pRows + pFirst[i], pRows + pFirst[i + 1]);
-		for (std::uint32_t t = pFirst[i + 1]; t-- > pFirst[i];) {
-			if (t >= first + kAhead)
-				prefetch(&vNumbers[static_cast<std::size_t>(pRows[t - kAhead][3])]);
-			TetRow& row = pRows[t];
-			const auto number = static_cast<std::int32_t>(t);
-			vNumbers[static_cast<std::size_t>(row[3])] = number;
-			row = {static_cast<std::int32_t>(own.first + i), row[0], row[1], row[2]};
-			for (std::int32_t& corner : row) {
-				const auto position = static_cast<std::uint32_t>(corner);
-				if (own.contains(position)) vTetOfOwn[position - own.first] = number;
-				if (to.pNumbers != nullptr) corner = to.pNumbers[position];
-			}
+		star.clear();
+		for (std::size_t t = pFirst[i] - first; t < pFirst[i + 1] - first; ++t) {
+			if (t >= kTetsAhead) prefetchTet(tets[t - kTetsAhead]);
+			star.add(tets[t], canonical(*tets[t]));
 		}
+		star.forEachBackwards([&](const Tet3& tet, const CanonicalTet& self) {
+			writeOne(tet, self, static_cast<std::int32_t>(--next), to);
+		});
+	}
+
+	// Neighbours have been written by their records.
+	const std::int32_t* const pNumbers = vNumbers.data();
+	std::int32_t* const pLast = to.pNeighbours + 4 * (first + num);
+	for (std::int32_t* p = to.pNeighbours + 4 * first; p != pLast; ++p) {
+		if (*p >= 0) *p = pNumbers[*p];
 	}
 }
 
@@ -172,64 +218,42 @@ std::int32_t TileArrays::find(const std::array<std::int32_t, 4>& wanted,
 	return kForeign;
 }
 
-inline FacetSide TileArrays::sideOf(const Tet3& tet, const TetPositions& position) const
+FacetSide TileArrays::sideOf(const Tet3& tet, const TetPositions& position) const
 {
-	return {position, vNumbers[static_cast<std::size_t>(live.numberOf(&tet))]};
+	return {position, vNumbers[recordOf(tet)]};
 }
 
-void TileArrays::linkAtBorder(const Tet3& tet, const Link& link) const
+void TileArrays::linkForeign(const Link& link) const
 {
-	const Canonical self = canonical(tet);
-	const auto& p = self.position;
-	if (!hasOwn(p)) return;
-	const FacetSide side = sideOf(tet, p);
-	for (int i = 0; i < 4; ++i) {
-		std::uint32_t lowest = UINT32_MAX;
-		for (int j = 0; j < 4; ++j) {
-			if (j != i) lowest = std::min(lowest, p[static_cast<std::size_t>(j)]);
-		}
-		if (!own.contains(lowest)) continue;
-		const Tet3* pNeigh = tet.getOppTet(cornerAt(self.turn, i));
-		if (pNeigh == nullptr) {
-			link(side, i, nullptr);
-		} else {
-			const FacetSide other = sideOf(*pNeigh, canonical(*pNeigh).position);
+	for (const Tet3* pTet : vAtBorder) {
+		const CanonicalTet self = canonical(*pTet);
+		const FacetSide side = sideOf(*pTet, self.position);
+		for (int i = 0; i < 4; ++i) {
+			// The lowest corner of the facet.
+			if (!own.contains(self.position[i == 0 ? 1 : 0])) continue;
+			const Tet3* pNeigh = pTet->getOppTet(kTurns[self.turn][static_cast<std::size_t>(i)]);
+			if (pNeigh == nullptr) {
+				if (side.isForeign()) link(side, i, nullptr);
+				continue;
+			}
+			const CanonicalTet beyond = canonical(*pNeigh);
+			const FacetSide other = sideOf(*pNeigh, beyond.position);
+			if (!side.isForeign() && !other.isForeign()) continue;
 			link(side, i, &other);
+			if (!isInside(*pNeigh)) continue; // its turn comes
+			for (int j = 0; j < 4; ++j) {
+				if (pNeigh->getOppTet(kTurns[beyond.turn][static_cast<std::size_t>(j)]) == pTet)
+					link(other, j, &side);
+			}
 		}
 	}
 }
 
-void TileArrays::writeNeighbours(const OwnedArrays& to, const Link& link)
+void TileArrays::forEachForeign(const std::function<void(const TetPositions&)>& visit) const
 {
-	std::size_t record = 0;
-	live.forEachRun(0, live.size(), [&](const Tet3* pFirst, const Tet3* pLast) {
-		for (const Tet3* pTet = pFirst; pTet != pLast; ++pTet, ++record) {
-			if (static_cast<std::size_t>(pLast - pTet) > kAhead) {
-				prefetchTet(pTet + kTetsAhead);
-				prefetch(
-				    to.pNeighbours + 4 * static_cast<std::ptrdiff_t>(vNumbers[record + kAhead]));
-			}
-			if (vTurns[record] == kAtBorder) {
-				linkAtBorder(*pTet, link);
-			} else {
-				linkInside(*pTet, record, to, link);
-			}
-		}
-	});
-}
-
-void TileArrays::linkInside(
-    const Tet3& tet, std::size_t record, const OwnedArrays& to, const Link& link) const
-{
-	const std::int32_t number = vNumbers[record];
-	std::int32_t* const p = to.pNeighbours + 4 * std::size_t(number);
-	for (int i = 0; i < 4; ++i) {
-		const Tet3* pNeigh = tet.getOppTet(cornerAt(vTurns[record], i));
-		p[i] = pNeigh == nullptr ? -1 : vNumbers[static_cast<std::size_t>(live.numberOf(pNeigh))];
-		if (p[i] == kForeign && pNeigh != nullptr) {
-			const FacetSide other = sideOf(*pNeigh, canonical(*pNeigh).position);
-			link({canonical(tet).position, number}, i, &other);
-		}
+	for (const Tet3* pTet : vAtBorder) {
+		const TetPositions p = canonical(*pTet).position;
+		if (!own.contains(p[0])) visit(p);
 	}
 }
 
@@ -238,7 +262,7 @@ void TileArrays::noteAtVertices(const TetPositions& position, std::int32_t numbe
 	for (const std::uint32_t p : position) {
 		if (!own.contains(p)) continue;
 		std::int32_t& lowest = vTetOfOwn[p - own.first];
-		if (lowest == kForeign || number < lowest) lowest = number;
+		if (lowest < 0 || number < lowest) lowest = number;
 	}
 }
 
@@ -252,18 +276,18 @@ std::vector<std::uint64_t> TileArrays::checksums(const std::vector<PositionRange
 		return std::upper_bound(vTiles.begin(), vTiles.end(), position, isBehind) - vTiles.begin() -
 		    1;
 	};
-	std::size_t record = 0;
-	live.forEach([&](const Tet3* pTet) {
-		if (vTurns[record++] != kAtBorder) return;
-		const auto p = canonical(*pTet).position;
-		if (!hasOwn(p)) return;
+	for (const Tet3* pTet : vAtBorder) {
 		std::uint64_t hash = 0;
-		for (const std::uint32_t position : p) hash = mixed(hash + position + 1);
-		std::array<std::ptrdiff_t, 4> tiles{tileOf(p[0]), tileOf(p[1]), tileOf(p[2]), tileOf(p[3])};
+		std::array<std::ptrdiff_t, 4> tiles{};
+		const auto p = canonical(*pTet).position;
+		for (std::size_t i = 0; i < 4; ++i) {
+			hash = mixed(hash + p[i] + 1);
+			tiles[i] = tileOf(p[i]);
+		}
 		std::sort(tiles.begin(), tiles.end());
 		const auto itLast = std::unique(tiles.begin(), tiles.end());
 		for (auto it = tiles.begin(); it != itLast; ++it) vSums[std::size_t(*it)] += hash;
-	});
+	}
 	return vSums;
 }
 

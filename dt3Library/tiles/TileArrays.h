@@ -3,6 +3,7 @@
 #pragma once
 
 #include "mesh/LiveTets.h"
+#include "tiles/OwnedStar.h"
 #include "tiles/Tile.h"
 
 #include <array>
@@ -12,9 +13,6 @@
 #include <vector>
 
 namespace TULO3D {
-
-/// A tetrahedron by the positions of its corners, the owner first, then the lowest of the others.
-using TetPositions = std::array<std::uint32_t, 4>;
 
 /// Where a tile writes the tetrahedra that its vertices own.
 struct OwnedArrays
@@ -44,36 +42,26 @@ struct FacetSide
 class TileArrays
 {
 public:
-	static constexpr std::int32_t kForeign = -1;
+	static constexpr std::int32_t kHull = -1;
+	static constexpr std::int32_t kForeign = -2;
 
 	/// The tile must outlive it.
-	explicit TileArrays(const Tile& tile);
+	explicit TileArrays(const Tile& theTile);
 
 	/// Counts the tetrahedra of each own vertex into the entry behind that of the vertex.
-	void count(std::uint32_t* pCounts) const;
-	/// Once counts have become numbers. Writes the corners.
-	void writeCorners(const OwnedArrays& to);
+	void count(std::uint32_t* pCounts);
+	/// Once counts have become numbers. Writes corners and neighbours; kForeign for neighbours that the tile does not own
+	/// or cannot know.
+	void write(const OwnedArrays& to);
 
-	/// Writes the neighbours in all facets whose three corners are own, if the tile owns both tetrahedra or it is
-	/// the hull; all others with an own lowest corner go to `link`: the first is to have the second as neighbour i.
-	/// The second is null on the hull.
+	/// Calls link(side, i, other) for the facets whose lowest corner is own, of whose tetrahedra the tile does not own
+	/// all: the first is to have the second as neighbour i. The second is null on the hull.
 	using Link = std::function<void(const FacetSide&, int i, const FacetSide*)>;
-	void writeNeighbours(const OwnedArrays& to, const Link& link);
+	void linkForeign(const Link& link) const;
 
 	/// Calls visit(positions) for the tetrahedra with an own corner that other tiles own.
-	template <typename Visit>
-	void forEachForeign(Visit visit) const
-	{
-		std::size_t record = 0;
-		live.forEach([&](const Tet3* pTet) {
-			const bool bInside = vTurns[record] != kAtBorder;
-			const bool bOwned = vNumbers[record++] != kForeign;
-			if (bInside || bOwned) return;
-			const TetPositions p = canonical(*pTet).position;
-			if (hasOwn(p)) visit(p);
-		});
-	}
-	/// Once corners are written: the lowest tetrahedron at each own vertex, of those that the tile owns and those noted.
+	void forEachForeign(const std::function<void(const TetPositions&)>& visit) const;
+	/// Once written: the lowest tetrahedron at each own vertex, of those that the tile owns and those noted.
 	const std::vector<std::int32_t>& tetOfOwn() const { return vTetOfOwn; }
 	/// Notes a tetrahedron at own vertices.
 	void noteAtVertices(const TetPositions& position, std::int32_t number);
@@ -88,35 +76,30 @@ public:
 	    const std::uint32_t* pFirstOfOwner, const std::int32_t* pCorners);
 
 private:
-	/// `turn` is which of the twelve even permutations brings the corners into that order.
-	struct Canonical
-	{
-		TetPositions position;
-		unsigned turn;
-	};
-	static Canonical canonical(const Tet3& tet);
-	static int cornerAt(unsigned turn, int i);
-	/// Calls visit(canonical, record) for all tetrahedra of the tile.
+	CanonicalTet canonical(const Tet3& tet) const;
+	bool isInside(const Tet3& tet) const;
+	/// Calls visit(tet, pEntry, numLeft) for all tetrahedra of the tile, with the entry of vNumbers. So many more
+	/// follow in memory, as their entries do.
 	template <typename Visit>
-	void forEachCanonical(Visit visit) const;
-	bool hasOwn(const TetPositions& position) const
+	void forEachEntry(Visit visit);
+	std::size_t recordOf(const Tet3& tet) const
 	{
-		return own.contains(position[0]) || own.contains(position[1]) ||
-		    own.contains(position[2]) || own.contains(position[3]);
+		return static_cast<std::size_t>(records.numberOf(&tet));
 	}
+	std::int32_t ownerAtBorder(const Tet3& tet);
+	void gatherByOwner(const OwnedArrays& to);
+	void writeOne(
+	    const Tet3& tet, const CanonicalTet& self, std::int32_t number, const OwnedArrays& to);
 	FacetSide sideOf(const Tet3& tet, const TetPositions& position) const;
-	void linkInside(
-	    const Tet3& tet, std::size_t record, const OwnedArrays& to, const Link& link) const;
-	void linkAtBorder(const Tet3& tet, const Link& link) const;
 
+	const Tile& tile;
 	const PositionRange own;
 	const LiveTets live;
-	static constexpr std::uint8_t kAtBorder = 0xFF;
+	const LiveTets records;              ///< with the dead ones: hardly any look-up has to search
+	std::vector<const Tet3*> vAtBorder;  ///< the tetrahedra with own corners and others
 	std::vector<std::int32_t> vTetOfOwn; ///< the lowest tetrahedron at each own vertex
-	std::vector<std::int32_t>
-	    vNumbers; ///< of each tetrahedron of the tile, kForeign for those of others
-	std::vector<std::uint8_t>
-	    vTurns; ///< of each tetrahedron; kAtBorder where a corner is not an own one
+	/// Of each record: first the owner, as a place among own vertices, then the number; kForeign for those of others.
+	std::vector<std::int32_t> vNumbers;
 };
 
 } // namespace TULO3D

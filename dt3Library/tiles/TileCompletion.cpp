@@ -44,9 +44,8 @@ void Tile::measureClearance()
 
 double Tile::clearance(const Point3& vtx) const
 {
-	const std::uint32_t position = curvePosition(vtx);
-	if (!own.contains(position)) return 0;
-	return vClearance[(position - own.first) / BoxTree::kLeafSize];
+	if (!isOwn(vtx)) return 0;
+	return vClearance[(position(vtx) - own.first) / BoxTree::kLeafSize];
 }
 
 bool Tile::mayHoldUnknown(const Tet3& tet) const
@@ -199,7 +198,7 @@ void Tile::insertMissing()
 	}
 	vMissing.clear();
 	engine.insertInOrder(
-	    vNew, InsertionOrder(static_cast<std::uint32_t>(vNew.size())), pOwnVtx->getOneTet());
+	    vNew, InsertionOrder(static_cast<std::uint32_t>(vNew.size())), pFirstOwn->getOneTet());
 
 	std::vector<Tet3*> vStar;
 	for (Point3* pVtx : vNew) {

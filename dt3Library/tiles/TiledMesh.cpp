@@ -107,7 +107,7 @@ ParallelMesh triangulateInTiles(const double* pCoordinates, std::size_t numPoint
 	};
 	std::vector<std::vector<std::uint64_t>> vSums(vRanges.size());
 	inParallel(vRanges.size(), numThreads, [&](std::size_t i) {
-		vArrays[i]->writeCorners(arraysOf(i));
+		vArrays[i]->write(arraysOf(i));
 		vSums[i] = vArrays[i]->checksums(vRanges);
 	});
 	expectAgreement(vSums);
@@ -123,11 +123,10 @@ ParallelMesh triangulateInTiles(const double* pCoordinates, std::size_t numPoint
 	};
 	inParallel(vRanges.size(), numThreads, [&](std::size_t i) {
 		TileArrays& arrays = *vArrays[i];
-		arrays.writeNeighbours(
-		    arraysOf(i), [&](const FacetSide& side, int facet, const FacetSide* pOther) {
-			    mesh.neighbours[4 * std::size_t(numberOf(side)) + std::size_t(facet)] =
-			        pOther == nullptr ? -1 : numberOf(*pOther);
-		    });
+		arrays.linkForeign([&](const FacetSide& side, int facet, const FacetSide* pOther) {
+			mesh.neighbours[4 * std::size_t(numberOf(side)) + std::size_t(facet)] =
+			    pOther == nullptr ? TileArrays::kHull : numberOf(*pOther);
+		});
 		arrays.forEachForeign([&](const TetPositions& position) {
 			arrays.noteAtVertices(position, numberOf({position, TileArrays::kForeign}));
 		});

@@ -141,14 +141,14 @@ std::size_t countEdges(const TULO3D::Tile& tile)
 	tile.mesh().liveTets().forEach([&](const TULO3D::Tet3* pTet) {
 		for (int i = 0; i < 4; ++i) {
 			const TULO3D::Point3& vtx = *pTet->getCorner(i);
-			const std::uint32_t position = TULO3D::Tile::curvePosition(vtx);
+			const std::uint32_t position = tile.position(vtx);
 			if (!tile.isOwn(vtx) || vDone[position - tile.ownRange().first]) continue;
 			vDone[position - tile.ownRange().first] = true;
 			TULO3D::Dt3::getTetsAroundVertex(pTet->getCorner(i), vStar);
 			vEnds.clear();
 			for (const TULO3D::Tet3* pAround : vStar) {
 				for (int j = 0; j < 4; ++j) {
-					const std::uint32_t end = TULO3D::Tile::curvePosition(*pAround->getCorner(j));
+					const std::uint32_t end = tile.position(*pAround->getCorner(j));
 					if (end > position) vEnds.push_back(end);
 				}
 			}
@@ -159,9 +159,6 @@ std::size_t countEdges(const TULO3D::Tile& tile)
 	});
 	return numEdges;
 }
-
-/// The neighbour of a facet that is still to be found.
-constexpr std::int32_t kUnlinked = -2;
 
 /// What a tile has found. The tetrahedra are those that its vertices own, by positions of corners and by their numbers
 /// among themselves.
@@ -225,18 +222,13 @@ public:
 			arrays.count(vFirst.data());
 			for (std::size_t i = 1; i < vFirst.size(); ++i) vFirst[i] += vFirst[i - 1];
 			vCorners.resize(4 * std::size_t{vFirst.back()});
-			vNeighbors.assign(vCorners.size(), kUnlinked);
+			vNeighbors.resize(vCorners.size());
 			const TULO3D::OwnedArrays to{
 			    vFirst.data(), vCorners.data(), vNeighbors.data(), nullptr};
-			arrays.writeCorners(to);
+			arrays.write(to);
 			vSums = arrays.checksums(vRanges);
-			arrays.writeNeighbours(
-			    to, [&](const TULO3D::FacetSide& side, int i, const TULO3D::FacetSide* pOther) {
-				    if (!side.isForeign() && (pOther == nullptr || !pOther->isForeign())) {
-					    vNeighbors[4 * std::size_t(side.number) + std::size_t(i)] =
-					        pOther == nullptr ? -1 : pOther->number;
-					    return;
-				    }
+			arrays.linkForeign(
+			    [&](const TULO3D::FacetSide& side, int i, const TULO3D::FacetSide* pOther) {
 				    vLinks.insert(vLinks.end(), side.position.begin(), side.position.end());
 				    vLinks.push_back(static_cast<std::uint32_t>(i));
 				    const TULO3D::TetPositions beyond =
