@@ -2,6 +2,7 @@
 // The vertices of a batch in the order of the curve, and their ranks.
 #include "tiles/CurveOrder.h"
 #include "Dt3.h"
+#include "ardo_tools/prefetch.h"
 #include "lookahead/InsertionOrder.h"
 #include "predicates/Underflow.h"
 #include "store/CoordinateOrder.h"
@@ -144,16 +145,17 @@ CurveOrder::Section::Section(const double* pCoordinates, const std::vector<std::
 	vListed.reserve(vKeyed.size());
 	for (std::size_t i = 0; i < vKeyed.size();) {
 		const std::uint32_t key = vKeyed[i].key;
-		const auto numBefore = static_cast<std::ptrdiff_t>(vMade.size());
+		const std::size_t numBefore = vListed.size();
 		for (; i < vKeyed.size() && vKeyed[i].key == key; ++i) {
 			const std::uint32_t n = vKeyed[i].value;
-			const bool bRepeats = vListed.begin() + numBefore < vListed.end() &&
+			const bool bRepeats = vListed.size() > numBefore &&
 			    pointAt(pCoordinates, vListed.back()) == pointAt(pCoordinates, n);
 			vFirst[n] = bRepeats ? vListed.back() : n;
 			if (!bRepeats) vListed.push_back(n);
 		}
-		vMade.insert(vMade.end(), vListed.begin() + numBefore, vListed.end());
-		std::sort(vMade.begin() + numBefore, vMade.end());
+		vMade.insert(vMade.end(), vListed.begin() + std::ptrdiff_t(numBefore), vListed.end());
+		if (vListed.size() - numBefore > 1)
+			std::sort(vMade.begin() + std::ptrdiff_t(numBefore), vMade.end());
 	}
 }
 
@@ -265,7 +267,13 @@ void CurveOrder::takeOver(
 	    [&](std::size_t firstBlock, std::size_t lastBlock, std::size_t) {
 		    const std::size_t last = std::min(num, lastBlock * CurvePoints::kBlock);
 		    for (std::size_t i = firstBlock * CurvePoints::kBlock; i < last; ++i) {
-			    std::copy_n(pCoordinates + 3 * std::size_t{vOrder[i]}, 3, &vCoordinates[3 * i]);
+			    // In curve order the input is read at scattered addresses.
+			    const std::uint32_t later = vOrder[placeAhead(i, last)];
+			    prefetchBytes<Cache::kFirst>(
+			        pCoordinates + 3 * std::size_t{later}, 3 * sizeof(double));
+			    prefetch(&vVertexOfPoint[later]);
+			    pointAt(pCoordinates, vOrder[i])
+			        .xyz(vCoordinates[3 * i], vCoordinates[3 * i + 1], vCoordinates[3 * i + 2]);
 			    vNumbers[i] = vVertexOfPoint[vOrder[i]];
 		    }
 		    CurvePoints::boxBlocks(vCoordinates.data(), num, firstBlock, lastBlock, vBoxes.data());

@@ -19,7 +19,8 @@ constexpr double kNear = 0.4;
 /// Memory for so many tetrahedra a vertex is reserved in one piece, which makes them quick to number (`LiveTets`).
 constexpr std::size_t kUsualTets = 7;
 
-using RankedVertex = Keyed<std::uint32_t, Point3*>; // by its rank
+/// A vertex by its rank: the place where it is made.
+using RankedPlace = Keyed<std::uint32_t, std::uint32_t>;
 
 } // namespace
 
@@ -83,23 +84,12 @@ void Tile::markNear()
 	});
 }
 
-void Tile::begin()
+std::vector<std::uint32_t> Tile::foreignToBeginWith() const
 {
-	chooseKnown();
+	// The vertices of the lowest ranks are spread over all.
 	std::vector<std::uint32_t> vLowest = points.lowest();
 	std::sort(vLowest.begin(), vLowest.end());
-
-	// In the order of the curve, so that what is near is near in memory, too.
-	std::vector<RankedVertex> vRanked;
-	vRanked.reserve(own.size() + own.size() / 8);
-	const auto create = [&](std::uint32_t position) {
-		vRanked.push_back(
-		    {static_cast<std::uint32_t>(points.rank(position)), createVertex(position)});
-	};
-	engine.hc3.vertexPool.reserveRun(static_cast<int>(own.size()));
-	for (std::uint32_t position = own.first; position < own.last; ++position) create(position);
-	pFirstOwn = vRanked.front().value;
-	// The vertices of the lowest ranks are spread over all.
+	std::vector<std::uint32_t> vPositions;
 	auto itLowest = vLowest.begin();
 	for (std::uint32_t leaf = 0; leaf < tree.numLeaves(); ++leaf) {
 		const bool bKnown = isKnown({0, leaf});
@@ -108,23 +98,42 @@ void Tile::begin()
 		tree.forEachPoint(leaf, [&](std::uint32_t position) {
 			const bool bWanted = itLowest != vLowest.end() && *itLowest == position;
 			itLowest += bWanted;
-			if ((!bKnown && !bWanted) || own.contains(position)) return;
-			create(position);
-			foreign.insert(position);
+			if ((bKnown || bWanted) && !own.contains(position)) vPositions.push_back(position);
 		});
 	}
+	return vPositions;
+}
+
+void Tile::begin()
+{
+	chooseKnown();
+	// Vertices are made in the order of the curve, so that what is near is near in memory, too.
+	const std::vector<std::uint32_t> vForeign = foreignToBeginWith();
+	foreign.insert(vForeign.begin(), vForeign.end());
+	const std::size_t num = own.size() + vForeign.size();
+	engine.hc3.vertexPool.reserveRun(static_cast<int>(num));
+	std::vector<RankedPlace> vRanked;
+	vRanked.reserve(num);
+	const auto create = [&](std::uint32_t position) {
+		vRanked.push_back({static_cast<std::uint32_t>(points.rank(position)),
+		    static_cast<std::uint32_t>(vRanked.size())});
+		return createVertex(position);
+	};
+	Point3* const pFirst = create(own.first);
+	for (std::uint32_t position = own.first + 1; position < own.last; ++position) create(position);
+	for (const std::uint32_t position : vForeign) create(position);
+	pFirstOwn = pFirst;
 	if (points.isTiny() && engine.batchTests.pForTiny != nullptr) {
 		engine.batchTests = *engine.batchTests.pForTiny;
 	}
 	sortByKey(vRanked, highestBit(points.size()) + 1);
-	engine.tetPool.reserveRun(
-	    static_cast<int>(std::min<std::size_t>(kUsualTets * vRanked.size(), INT_MAX)));
 	std::array<Point3*, 4> first{};
-	for (std::size_t i = 0; i < 4; ++i) first[i] = vRanked[i].value;
+	for (std::size_t i = 0; i < 4; ++i) first[i] = pFirst + vRanked[i].value;
 	std::vector<Point3*> vVertices;
-	vVertices.reserve(vRanked.size());
-	for (std::size_t i = vRanked.size(); i-- > 4;) vVertices.push_back(vRanked[i].value);
+	vVertices.reserve(num);
+	for (std::size_t i = num; i-- > 4;) vVertices.push_back(pFirst + vRanked[i].value);
 	vRanked = {};
+	engine.tetPool.reserveRun(static_cast<int>(std::min<std::size_t>(kUsualTets * num, INT_MAX)));
 	Tet3* pFirstTet = engine.startWith(first);
 	engine.insertInOrder(vVertices,
 	    InsertionOrder::lastToFirst(static_cast<std::uint32_t>(vVertices.size())), pFirstTet);

@@ -87,6 +87,7 @@ public:
 private:
 	// Tile.cpp
 	void chooseKnown();
+	std::vector<std::uint32_t> foreignToBeginWith() const;
 	void markNear();
 	void markKnownNodes();
 	void markIfKnown(const BoxNode& node);

@@ -3,6 +3,7 @@
 #include "geometry/vectors.h"
 #include "lookahead/InsertionOrder.h"
 #include "mesh/LiveTets.h"
+#include "mesh/Prefetch.h"
 #include "predicates/RankRule.h"
 #include "tiles/Tile.h"
 
@@ -17,6 +18,10 @@ namespace {
 
 /// Unknown vertices are looked for up to so many diagonals of a leaf around it. Nearly all balls are smaller than that.
 constexpr double kFarthest = 1;
+
+// Distances of prefetching, in tetrahedra.
+constexpr std::ptrdiff_t kTetsAhead = 32;
+constexpr std::ptrdiff_t kVerticesAhead = 16;
 
 } // namespace
 
@@ -218,7 +223,16 @@ void Tile::complete()
 	// From now on vertices do not come by ascending rank.
 	engine.batchTests = *engine.batchTests.pByRank;
 
-	engine.liveTets().forEach([this](Tet3* pTet) { consider(pTet); });
+	const LiveTets live = engine.liveTets();
+	live.forEachRun(0, live.size(), [this](Tet3* pFirst, Tet3* pLast) {
+		for (Tet3* pTet = pFirst; pTet != pLast; ++pTet) {
+			if (pLast - pTet > kVerticesAhead) {
+				prefetchTet(pTet + kTetsAhead);
+				prefetchCorners(pTet[kVerticesAhead]);
+			}
+			consider(pTet);
+		}
+	});
 	while (!vDoubtful.empty()) {
 		std::vector<Tet3*> vStays;
 		for (Tet3* pTet : vDoubtful) {
