@@ -128,6 +128,8 @@ private:
 	}
 
 	// TileCompletion.cpp
+	/// A lower bound of the squared distance from a box to unknown vertices.
+	double squaredDistanceToUnknown(const Box& box) const;
 	void measureClearance();
 	/// What has to be found out of a tetrahedron.
 	enum class Doubt {

@@ -16,7 +16,8 @@ namespace TULO3D {
 
 namespace {
 
-/// Unknown vertices are looked for up to so many diagonals of a leaf around it. Nearly all balls are smaller than that.
+/// Up to so many diagonals of a leaf the distance to unknown vertices is measured from the leaf itself. Nearly all balls
+/// are smaller than that.
 constexpr double kFarthest = 1;
 
 // Distances of prefetching, in tetrahedra.
@@ -25,8 +26,24 @@ constexpr std::ptrdiff_t kVerticesAhead = 16;
 
 } // namespace
 
+double Tile::squaredDistanceToUnknown(const Box& box) const
+{
+	double least = DBL_MAX;
+	std::vector<std::uint32_t> vNone;
+	gatherUnknownLeaves(vNone, [&](const BoxNode& node) {
+		const double here = squaredDistance(box, tree.box(node));
+		if (here >= least) return false;
+		// Boxes that are small as seen from here are not looked into.
+		const bool bOpen = node.level > 0 && squaredDiagonal(tree.box(node)) > here;
+		if (!bOpen) least = here;
+		return bOpen;
+	});
+	return least;
+}
+
 void Tile::measureClearance()
 {
+	constexpr double kRoundDown = 1 - 0x1p-48; // to the safe side
 	vClearance.reserve(own.size() / BoxTree::kLeafSize + 1);
 	std::vector<std::uint32_t> vNear;
 	forEachOwnGroup([&](const Box& box, std::uint32_t firstLeaf, std::uint32_t lastLeaf) {
@@ -35,6 +52,11 @@ void Tile::measureClearance()
 			farthest = std::max(farthest, squaredDiagonal(tree.box({0, leaf})));
 		}
 		farthest *= kFarthest * kFarthest;
+		const double atLeast = squaredDistanceToUnknown(box);
+		if (atLeast >= farthest) {
+			vClearance.insert(vClearance.end(), lastLeaf - firstLeaf, atLeast * kRoundDown);
+			return;
+		}
 		gatherUnknownLeaves(vNear,
 		    [&](const BoxNode& node) { return squaredDistance(box, tree.box(node)) < farthest; });
 		for (std::uint32_t leaf = firstLeaf; leaf < lastLeaf; ++leaf) {
@@ -42,7 +64,7 @@ void Tile::measureClearance()
 			for (const std::uint32_t other : vNear) {
 				least = std::min(least, squaredDistance(tree.box({0, leaf}), tree.box({0, other})));
 			}
-			vClearance.push_back(least * (1 - 0x1p-48)); // rounded to the safe side
+			vClearance.push_back(least * kRoundDown);
 		}
 	});
 }
