@@ -223,10 +223,21 @@ FacetSide TileArrays::sideOf(const Tet3& tet, const TetPositions& position) cons
 	return {position, vNumbers[recordOf(tet)]};
 }
 
+template <typename Visit>
+void TileArrays::forEachAtBorder(Visit visit) const
+{
+	for (std::size_t i = 0; i < vAtBorder.size(); ++i) {
+		if (i + kTetsAhead < vAtBorder.size()) {
+			prefetchTet(vAtBorder[i + kTetsAhead]);
+			prefetchCorners(*vAtBorder[i + kAhead]);
+		}
+		visit(vAtBorder[i], canonical(*vAtBorder[i]));
+	}
+}
+
 void TileArrays::linkForeign(const Link& link) const
 {
-	for (const Tet3* pTet : vAtBorder) {
-		const CanonicalTet self = canonical(*pTet);
+	forEachAtBorder([&](const Tet3* pTet, const CanonicalTet& self) {
 		const FacetSide side = sideOf(*pTet, self.position);
 		for (int i = 0; i < 4; ++i) {
 			// The lowest corner of the facet.
@@ -246,15 +257,14 @@ void TileArrays::linkForeign(const Link& link) const
 					link(other, j, &side);
 			}
 		}
-	}
+	});
 }
 
 void TileArrays::forEachForeign(const std::function<void(const TetPositions&)>& visit) const
 {
-	for (const Tet3* pTet : vAtBorder) {
-		const TetPositions p = canonical(*pTet).position;
-		if (!own.contains(p[0])) visit(p);
-	}
+	forEachAtBorder([&](const Tet3*, const CanonicalTet& self) {
+		if (!own.contains(self.position[0])) visit(self.position);
+	});
 }
 
 void TileArrays::noteAtVertices(const TetPositions& position, std::int32_t number)
@@ -276,18 +286,17 @@ std::vector<std::uint64_t> TileArrays::checksums(const std::vector<PositionRange
 		return std::upper_bound(vTiles.begin(), vTiles.end(), position, isBehind) - vTiles.begin() -
 		    1;
 	};
-	for (const Tet3* pTet : vAtBorder) {
+	forEachAtBorder([&](const Tet3*, const CanonicalTet& self) {
 		std::uint64_t hash = 0;
 		std::array<std::ptrdiff_t, 4> tiles{};
-		const auto p = canonical(*pTet).position;
 		for (std::size_t i = 0; i < 4; ++i) {
-			hash = mixed(hash + p[i] + 1);
-			tiles[i] = tileOf(p[i]);
+			hash = mixed(hash + self.position[i] + 1);
+			tiles[i] = tileOf(self.position[i]);
 		}
 		std::sort(tiles.begin(), tiles.end());
 		const auto itLast = std::unique(tiles.begin(), tiles.end());
 		for (auto it = tiles.begin(); it != itLast; ++it) vSums[std::size_t(*it)] += hash;
-	}
+	});
 	return vSums;
 }
 

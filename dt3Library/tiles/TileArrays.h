@@ -86,6 +86,9 @@ private:
 	{
 		return static_cast<std::size_t>(records.numberOf(&tet));
 	}
+	/// Calls visit(pTet, canonical) for the tetrahedra at the border.
+	template <typename Visit>
+	void forEachAtBorder(Visit visit) const;
 	std::int32_t ownerAtBorder(const Tet3& tet);
 	void gatherByOwner(const OwnedArrays& to);
 	void writeOne(
