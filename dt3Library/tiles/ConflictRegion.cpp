@@ -59,6 +59,7 @@ ConflictRegion ConflictRegion::ofTet(const Tet3& tet)
 		region.n[i] = liftB * (cd[0] - cd[1]) + liftC * (db[0] - db[1]) + liftD * (bc[0] - bc[1]);
 		region.nMagnitude[i] = liftB * sum(cd) + liftC * sum(db) + liftD * sum(bc);
 	}
+	for (std::size_t i = 0; i < 3; ++i) region.centre[i] = region.n[i] / (2 * region.v);
 	return region;
 }
 
@@ -97,9 +98,7 @@ double ConflictRegion::leastIn(const Box& box) const
 		const double low = box.low[i] - origin[i];
 		const double high = box.high[i] - origin[i];
 		const auto f = [this, i](double x) { return (v * x - n[i]) * x; };
-		double leastOfAxis = std::min(f(low), f(high));
-		if (v > 0) leastOfAxis = std::min(leastOfAxis, f(std::clamp(n[i] / (2 * v), low, high)));
-		least += leastOfAxis;
+		least += v > 0 ? f(std::clamp(centre[i], low, high)) : std::min(f(low), f(high));
 		const double farthest = std::max(std::abs(low), std::abs(high));
 		magnitude += (vMagnitude * farthest + nMagnitude[i]) * farthest;
 	}

@@ -44,6 +44,7 @@ private:
 	double vMagnitude = 0; ///< of the terms of v
 	Vector n{};
 	Vector nMagnitude{};
+	Vector centre{}; ///< where f is least, if v is positive
 	/// Of a half-space: the axis that it is perpendicular to, where coordinates can be compared as they are, or kNoAxis.
 	std::size_t axis = kNoAxis;
 };
