@@ -43,7 +43,7 @@ void LiveTets::makeTable()
 {
 	// Of the runs near the longest one. A system may keep smaller blocks far away from large ones.
 	constexpr std::uintptr_t kNear = std::uintptr_t{1} << (sizeof(std::uintptr_t) > 4 ? 39U : 31U);
-	constexpr std::uintptr_t kMaxPages = 1024;
+	constexpr std::uintptr_t kMaxPages = 2048;
 	const auto isShorter = [](const Run& a, const Run& b) {
 		return a.pLast - a.pFirst < b.pLast - b.pFirst;
 	};

@@ -7,7 +7,6 @@
 
 #include <algorithm>
 #include <array>
-#include <climits>
 
 namespace TULO3D {
 
@@ -15,9 +14,6 @@ namespace {
 
 /// Foreign leaves are known that are nearer than this part of their own diagonal.
 constexpr double kNear = 0.4;
-
-/// Memory for so many tetrahedra a vertex is reserved in one piece, which makes them quick to number (`LiveTets`).
-constexpr std::size_t kUsualTets = 7;
 
 /// A vertex by its rank: the place where it is made.
 using RankedPlace = Keyed<std::uint32_t, std::uint32_t>;
@@ -133,7 +129,6 @@ void Tile::begin()
 	vVertices.reserve(num);
 	for (std::size_t i = num; i-- > 4;) vVertices.push_back(pFirst + vRanked[i].value);
 	vRanked = {};
-	engine.tetPool.reserveRun(static_cast<int>(std::min<std::size_t>(kUsualTets * num, INT_MAX)));
 	Tet3* pFirstTet = engine.startWith(first);
 	engine.insertInOrder(vVertices,
 	    InsertionOrder::lastToFirst(static_cast<std::uint32_t>(vVertices.size())), pFirstTet);

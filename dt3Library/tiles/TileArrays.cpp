@@ -68,10 +68,7 @@ std::uint64_t mixed(std::uint64_t h)
 } // namespace
 
 TileArrays::TileArrays(const Tile& theTile)
-    : tile(theTile),
-      own(tile.ownRange()),
-      live(tile.mesh().liveTets()),
-      records(tile.mesh().tetPool.usedBlocks(), {})
+    : tile(theTile), own(tile.ownRange()), live(tile.mesh().liveTets())
 {
 	CONDITION_CHECK_AS(live.size() <= std::numeric_limits<std::int32_t>::max(),
 	    "at most 2147483647 tetrahedra have numbers");
@@ -103,15 +100,15 @@ bool TileArrays::isInside(const Tet3& tet) const
 template <typename Visit>
 void TileArrays::forEachEntry(Visit visit)
 {
+	std::int32_t* pEntry = vNumbers.data();
 	live.forEachRun(0, live.size(), [&](const Tet3* pTet, const Tet3* pLast) {
-		std::int32_t* pEntry = &vNumbers[recordOf(*pTet)];
 		for (; pTet != pLast; ++pTet, ++pEntry) visit(*pTet, pEntry, pLast - pTet);
 	});
 }
 
 void TileArrays::count(std::uint32_t* pCounts)
 {
-	vNumbers.resize(records.size());
+	vNumbers.resize(live.size());
 	forEachEntry([&](const Tet3& tet, std::int32_t* pOwner, std::ptrdiff_t) {
 		prefetchTet(&tet + kTetsAhead);
 		if (isInside(tet)) {
@@ -156,7 +153,7 @@ inline void TileArrays::writeOne(
 	vNumbers[recordOf(tet)] = number;
 	const auto& turn = kTurns[self.turn];
 	const auto recordBeyond = [&](int i) {
-		return records.numberOf(tet.getOppTet(turn[static_cast<std::size_t>(i)]));
+		return live.numberOf(tet.getOppTet(turn[static_cast<std::size_t>(i)]));
 	};
 	// Beyond the facet without the owner, the tile is right only when it has another own corner.
 	const Corners beyond{own.contains(self.position[1]) ? recordBeyond(0) : kForeign,

@@ -78,13 +78,14 @@ public:
 private:
 	CanonicalTet canonical(const Tet3& tet) const;
 	bool isInside(const Tet3& tet) const;
-	/// Calls visit(tet, pEntry, numLeft) for all tetrahedra of the tile, with the entry of vNumbers. So many more
-	/// follow in memory, as their entries do.
+	/// Calls visit(tet, pEntry, numLeft) for all tetrahedra of the tile, with the entry of vNumbers. The next
+	/// numLeft - 1 follow in memory, as their entries do.
 	template <typename Visit>
 	void forEachEntry(Visit visit);
+	/// The entry of a tetrahedron in vNumbers.
 	std::size_t recordOf(const Tet3& tet) const
 	{
-		return static_cast<std::size_t>(records.numberOf(&tet));
+		return static_cast<std::size_t>(live.numberOf(&tet));
 	}
 	/// Calls visit(pTet, canonical) for the tetrahedra at the border.
 	template <typename Visit>
@@ -98,10 +99,10 @@ private:
 	const Tile& tile;
 	const PositionRange own;
 	const LiveTets live;
-	const LiveTets records;              ///< with the dead ones: hardly any look-up has to search
 	std::vector<const Tet3*> vAtBorder;  ///< the tetrahedra with own corners and others
 	std::vector<std::int32_t> vTetOfOwn; ///< the lowest tetrahedron at each own vertex
-	/// Of each record: first the owner, as a place among own vertices, then the number; kForeign for those of others.
+	/// Of each tetrahedron of the tile: first the owner, as a place among own vertices, then the number; kForeign for
+	/// those of others.
 	std::vector<std::int32_t> vNumbers;
 };
 
