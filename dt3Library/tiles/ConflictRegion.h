@@ -13,9 +13,9 @@ namespace TULO3D {
 ///
 ///   f(x) = v |x|^2 - n . x        x as seen from a corner
 ///
-/// is not positive: v is six times the volume, and n / 2v the circumcentre, near which f is least. The value of f needs
-/// no division, so a nearly flat tetrahedron is no special case; for a half-space v is zero. All bounds hold with the rounding errors
-/// of v, n and x.
+/// is not positive: v is six times the volume, and n / 2v the circumcentre, where f is least. No value of f needs a
+/// division, so a nearly flat tetrahedron is no special case; for a half-space v is zero. All bounds hold with the
+/// rounding errors of v, n and x.
 class ConflictRegion
 {
 public:

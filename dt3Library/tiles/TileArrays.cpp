@@ -93,8 +93,9 @@ inline CanonicalTet TileArrays::canonical(const Tet3& tet) const
 
 bool TileArrays::isInside(const Tet3& tet) const
 {
-	return tile.isOwn(*tet.getCorner(0)) & tile.isOwn(*tet.getCorner(1)) &
-	    tile.isOwn(*tet.getCorner(2)) & tile.isOwn(*tet.getCorner(3));
+	bool bInside = true;
+	for (int i = 0; i < 4; ++i) bInside &= tile.isOwn(*tet.getCorner(i));
+	return bInside;
 }
 
 template <typename Visit>

@@ -52,9 +52,9 @@ void Tile::measureClearance()
 			farthest = std::max(farthest, squaredDiagonal(tree.box({0, leaf})));
 		}
 		farthest *= kFarthest * kFarthest;
-		const double atLeast = squaredDistanceToUnknown(box);
-		if (atLeast >= farthest) {
-			vClearance.insert(vClearance.end(), lastLeaf - firstLeaf, atLeast * kRoundDown);
+		const double fromGroup = squaredDistanceToUnknown(box);
+		if (fromGroup >= farthest) {
+			vClearance.insert(vClearance.end(), lastLeaf - firstLeaf, fromGroup * kRoundDown);
 			return;
 		}
 		gatherUnknownLeaves(vNear,
