@@ -103,20 +103,21 @@ std::vector<std::uint32_t> Tile::foreignToBeginWith() const
 void Tile::begin()
 {
 	chooseKnown();
-	// Vertices are made in the order of the curve, so that what is near is near in memory, too.
+	// Vertices are made in one piece, in the order of the curve, so that what is near is near in memory, too.
 	const std::vector<std::uint32_t> vForeign = foreignToBeginWith();
 	foreign.insert(vForeign.begin(), vForeign.end());
 	const std::size_t num = own.size() + vForeign.size();
 	engine.hc3.vertexPool.reserveRun(static_cast<int>(num));
 	std::vector<RankedPlace> vRanked;
 	vRanked.reserve(num);
+	Point3* pFirst = nullptr;
 	const auto create = [&](std::uint32_t position) {
+		Point3* pVtx = createVertex(position);
+		if (vRanked.empty()) pFirst = pVtx;
 		vRanked.push_back({static_cast<std::uint32_t>(points.rank(position)),
 		    static_cast<std::uint32_t>(vRanked.size())});
-		return createVertex(position);
 	};
-	Point3* const pFirst = create(own.first);
-	for (std::uint32_t position = own.first + 1; position < own.last; ++position) create(position);
+	for (std::uint32_t position = own.first; position < own.last; ++position) create(position);
 	for (const std::uint32_t position : vForeign) create(position);
 	pFirstOwn = pFirst;
 	if (points.isTiny() && engine.batchTests.pForTiny != nullptr) {
