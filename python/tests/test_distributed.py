@@ -209,13 +209,13 @@ def one_engine(num_chunks):
 
 @pytest.mark.skipif(sys.platform != "linux", reason="the limit and the memory in use are those of Linux")
 def test_a_worker_needs_the_memory_of_a_tile_and_not_that_of_all_points(tmp_path):
-    num_chunks = 12
+    num_chunks = 20
     with (
         LocalCluster(n_workers=1, threads_per_worker=1, dashboard_address=":0", silence_logs=60) as cluster,
         Client(cluster) as client,
     ):
         client.submit(one_engine, 1).result()  # so that all is loaded
-        client.run(allow_more_memory, 100_000_000)
+        client.run(allow_more_memory, 180_000_000)  # the process itself needs some, too
         with pytest.raises(MemoryError):
             client.submit(one_engine, num_chunks).result()
         mesh = triangulate(
