@@ -95,6 +95,7 @@ def main():
     for axes in both:
         axes.set_ylim(bottom=0 if axes.get_yscale() == "linear" else None)
         axes.grid(True, which="major", alpha=0.3)
+        axes.tick_params(axis="x", which="minor", labelsize="x-small")
         axes.legend(frameon=False)
     # No date inside: the same numbers give the same file.
     metadata = {"Date": None} if options.image.endswith(".svg") else None
