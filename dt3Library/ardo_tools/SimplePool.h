@@ -90,8 +90,10 @@ public:
 	void reserveRun(int num)
 	{
 		if (num < currentBlockSize - lastIndex) return;
-		vSizes.back() = lastIndex + 1; // what is left of this block is never handed out
+		const std::size_t before = vSizes.size() - 1;
+		const int numUsedBefore = lastIndex + 1;
 		addBlock(num);
+		vSizes[before] = numUsedBefore; // what is left of that block is never handed out
 		pristine = false;
 	}
 

@@ -3,6 +3,7 @@
 #include "mesh/HullEdges.h"
 #include "Tet3.h"
 #include "geometry/TetIndices.h"
+#include "mesh/Surroundings.h"
 
 #include <algorithm>
 #include <functional>
@@ -32,8 +33,8 @@ bool HullEdges::isOnHullAt(const Facet3& facet, const Ends& ends)
 	const auto isInFacet = [&](const Point3* pVtx) {
 		return tet.hasVertex(pVtx) && tet.getCorner(h) != pVtx;
 	};
-	const bool bRemoved = tet.hasBeenVisited; // or marked by a host, which then costs time only
-	return !bRemoved && tet.getOppTet(h) == nullptr && isInFacet(ends.pA) && isInFacet(ends.pB);
+	return !CavityMark::isSet(tet) && tet.getOppTet(h) == nullptr && isInFacet(ends.pA) &&
+	    isInFacet(ends.pB);
 }
 
 Facet3 HullEdges::across(const Edge3& edge)
@@ -66,7 +67,7 @@ Facet3 HullEdges::across(const Edge3& edge)
 
 void HullEdges::update(const ScratchArray<Tet3*>& vStar)
 {
-	if (++numUpdates > 4 * found.size()) forgetInnerEdges();
+	if (++numUpdates > 4 * numKept) forgetInnerEdges();
 	if (found.empty() && vStar.size() < kManyTets) return;
 	vNew.clear();
 	auto onHull = vNew.writer(4 * vStar.size());
@@ -96,6 +97,7 @@ void HullEdges::forgetInnerEdges()
 		const bool bOnHull = isOnHullAt(facets[0], ends) || isOnHullAt(facets[1], ends);
 		it = bOnHull ? std::next(it) : found.erase(it);
 	}
+	numKept = found.size();
 }
 
 void HullEdges::noteAt(const Ends& ends, const Facet3& facet)
@@ -103,7 +105,9 @@ void HullEdges::noteAt(const Ends& ends, const Facet3& facet)
 	const auto known = found.find(ends);
 	if (known == found.end()) return;
 	auto& [a, b] = known->second;
-	(isOnHullAt(a, ends) ? b : a) = facet;
+	const bool bKeepA =
+	    isOnHullAt(a, ends) && a != facet; // its record may have been removed and come back
+	(bKeepA ? b : a) = facet;
 }
 
 } // namespace TULO3D

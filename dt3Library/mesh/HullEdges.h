@@ -26,8 +26,8 @@ public:
 	/// The hull facet beyond `edge`, which is named through the facet that is left: its opp3 index.
 	Facet3 across(const Edge3& edge);
 
-	/// The star of a vertex that was inserted on the hull, its tetrahedra's corner 0: the new hull facets have taken the
-	/// place of others at the edges opposite that corner.
+	/// The star of a vertex that was inserted on the hull, its tetrahedra's corner 0. At the edges opposite that corner the
+	/// new hull facets have taken the place of others; and a hull facet opposite it has another tetrahedron behind it.
 	void update(const ScratchArray<Tet3*>& vStar);
 
 private:
@@ -55,17 +55,19 @@ private:
 	/// If the edge is remembered, the facet is now one of its two.
 	void noteAt(const Ends& ends, const Facet3& facet);
 
-	/// Now and then, so that there is little to look up where most edges with many tetrahedra have left the hull.
+	/// So that there is little to look up where most edges with many tetrahedra have left the hull. After four updates
+	/// for each edge kept last time: a few steps an update.
 	void forgetInnerEdges();
 
-	std::size_t numUpdates = 0;                   ///< since then
+	std::size_t numUpdates = 0;                   ///< since edges were forgotten
+	std::size_t numKept = 0;                      ///< edges that were not
 	std::unordered_map<Ends, Facets, Hash> found; ///< at the edges with many tetrahedra
 	struct FacetOfStar
 	{
 		Tet3* pTet;
 		int index;
 	};
-	ScratchArray<FacetOfStar> vNew; ///< its hull facets
+	ScratchArray<FacetOfStar> vNew; ///< the hull facets of the star
 };
 
 } // namespace TULO3D

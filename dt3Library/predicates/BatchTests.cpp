@@ -89,13 +89,12 @@ struct Magnitude
 	}
 };
 
-/// What the stages have in common: the rows and determinants in doubles, and their permanents.
+/// What the stages have in common: the rows and determinants in doubles.
 template <typename Lanes>
 struct LaneStage
 {
 	Quad<SphereRow<Lanes>> rows;
 	SphereDeterminant<Lanes> d;
-	SphereDeterminant<Magnitude<Lanes>> permanent;
 };
 
 template <template <typename> class Group, typename Lanes>
@@ -105,11 +104,20 @@ TULO3D_ALWAYS_INLINE LaneStage<Lanes> laneStage(const Group<Lanes>& group)
 	s.rows =
 	    group.map([&group](const auto& p) TULO3D_INLINE_LAMBDA { return rowsOf(p, group.query); });
 	s.d = determinants(s.rows);
-	s.permanent = determinants(mapped(s.rows, [](const auto& r) TULO3D_INLINE_LAMBDA {
+	return s;
+}
+
+/// The bounds of the filters, before their factors.
+template <typename Lanes>
+using Permanents = SphereDeterminant<Magnitude<Lanes>>;
+
+template <typename Lanes>
+TULO3D_ALWAYS_INLINE Permanents<Lanes> permanents(const Quad<SphereRow<Lanes>>& rows)
+{
+	return determinants(mapped(rows, [](const auto& r) TULO3D_INLINE_LAMBDA {
 		return SphereRow<Magnitude<Lanes>>{
 		    {{magnitude(r.x)}, {magnitude(r.y)}, {magnitude(r.z)}}, {r.l}};
 	}));
-	return s;
 }
 
 /// Doubles that happen to be exact, as on a lattice, where many determinants are exactly zero.
@@ -156,18 +164,19 @@ TULO3D_ALWAYS_INLINE void exactStage(
 
 /// Doubles with a bound for their error.
 template <typename Lanes>
-TULO3D_ALWAYS_INLINE void filterStage(const LaneStage<Lanes>& s, LaneVerdicts<Lanes>& verdicts)
+TULO3D_ALWAYS_INLINE void filterStage(
+    const LaneStage<Lanes>& s, const Permanents<Lanes>& permanent, LaneVerdicts<Lanes>& verdicts)
 {
-	const Lanes bound = kSphereBound * s.permanent.det.value;
+	const Lanes bound = kSphereBound * permanent.det.value;
 	verdicts.inside |= (Flags<Lanes>)(s.d.det < -bound);
 	verdicts.outside |= (Flags<Lanes>)(s.d.det > bound);
-	verdicts.positive |= (Flags<Lanes>)(s.d.xyz > kFacetBound * s.permanent.xyz.value);
+	verdicts.positive |= (Flags<Lanes>)(s.d.xyz > kFacetBound * permanent.xyz.value);
 }
 
 /// Double-doubles with a bound for their error: nearly cospherical points, but not quite.
 template <template <typename> class Group, typename Lanes>
 TULO3D_ALWAYS_INLINE void doubleDoubleStage(
-    const Group<Lanes>& group, const LaneStage<Lanes>& s, LaneVerdicts<Lanes>& verdicts)
+    const Group<Lanes>& group, const Permanents<Lanes>& permanent, LaneVerdicts<Lanes>& verdicts)
 {
 	const auto rows = group.map([&group](const auto& p) TULO3D_INLINE_LAMBDA {
 		const Points<Lanes>& q = group.query;
@@ -175,7 +184,7 @@ TULO3D_ALWAYS_INLINE void doubleDoubleStage(
 		    {twoDiff(p.x, q.x), twoDiff(p.y, q.y), twoDiff(p.z, q.z)});
 	});
 	const Lanes det = determinants(rows).det.hi;
-	const Lanes bound = kSphereBoundDoubleDouble * s.permanent.det.value;
+	const Lanes bound = kSphereBoundDoubleDouble * permanent.det.value;
 	verdicts.inside |= (Flags<Lanes>)(det < -bound);
 	verdicts.outside |= (Flags<Lanes>)(det > bound);
 }
@@ -187,8 +196,9 @@ TULO3D_ALWAYS_INLINE LaneVerdicts<Lanes> slowStages(const Group<Lanes>& group, u
 	LaneVerdicts<Lanes> verdicts{};
 	exactStage<onSphere>(group, stage, verdicts);
 	if (areDecided(verdicts, wanted)) return verdicts;
-	filterStage(stage, verdicts);
-	if (!areDecided(verdicts, wanted)) doubleDoubleStage(group, stage, verdicts);
+	const Permanents<Lanes> permanent = permanents(stage.rows);
+	filterStage(stage, permanent, verdicts);
+	if (!areDecided(verdicts, wanted)) doubleDoubleStage(group, permanent, verdicts);
 	return verdicts;
 }
 
@@ -199,7 +209,6 @@ TULO3D_ALWAYS_INLINE NeighbourVerdicts decideByPoints(const NeighbourBatch& batc
 	    batch, [](const auto& points) TULO3D_INLINE_LAMBDA { return points; }, stage);
 }
 
-/// Out of line: inlined, these stages would cost the hot path registers (spills).
 template <typename Variant, OnSphere onSphere>
 NeighbourVerdicts testNeighbours(const NeighbourBatch& batch, const Point3& query, unsigned wanted)
 {

@@ -52,7 +52,8 @@ using ConflictTest = bool (*)(const ArdoTest3& predicates, const Tet3& tet, cons
 /// The tests of one variant.
 struct BatchTests
 {
-	NeighbourTest neighbours; ///< the stages after the first, which loops have inlined
+	NeighbourTest
+	    neighbours; ///< the stages after the first; inlined like that, they would cost loops registers
 	FacetTest facets;
 	DelaunayTest delaunay; ///< likewise
 	ConflictTest conflict; ///< for what they leave undecided

@@ -50,7 +50,7 @@ public:
 	}
 
 private:
-	/// A star has seven tetrahedra on average, hardly ever more than kFew.
+	/// A vertex owns seven tetrahedra on average; for more than kFew, sorting by comparisons takes less time.
 	static constexpr std::size_t kTogether = 8;
 	static constexpr std::size_t kFew = 4 * kTogether;
 

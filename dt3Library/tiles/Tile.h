@@ -174,7 +174,8 @@ private:
 	const BoxTree& tree;
 	const PositionRange own;
 	Dt3 engine;
-	const Point3* pFirstOwn = nullptr; ///< the own vertex that is the first on the curve
+	const Point3* pFirstOwn =
+	    nullptr; ///< the own vertex that is the first on the curve; of none, the first of all
 	std::size_t rounds = 0;
 	std::unordered_set<std::uint32_t> foreign; ///< the positions of the other vertices that are in
 	std::vector<std::vector<std::uint8_t>> vKnown; ///< nodes of the tree of which every point is in

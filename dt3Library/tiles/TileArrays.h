@@ -50,7 +50,7 @@ public:
 
 	/// Counts the tetrahedra of each own vertex into the entry behind that of the vertex.
 	void count(std::uint32_t* pCounts);
-	/// Once counts have become numbers. Writes corners and neighbours; kForeign for neighbours that the tile does not own
+	/// Once, after `count`, when counts have become numbers. Writes corners and neighbours; kForeign for neighbours that the tile does not own
 	/// or cannot know.
 	void write(const OwnedArrays& to);
 
