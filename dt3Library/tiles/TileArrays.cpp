@@ -43,16 +43,14 @@ public:
 	const Tet3* operator[](std::size_t i) const
 	{
 		const Tet3* pTet = nullptr;
-		std::memcpy(&pTet, pBytes + i * sizeof(pTet), sizeof(pTet));
+		std::memcpy(&pTet, pBytes + i * kEntry, kEntry);
 		return pTet;
 	}
-	void prefetchPlace(std::size_t i) const { prefetch(pBytes + i * sizeof(const Tet3*)); }
-	void set(std::size_t i, const Tet3* pTet)
-	{
-		std::memcpy(pBytes + i * sizeof(pTet), &pTet, sizeof(pTet));
-	}
+	void prefetchPlace(std::size_t i) const { prefetch(pBytes + i * kEntry); }
+	void set(std::size_t i, const Tet3* pTet) { std::memcpy(pBytes + i * kEntry, &pTet, kEntry); }
 
 private:
+	static constexpr std::size_t kEntry = sizeof(void*);
 	unsigned char* pBytes;
 };
 
