@@ -3,12 +3,11 @@
 #pragma once
 
 #include "Point3.h"
+#include "mesh/VertexPair.h"
 
 #include <cstddef>
 #include <cstdint>
-#include <functional>
 #include <unordered_map>
-#include <utility>
 
 namespace TULO3D {
 
@@ -39,16 +38,7 @@ public:
 	}
 
 private:
-	using Keys = std::pair<const Point3*, const Point3*>;
-	struct Hash
-	{
-		std::size_t operator()(const Keys& keys) const
-		{
-			const std::hash<const Point3*> hash;
-			return hash(keys.first) * 31U + hash(keys.second);
-		}
-	};
-	std::unordered_map<Keys, std::size_t, Hash> places;
+	std::unordered_map<VertexPair, std::size_t, VertexPairHash> places;
 };
 
 } // namespace TULO3D

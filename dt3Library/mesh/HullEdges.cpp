@@ -33,8 +33,8 @@ bool HullEdges::isOnHullAt(const Facet3& facet, const Ends& ends)
 	const auto isInFacet = [&](const Point3* pVtx) {
 		return tet.hasVertex(pVtx) && tet.getCorner(h) != pVtx;
 	};
-	return !CavityMark::isSet(tet) && tet.getOppTet(h) == nullptr && isInFacet(ends.pA) &&
-	    isInFacet(ends.pB);
+	return !CavityMark::isSet(tet) && tet.getOppTet(h) == nullptr && isInFacet(ends.first) &&
+	    isInFacet(ends.second);
 }
 
 Facet3 HullEdges::across(const Edge3& edge)
@@ -105,8 +105,8 @@ void HullEdges::noteAt(const Ends& ends, const Facet3& facet)
 	const auto known = found.find(ends);
 	if (known == found.end()) return;
 	auto& [a, b] = known->second;
-	const bool bKeepA =
-	    isOnHullAt(a, ends) && a != facet; // its record may have been removed and come back
+	// The record of a may have been removed and come back as this facet.
+	const bool bKeepA = isOnHullAt(a, ends) && a != facet;
 	(bKeepA ? b : a) = facet;
 }
 

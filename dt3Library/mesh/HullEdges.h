@@ -5,10 +5,10 @@
 #include "Edge3.h"
 #include "Facet3.h"
 #include "ardo_tools/ScratchArray.h"
+#include "mesh/VertexPair.h"
 
 #include <array>
 #include <cstddef>
-#include <functional>
 #include <unordered_map>
 
 namespace TULO3D {
@@ -33,22 +33,8 @@ public:
 private:
 	using Facets = std::array<Facet3, 2>;
 
-	/// An edge by its ends, in whatever tetrahedra it is.
-	struct Ends
-	{
-		const Point3* pA;
-		const Point3* pB;
-
-		bool operator==(const Ends& other) const { return pA == other.pA && pB == other.pB; }
-	};
-	struct Hash
-	{
-		std::size_t operator()(const Ends& ends) const
-		{
-			const std::hash<const Point3*> hash;
-			return hash(ends.pA) ^ 31 * hash(ends.pB);
-		}
-	};
+	/// An edge by its ends, in whatever tetrahedra it is: the lower address first.
+	using Ends = VertexPair;
 
 	static Ends endsOf(const Tet3& tet, int opp3, int opp2);
 	static bool isOnHullAt(const Facet3& facet, const Ends& ends);
@@ -59,9 +45,9 @@ private:
 	/// for each edge kept last time: a few steps an update.
 	void forgetInnerEdges();
 
-	std::size_t numUpdates = 0;                   ///< since edges were forgotten
-	std::size_t numKept = 0;                      ///< edges that were not
-	std::unordered_map<Ends, Facets, Hash> found; ///< at the edges with many tetrahedra
+	std::size_t numUpdates = 0;                             ///< since edges were forgotten
+	std::size_t numKept = 0;                                ///< edges that were not
+	std::unordered_map<Ends, Facets, VertexPairHash> found; ///< at the edges with many tetrahedra
 	struct FacetOfStar
 	{
 		Tet3* pTet;

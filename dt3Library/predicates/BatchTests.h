@@ -52,8 +52,8 @@ using ConflictTest = bool (*)(const ArdoTest3& predicates, const Tet3& tet, cons
 /// The tests of one variant.
 struct BatchTests
 {
-	NeighbourTest
-	    neighbours; ///< the stages after the first; inlined like that, they would cost loops registers
+	/// The stages after the first, which is inlined in loops; these would cost loops registers.
+	NeighbourTest neighbours;
 	FacetTest facets;
 	DelaunayTest delaunay; ///< likewise
 	ConflictTest conflict; ///< for what they leave undecided
