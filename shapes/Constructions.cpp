@@ -48,7 +48,7 @@ Solution solve(const Mesh& mesh, Index tet, double scale)
 Circumsphere preciseCircumsphere(const Mesh& mesh, Index tet, double size)
 {
 	const double scale = unitScale(size);
-	Solution s = solve<DoubleDouble>(mesh, tet, scale);
+	Solution s = solve<TwoDoubles>(mesh, tet, scale);
 	if (!(s.certainty > kLeastForDoubleDoubles)) s = solve<Expansion>(mesh, tet, scale);
 	const Vec arm = 0.5 / s.determinant / scale * s.numerator;
 	const double radius = norm(arm);
@@ -81,8 +81,8 @@ Vec unitNormal(const Mesh& mesh, Index a, Index b, Index c)
 		return 1 / std::sqrt(square) * normal;
 	const double scale = unitScale(std::max(largest(u), largest(v)));
 	const double *p = mesh.point(a), *q = mesh.point(b), *r = mesh.point(c);
-	const Vec twice = rounded(cross(
-	    preciseBetween<DoubleDouble>(p, q, scale), preciseBetween<DoubleDouble>(p, r, scale)));
+	const Vec twice = rounded(
+	    cross(preciseBetween<TwoDoubles>(p, q, scale), preciseBetween<TwoDoubles>(p, r, scale)));
 	if (norm(twice) > kLeastForDoubleDoubles * norm(scale * u) * norm(scale * v))
 		return unit(twice);
 	return unit(rounded(

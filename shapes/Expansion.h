@@ -5,18 +5,20 @@
 // Discrete & Computational Geometry 18, 1997.
 #pragma once
 
-#include "DoubleDouble.h"
+#include "predicates/DoubleDouble.h"
 
+#include <cstddef>
 #include <vector>
 
 namespace TULO3D::shapes {
 
-/// Exact unless a product overflows, or underflows in its last bit.
+/// Exact unless a product overflows, or underflows in its last bit. Slower than the predicates' expansions, but of any
+/// length, and with operators, as the vectors need them.
 class Expansion
 {
 public:
 	Expansion() = default;
-	explicit Expansion(const DoubleDouble& x)
+	explicit Expansion(const TwoDoubles& x)
 	{
 		add(x.lo);
 		add(x.hi);
@@ -27,7 +29,7 @@ public:
 	{
 		std::size_t kept = 0;
 		for (const double component : vComponents) {
-			const DoubleDouble sum = twoSum(x, component);
+			const TwoDoubles sum = twoSum(x, component);
 			if (sum.lo != 0) vComponents[kept++] = sum.lo;
 			x = sum.hi;
 		}
@@ -57,7 +59,7 @@ inline Expansion operator*(const Expansion& a, const Expansion& b)
 	Expansion product;
 	for (const double x : a.components()) {
 		for (const double y : b.components()) {
-			const DoubleDouble p = twoProduct(x, y);
+			const TwoDoubles p = twoProduct(kSplitter, x, y);
 			product.add(p.lo);
 			product.add(p.hi);
 		}
@@ -72,7 +74,7 @@ inline double value(const Expansion& a)
 	for (const double x : a.components()) sum += x;
 	return sum;
 }
-inline double value(const DoubleDouble& a)
+inline double value(const TwoDoubles& a)
 {
 	return a.hi;
 }

@@ -2,19 +2,19 @@
 // Exact differences of points, as numbers of more precision than doubles have.
 #pragma once
 
-#include "DoubleDouble.h"
 #include "Expansion.h"
 #include "Vec.h"
+#include "predicates/DoubleDouble.h"
 
 namespace TULO3D::shapes {
 
-/// From `p` to `q`, times a power of two. T is DoubleDouble or Expansion.
+/// From `p` to `q`, times a power of two. T is TwoDoubles or Expansion.
 template <typename T>
 VecOf<T> preciseBetween(const double* p, const double* q, double scale)
 {
 	const auto difference = [&](int i) { // scaled last, as the coordinates themselves may be large
-		const DoubleDouble d = twoSum(q[i], -p[i]);
-		return T(DoubleDouble{scale * d.hi, scale * d.lo});
+		const TwoDoubles d = twoDiff(q[i], p[i]);
+		return T(TwoDoubles{scale * d.hi, scale * d.lo});
 	};
 	return {difference(0), difference(1), difference(2)};
 }

@@ -13,8 +13,6 @@ using namespace TULO3D;
 
 namespace {
 
-constexpr double kSplitter = 134217729; // 2^27 + 1
-
 mpq_class exact(double d)
 {
 	return mpq_class(d);

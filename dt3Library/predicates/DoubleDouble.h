@@ -28,8 +28,7 @@ TULO3D_ALWAYS_INLINE DoubleDouble<T> operator-(const DoubleDouble<T>& a, const D
 template <typename T>
 TULO3D_ALWAYS_INLINE DoubleDouble<T> operator*(const DoubleDouble<T>& a, const DoubleDouble<T>& b)
 {
-	constexpr double splitter = 134217729.0; // 2^27 + 1
-	const DoubleDouble<T> p = twoProduct(splitter, a.hi, b.hi);
+	const DoubleDouble<T> p = twoProduct(kSplitter, a.hi, b.hi);
 	return fastTwoSum(p.hi, p.lo + (a.hi * b.lo + a.lo * b.hi));
 }
 

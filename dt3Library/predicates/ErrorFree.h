@@ -60,6 +60,9 @@ TULO3D_ALWAYS_INLINE DoubleDouble<T> twoDiff(const T& a, const T& b)
 	return {x, (a - aVirtual) + (bVirtual - b)};
 }
 
+/// 2^27 + 1, which cuts a double in the middle.
+constexpr double kSplitter = 134217729.0;
+
 /// Cuts a double into two halves of at most 26 bits each.
 template <typename T>
 TULO3D_ALWAYS_INLINE DoubleDouble<T> split(double splitter, const T& a)
