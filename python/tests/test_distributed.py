@@ -163,7 +163,13 @@ def test_tasks_of_a_stopped_run_do_not_reach_the_next_one(client, tmp_path):
         return parts[i]
 
     mesh = triangulate(
-        last_is_late, tmp_path / "m", client=client, num_chunks=3, tile_size=400, count_edges=True
+        last_is_late,
+        tmp_path / "m",
+        client=client,
+        num_chunks=3,
+        tile_size=400,
+        count_edges=True,
+        progress=False,
     )
     expect_same(mesh, POINTS)
     expect_only_a_mesh(tmp_path / "m", mesh)

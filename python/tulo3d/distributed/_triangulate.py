@@ -11,7 +11,7 @@ import uuid
 from collections.abc import Callable, Iterable, Iterator
 from contextlib import contextmanager, suppress
 from pathlib import Path
-from typing import TYPE_CHECKING, Any, Literal
+from typing import TYPE_CHECKING, Any
 
 import numpy as np
 
@@ -38,7 +38,7 @@ def triangulate(
     tile_size: int = 1_000_000,
     num_chunks: int | None = None,
     count_edges: bool = False,
-    progress: Progress | Literal[True] | None = None,
+    progress: Progress | bool | None = None,
 ) -> TiledMesh:
     """Make the mesh of points that need not fit into one memory.
 
@@ -63,8 +63,9 @@ def triangulate(
         The number of chunks of a callable.
     count_edges : bool, optional
         Count the edges of the mesh, too, for `TiledMesh.euler_characteristic`.
-    progress : callable, optional
-        Called as ``progress(stage, num_done, num_tasks)``; an exception that it raises ends the work. True shows a bar.
+    progress : callable or bool, optional
+        Called as ``progress(stage, num_done, num_tasks)``; an exception that it raises ends the work. True shows
+        a bar.
 
     Returns
     -------
@@ -88,7 +89,7 @@ def triangulate(
         raise ValueError(f"tile_size is positive, not {tile_size}")
     target = Path(folder).absolute()
     chunks = chunks_of(points, num_chunks, tile_size)
-    report = _bar if progress is True else progress
+    report = _bar if progress is True else progress or None
     with _scratch_in(target) as scratch, _workers(client) as workers:
         _Work(workers, scratch, target, report).run(chunks, tile_size, count_edges)
     return TiledMesh(target)
