@@ -39,7 +39,7 @@ struct ParallelMesh
 /// tetrahedra; `std::bad_alloc` without memory.
 ///
 /// `progress`, unless empty, is called now and then, in the thread of the caller alone, with how many of the points
-/// are in; when it returns false, this throws `TuloException`.
+/// are in; when it returns false, this throws `TuloException`; what it throws leaves this function as well.
 TULO3D_API ParallelMesh triangulateInParallel(const double* pCoordinates, std::size_t numPoints,
     unsigned numThreads = 0,
     const std::function<bool(std::size_t, std::size_t)>& progress = nullptr);

@@ -4,6 +4,7 @@
 #include "mesh/LiveTets.h"
 #include "support.h"
 #include "tiles/CurveOrder.h"
+#include "tiles/TileProgress.h"
 #include "tiles/TiledMesh.h"
 #include "tiles/parallel.h"
 #include "tools.h"
@@ -11,6 +12,7 @@
 #include <cstdint>
 #include <limits>
 #include <new>
+#include <thread>
 
 using namespace TULO3D;
 using points::Cloud;
@@ -301,6 +303,16 @@ TEST(TilesAtOnce, TellHowFarTheyAreAndStopWhenToldTo)
 	                 [&](std::size_t, std::size_t) { return ++calls < 3; }),
 	    TuloException);
 	EXPECT_EQ(calls, 3);
+}
+
+TEST(TilesAtOnce, AllEndWithWhatTheProgressHandlerThrows)
+{
+	const TileProgress::Handler handler = [](std::size_t, std::size_t) -> bool { throw 42; };
+	TileProgress progress(handler, 20);
+	const TileProgress::Handler own = progress.ofTile({0, 10}), other = progress.ofTile({10, 20});
+	EXPECT_THROW(own(1, 10), int);
+	// Of the exceptions of several threads the first one goes on to the caller.
+	std::thread([&] { EXPECT_THROW(other(1, 10), int); }).join();
 }
 
 } // namespace

@@ -7,13 +7,14 @@
 #include <algorithm>
 #include <atomic>
 #include <cstddef>
+#include <exception>
 #include <functional>
 #include <thread>
 
 namespace TULO3D {
 
 /// Collects what the engines of the tiles report, and tells the host in the thread in which this was made. The host's
-/// answer to stop reaches all of them.
+/// answer to stop reaches all of them, and so does what it throws: whichever ends first, the host gets that back.
 class TileProgress
 {
 public:
@@ -37,6 +38,7 @@ public:
 			if (std::this_thread::get_id() == host && !bStopped) {
 				tell();
 			}
+			if (bStopped && pThrown) std::rethrow_exception(pThrown);
 			return !bStopped;
 		};
 	}
@@ -47,6 +49,7 @@ private:
 		try {
 			bStopped = !handler(std::min(numDone.load(), numPoints), numPoints);
 		} catch (...) { // of which the other threads must hear
+			pThrown = std::current_exception();
 			bStopped = true;
 			throw;
 		}
@@ -56,6 +59,7 @@ private:
 	const std::size_t numPoints;
 	const std::thread::id host = std::this_thread::get_id();
 	std::atomic<std::size_t> numDone{0};
+	std::exception_ptr pThrown; ///< by the handler, before bStopped was set; read only afterwards
 	std::atomic<bool> bStopped{false};
 };
 
