@@ -219,8 +219,19 @@ void Voronoi::Reader::append(Index vertex, VoronoiCells& cells)
 		// The two corners at infinity of an unbounded face are one in the result.
 		std::size_t begin = face.begin;
 		begin += bUnbounded && cell.corners()[at(cell.polygons()[begin])].source < 0;
-		for (std::size_t i = begin; i < face.end; ++i)
-			cells.vCorners.push_back(numberOf(cell.polygons()[i]));
+		const std::size_t numBefore = cells.vCorners.size();
+		bool bAll = true;
+		for (std::size_t i = begin; i < face.end; ++i) {
+			const Index corner = cell.polygons()[i];
+			// Rounding can leave a corner at infinity in a clipped cell; `volume` passes over it as well.
+			const bool bHere = !isClipped() || cell.corners()[at(corner)].weight != 0;
+			if (bHere) cells.vCorners.push_back(numberOf(corner));
+			bAll &= bHere;
+		}
+		if (!bAll && cells.vCorners.size() < numBefore + 3) {
+			cells.vCorners.resize(numBefore);
+			continue;
+		}
 		cells.vFaceBegins.push_back(static_cast<std::int64_t>(cells.vCorners.size()));
 		cells.vNeighbours.push_back(face.label);
 	}

@@ -269,6 +269,21 @@ TEST_P(ShapesOf, VoronoiCellsFillTheBoxAndTheHull)
 	expectFilled(Voronoi::clippedToHull(m.view), m.volume(), m.tolerance());
 }
 
+TEST_P(ShapesOf, VoronoiCellsThatAreClippedHaveNoCornerAtInfinity)
+{
+	// Also where points are flat up to rounding, as four of them often are.
+	for (const int size : {4, 5, 200}) {
+		const Meshed m(GetParam().make(size, 1));
+		if (m.view.numTets == 0) continue;
+		for (const bool bHull : {false, true}) {
+			const VoronoiCells cells =
+			    (bHull ? Voronoi::clippedToHull(m.view) : Voronoi(m.view, m.box())).cells();
+			for (const std::int32_t corner : cells.vCorners) ASSERT_GE(corner, 0) << size;
+			ASSERT_EQ(cells.vFaceBegins.size(), cells.vNeighbours.size() + 1);
+		}
+	}
+}
+
 TEST(Shapes, OfACubicLatticeAreKnownFarFromTheOriginToo)
 {
 	constexpr int n = 5;

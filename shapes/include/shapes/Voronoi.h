@@ -25,9 +25,9 @@ constexpr std::int32_t kHullSide = -7;
 /// the corners vCorners[vFaceBegins[f]] to vCorners[vFaceBegins[f + 1] - 1], counter-clockwise from outside.
 ///
 /// Corner c is the circumcentre of tetrahedron c, or, from the number of tetrahedra on, one that clipping has made:
-/// the (c - number)-th of `vMade`. Corner -1 is at infinity: it comes first in each face that is unbounded. As the cells
-/// are those of the mesh, more than three faces may meet in a point: where points are cospherical, several corners
-/// coincide, and faces may have no area.
+/// the (c - number)-th of `vMade`. Corner -1 is at infinity: it comes first in each face that is unbounded; clipped cells
+/// have none. As the cells are those of the mesh, more than three faces may meet in a point: where points are
+/// cospherical, several corners coincide, and faces may have no area.
 struct VoronoiCells
 {
 	std::vector<std::int64_t> vCellBegins; ///< one more than there are cells
