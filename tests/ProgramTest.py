@@ -140,6 +140,8 @@ BAD = [  # name, content, exit status, what standard error says
     ("a.ply", "ply\nformat ascii 1.0\nelement vertex 1\nproperty float x\nend_header\n1\n", 3, "x, y and z"),
     ("a.ply", "ply\nformat ascii 1.0\nelement vertex 1\nproperty real x\n", 3, "a.ply:4: 'real' is not a type"),
     ("a.ply", ply("binary_little_endian", "<").replace(b"vertex 40", b"vertex 9999999999999999"), 3, "cut short"),
+    ("a.ply", ply("binary_little_endian", "<").replace(b"end_", b"element z 1\nproperty list uint64 double l\nend_")
+     + struct.pack("<Q", 1 << 61), 3, "cut short: z 1 of 1 is missing"),
     ("a.las", las(2, 131), 3, "compressed"), ("a.las", las()[:200], 3, "its header is not complete"),
     ("a.las", las()[:230], 3, "cut short: there are no points"),
     ("a.xyz", FOUR + FOUR, 4, "fewer than 4 distinct points (3)"), ("a.xyz", "", 4, "fewer than 4"),

@@ -4,6 +4,8 @@
 #include "Failure.h"
 #include "PlyHeader.h"
 
+#include <algorithm>
+
 namespace app {
 
 namespace {
@@ -83,7 +85,10 @@ private:
 			if (const auto* pCount = property.pCountType) {
 				const double num = pCount->load(take(pCount->size, element, i), bBigEndian);
 				if (num < 0) fail(ordinal(element, i) + ": the length of a list is negative");
-				take(static_cast<std::size_t>(num) * property.pType->size, element, i);
+				// More than the whole file cannot be there; and the product must not overflow.
+				const auto most = static_cast<double>(source.text.size());
+				take(static_cast<std::size_t>(std::min(num, most)) * property.pType->size, element,
+				    i);
 				continue;
 			}
 			const char* pBytes = take(property.pType->size, element, i);
