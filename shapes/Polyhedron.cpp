@@ -2,6 +2,7 @@
 // Cutting a convex polyhedron by a plane: each face by itself, and what closes the cut.
 #include "Polyhedron.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace TULO3D::shapes {
@@ -91,6 +92,15 @@ void Polyhedron::cutFace(const Face& face)
 	if (vPolygons.size() > begin) addFace(face.label, face.normal, face.distance);
 }
 
+/// Leaves no face.
+void Polyhedron::takeFormerFaces()
+{
+	vFormer.clear();
+	vFormer.swap(vPolygons);
+	vFormerFaces.clear();
+	vFormerFaces.swap(vFaces);
+}
+
 bool Polyhedron::cut(const Vec& normal, double distance, Index label)
 {
 	vHeights.clear();
@@ -100,10 +110,7 @@ bool Polyhedron::cut(const Vec& normal, double distance, Index label)
 		bCut |= !(vHeights.back() >= 0);
 	}
 	if (!bCut) return false;
-	vFormer.clear();
-	vFormer.swap(vPolygons);
-	vFormerFaces.clear();
-	vFormerFaces.swap(vFaces);
+	takeFormerFaces();
 	made.clear();
 	vNext.assign(vCorners.size(), -1);
 	for (const Face& face : vFormerFaces) cutFace(face);
@@ -126,6 +133,50 @@ void Polyhedron::dropCornersOutside()
 	for (Index& corner : vPolygons) corner = vNext[at(corner)];
 }
 
+void Polyhedron::joinCornersAtInfinity()
+{
+	const auto isAtInfinity = [](const Corner& corner) { return corner.weight == 0; };
+	if (std::none_of(vCorners.begin(), vCorners.end(), isAtInfinity)) return;
+	takeFormerFaces();
+	joinToNeighbours();
+	for (const Face& face : vFormerFaces) {
+		const std::size_t begin = vPolygons.size();
+		for (std::size_t i = face.begin; i < face.end; ++i) {
+			const Index corner = vNext[at(vFormer[i])];
+			if (corner >= 0 && (vPolygons.size() == begin || vPolygons.back() != corner))
+				vPolygons.push_back(corner);
+		}
+		while (vPolygons.size() > begin + 1 && vPolygons.back() == vPolygons[begin])
+			vPolygons.pop_back();
+		// What has become an edge is none any more: the faces on its two sides are neighbours now.
+		if (vPolygons.size() < begin + 3) {
+			vPolygons.resize(begin);
+		} else {
+			addFace(face.label, face.normal, face.distance);
+		}
+	}
+}
+
+/// Sets vNext to the corner that each one is joined to: itself, unless it is at infinity.
+void Polyhedron::joinToNeighbours()
+{
+	vNext.clear();
+	for (std::size_t i = 0; i < vCorners.size(); ++i) {
+		vNext.push_back(vCorners[i].weight != 0 ? static_cast<Index>(i) : -1);
+	}
+	for (bool bChanged = true; bChanged;) {
+		bChanged = false;
+		for (const Face& face : vFormerFaces) {
+			for (std::size_t i = face.begin; i < face.end; ++i) {
+				const Index a = vFormer[i], b = vFormer[i + 1 < face.end ? i + 1 : face.begin];
+				if (vNext[at(a)] >= 0 || vNext[at(b)] < 0) continue;
+				vNext[at(a)] = vNext[at(b)];
+				bChanged = true;
+			}
+		}
+	}
+}
+
 double Polyhedron::volume() const
 {
 	double sum = 0;
@@ -135,7 +186,6 @@ double Polyhedron::volume() const
 		const Corner* pBefore = &first;
 		for (std::size_t i = face.begin; i < face.end; ++i) {
 			const Corner& corner = vCorners[at(vPolygons[i])];
-			if (corner.weight == 0 || first.weight == 0) continue;
 			area = area + cross(pBefore->p - first.p, corner.p - first.p);
 			pBefore = &corner;
 		}

@@ -10,7 +10,8 @@
 namespace TULO3D::shapes {
 
 /// A polyhedron around the origin, held by its faces. A cut decides once for each corner on which side of the plane
-/// it lies; so the result is a closed surface whatever the rounding.
+/// it lies; so the result is a closed surface whatever the rounding, unless two corners have two edges in common, as can be in
+/// cells of points that are flat up to rounding.
 ///
 /// Corners are in homogeneous coordinates: with weight 1 a point, with weight 0 a point at infinity. The corners
 /// at infinity of an unbounded polyhedron have a face of their own, which closes its surface.
@@ -43,7 +44,11 @@ public:
 	/// False when nothing lies there.
 	bool cut(const Vec& normal, double distance, Index label);
 
-	/// Of a bounded polyhedron. A corner at infinity, which only rounding can leave in one, is passed over.
+	/// After cuts that make it bounded: joins each corner at infinity, which only rounding can have left, to a neighbour. The
+	/// surface stays closed.
+	void joinCornersAtInfinity();
+
+	/// Of a bounded polyhedron.
 	double volume() const;
 
 	const std::vector<Corner>& corners() const { return vCorners; }
@@ -54,6 +59,8 @@ private:
 	Index cornerBetween(Index inside, Index outside);
 	void cutFace(const Face& face);
 	void dropCornersOutside();
+	void joinToNeighbours();
+	void takeFormerFaces();
 	bool isInside(Index corner) const { return vHeights[at(corner)] >= 0; }
 
 	std::vector<Corner> vCorners;

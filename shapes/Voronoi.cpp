@@ -147,6 +147,7 @@ void Voronoi::Reader::build(Index vertex)
 	cell.addFacesAlong(vNextAtInfinity, kFaceAtInfinity, {}, 0);
 	if (box) clipToBox(vertex);
 	if (hullClip) hullClip->clip(vertex, cell);
+	cell.joinCornersAtInfinity();
 	bUnbounded = bEndless = false;
 }
 
@@ -219,19 +220,8 @@ void Voronoi::Reader::append(Index vertex, VoronoiCells& cells)
 		// The two corners at infinity of an unbounded face are one in the result.
 		std::size_t begin = face.begin;
 		begin += bUnbounded && cell.corners()[at(cell.polygons()[begin])].source < 0;
-		const std::size_t numBefore = cells.vCorners.size();
-		bool bAll = true;
-		for (std::size_t i = begin; i < face.end; ++i) {
-			const Index corner = cell.polygons()[i];
-			// Rounding can leave a corner at infinity in a clipped cell; `volume` passes over it as well.
-			const bool bHere = !isClipped() || cell.corners()[at(corner)].weight != 0;
-			if (bHere) cells.vCorners.push_back(numberOf(corner));
-			bAll &= bHere;
-		}
-		if (!bAll && cells.vCorners.size() < numBefore + 3) {
-			cells.vCorners.resize(numBefore);
-			continue;
-		}
+		for (std::size_t i = begin; i < face.end; ++i)
+			cells.vCorners.push_back(numberOf(cell.polygons()[i]));
 		cells.vFaceBegins.push_back(static_cast<std::int64_t>(cells.vCorners.size()));
 		cells.vNeighbours.push_back(face.label);
 	}
