@@ -84,6 +84,8 @@ public:
 		result.length = a.length + b.length;
 		std::fill_n(result.digit, result.length, 0U);
 		for (unsigned i = 0; i < a.length; ++i) {
+			// In the unit of a tiny number most digits of a large one are zero.
+			if (a.digit[i] == 0) continue;
 			std::uint64_t carry = 0;
 			for (unsigned j = 0; j < b.length; ++j) {
 				carry += std::uint64_t{a.digit[i]} * b.digit[j] + result.digit[i + j];
