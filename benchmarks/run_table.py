@@ -64,6 +64,7 @@ TABLE = [
     Row("build", "decades", 10000, READERS, 0.80),
     Row("build", "tiny", 100000, READERS, 1.50),
     Row("build", "Denormals", 10000, READERS, 1.50),
+    Row("build", "bump", 10000, READERS, 1.50),
     # Many tetrahedra at each edge.
     Row("single", "moment", 1000, READERS, 3.0),
     Row("single", "TwoSkewLines", 1000, READERS, 3.0),

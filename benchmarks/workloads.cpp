@@ -201,6 +201,22 @@ Cloud scales(std::size_t size, Random& random)
 	});
 }
 
+/// The nearest square raster under a Gaussian bump, whose tails fall below 1e-45, and then to zero.
+Cloud bump(std::size_t size, Random&)
+{
+	const auto side = std::lround(std::sqrt(static_cast<double>(size)));
+	const auto at = [side](long i) {
+		return 40.0 * static_cast<double>(i) / static_cast<double>(side) - 20;
+	};
+	Cloud cloud;
+	for (long i = 0; i < side; ++i) {
+		for (long j = 0; j < side; ++j) {
+			cloud.emplace_back(at(i), at(j), std::exp(-at(i) * at(i) - at(j) * at(j)));
+		}
+	}
+	return cloud;
+}
+
 /// The logarithm of each coordinate uniform over 100 decades, either sign.
 Cloud decades(std::size_t size, Random& random)
 {
@@ -233,6 +249,7 @@ const std::vector<Workload>& workloads()
 	    {"moment", "points of the moment curve, at its ends in turn", moment},
 	    {"lines", "random points exactly on five lines", lines},
 	    {"tiny", "random points of a cube with a side of 1e-60", tiny},
+	    {"bump", "a raster under a Gaussian bump, down to z = 0", bump},
 	    {"scales8", "random directions, distances over 8 decades", scales<8>},
 	    {"scales12", "the same over 12 decades", scales<12>},
 	    {"scales30", "the same over 30 decades", scales<30>},
