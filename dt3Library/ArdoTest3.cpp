@@ -2,6 +2,7 @@
 // The filter of the in-sphere test, the way to the later stages, and the names of the results.
 #include "ArdoTest3.h"
 #include "Message.h"
+#include "predicates/DoubleDouble.h"
 #include "predicates/ShewchukStages.h"
 #include "predicates/Underflow.h"
 
@@ -80,6 +81,13 @@ SphereInclusion ArdoTest3::inclusionInDoubt(const Point3& a, const Point3& b, co
 		};
 		const FastStage fast = filtered(row(0), row(1), row(2), row(3));
 		if (fast.bCertain()) return fast.det > 0.0 ? SIC_OUTSIDE : SIC_INSIDE;
+		const auto exact = [&](std::size_t i) {
+			return SphereRow<TwoDoubles>{
+			    exactRow(wide[i], wide[4]), lifted(exactRow(p[i], p[4])).l};
+		};
+		const StageResult doubleDouble = insphereDoubleDouble(
+		    {exact(0), exact(1), exact(2), exact(3)}, fast.permanent, kLostInDoubleDoubles);
+		if (doubleDouble.bDecided) return doubleDouble.det > 0.0 ? SIC_OUTSIDE : SIC_INSIDE;
 		const bool bAtCorner = q == a || q == b || q == c || q == d; // S3
 		const bool bInside = bAtCorner || insphereSignDespiteUnderflow(a, b, c, d, q) < 0;
 		return bInside ? SIC_INSIDE : SIC_OUTSIDE;

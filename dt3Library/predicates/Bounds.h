@@ -22,6 +22,7 @@
 //   kSphereBoundDoubleDouble  2^-99              P               in-sphere in double-doubles              B3
 //   kLostInOrient3d           1e-244             added           underflow, beside o3derrboundA           B4
 //   kLostInInsphere           1e-122             added           underflow, beside isperrboundA           B4
+//   kLostInDoubleDoubles      1e-118             added           underflow, beside the double-doubles     B4
 //   kLostInQuickStage         1e-300             added           underflow, beside the quick bounds       B4
 //
 // [S] J. R. Shewchuk: Adaptive Precision Floating-Point Arithmetic and Fast Robust Geometric Predicates,
@@ -53,7 +54,9 @@
 // there are some 16 products, with one more factor each; in the in-sphere determinant less than 256, with
 // three. In the first batched stage, 1e-300 is what a determinant loses whose points are all nearer than
 // 1; where they are not, the loss is hidden by a bound that grows with the third or fifth power of their
-// distances. The other bounds have no allowance: kLeastSafe keeps underflow away from them.
+// distances. In double-doubles there are some 65 products and sums, each of up to 30 operations that may lose as much:
+// 2000 times 2^-1022 with three factors, in up to three minors, is less than 1e-122, and 1e-118 leaves room. It is
+// needed only where tiny coordinates meet large ones: kLeastSafe keeps underflow away from all other bounds.
 #pragma once
 
 namespace TULO3D {
@@ -66,6 +69,7 @@ constexpr double kSphereBoundDoubleDouble = 0x1p-99;
 
 constexpr double kLostInOrient3d = 1e-244;
 constexpr double kLostInInsphere = 1e-122;
+constexpr double kLostInDoubleDoubles = 1e-118;
 constexpr double kLostInQuickStage = 1e-300;
 
 /// Nonzero coordinates from here on: no term of a test underflows.

@@ -37,12 +37,16 @@ struct CyclicMinors
 
 } // namespace
 
+StageResult insphereDoubleDouble(const LiftedRows& rows, double permanent, double lost)
+{
+	const double det = sphereDeterminant(rows[0], rows[1], rows[2], rows[3]).det.hi;
+	return {det, std::abs(det) > kSphereBoundDoubleDouble * permanent + lost};
+}
+
 StageResult insphereDoubleDouble(const InsphereRows& rows, double permanent)
 {
-	const double det =
-	    sphereDeterminant(lifted(rows[0]), lifted(rows[1]), lifted(rows[2]), lifted(rows[3]))
-	        .det.hi;
-	return {det, std::abs(det) > kSphereBoundDoubleDouble * permanent};
+	return insphereDoubleDouble(
+	    {lifted(rows[0]), lifted(rows[1]), lifted(rows[2]), lifted(rows[3])}, permanent, 0);
 }
 
 StageResult insphereStageB(

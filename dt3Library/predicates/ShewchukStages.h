@@ -27,6 +27,7 @@ template <std::size_t N>
 using ExactRows = std::array<Row<TwoDoubles>, N>;
 using Orient3dRows = ExactRows<3>;
 using InsphereRows = ExactRows<4>;
+using LiftedRows = std::array<SphereRow<TwoDoubles>, 4>;
 
 /// p seen from the origin.
 inline Row<TwoDoubles> exactRow(const Point3& p, const Point3& origin)
@@ -67,6 +68,8 @@ double orient3dAdapt(const MachineConstants& constants, const Point3& a, const P
 /// Between the filter and B: a filter in double-doubles, which decides most nearly cospherical points at a
 /// tenth of the cost of B.
 StageResult insphereDoubleDouble(const InsphereRows& rows, double permanent);
+/// The same with lifts of another scale than the other columns, where underflow may add an error of `lost`.
+StageResult insphereDoubleDouble(const LiftedRows& rows, double permanent, double lost);
 /// B: exact in the rounded differences, and so exact where there are no tails.
 StageResult insphereStageB(
     const MachineConstants& constants, const InsphereRows& rows, double permanent);
