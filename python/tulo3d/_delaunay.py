@@ -42,7 +42,7 @@ class Delaunay:
         Keep what `add_points` needs, about 600 bytes a point.
     workers : int, optional
         So many threads make the mesh; -1 stands for one for each core. Pays from some ten thousand points
-        on, and not on smooth surfaces. The mesh does not depend on it, but on points of common
+        on, and not for points of surfaces. The mesh does not depend on it, but on points of common
         spheres it may be another one than with one worker; the next `add_points` triangulates again.
     progress : callable, optional
         Called as ``progress(num_inserted, num_vertices)``, at most some twenty times a second and once
